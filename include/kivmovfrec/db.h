@@ -1,0 +1,102 @@
+// The database boundary: a connection that runs SQL text in the suite's dialect and result sets
+// that read and write rows. Adapters (SQLite, PostgreSQL) implement these interfaces; nothing
+// above them includes an engine's own headers.
+//
+// SQL text is written in the suite's dialect (`Select Top n`, `+` between texts, `Like`
+// without regard to case) and translated by the adapter. Table and column names resolve
+// without regard to case.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "kivmovfrec/variant.h"
+
+namespace kivmovfrec {
+
+// Any failure reported by the database engine or by the adapter (bad SQL, constraint, busy
+// database, lost connection, malformed URI). what() holds the engine's message.
+class DbError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Rows produced by one SELECT. A result set starts on its first row (Eof() when there is none).
+//
+// Reading: Get(name) finds the column without regard to case and returns Null for SQL NULL;
+// an unknown column throws DbError. Get(index) is 0-based.
+//
+// Writing is possible only on sets opened by Connection::OpenResultset for a single-table
+// `Select * from T Where ...`; other sets throw DbError on AddNew/Edit/Delete. Values written
+// this way are bound as parameters, never spliced into SQL text. The sequence is
+//   AddNew() or Edit(); Set(column, value)...; Update();
+// AddNew starts a row with every column Null; after Update the set is positioned on the new
+// row. Delete() removes the current row at once (the set stays on it; MoveNext continues).
+class Resultset {
+ public:
+  virtual ~Resultset() = default;
+
+  virtual bool Eof() const = 0;
+  virtual void MoveNext() = 0;
+
+  virtual int ColumnCount() const = 0;
+  virtual std::string ColumnName(int index) const = 0;
+  virtual bool HasColumn(std::string_view name) const = 0;
+  virtual Variant Get(int index) const = 0;
+  virtual Variant Get(std::string_view name) const = 0;
+
+  virtual void AddNew() = 0;
+  virtual void Edit() = 0;
+  virtual void Set(std::string_view name, const Variant& value) = 0;
+  virtual void Update() = 0;
+  virtual void Delete() = 0;
+
+  // Releases the set; further calls other than Close are errors. The destructor closes too.
+  virtual void Close() = 0;
+};
+
+enum class Engine { SQLite, PostgreSQL };
+
+// An open database. Not thread-safe: one connection per thread, as the suite uses it.
+//
+// Transactions: BeginTrans takes the write lock at once (so two savers serialise instead of
+// failing at commit); CommitTrans / RollbackTrans end it. They do not nest: BeginTrans inside a
+// transaction throws DbError. Without a transaction every statement commits on its own.
+class Connection {
+ public:
+  virtual ~Connection() = default;
+
+  virtual Engine engine() const = 0;
+
+  // Opens a result set. Updatable when the SQL is a single-table `Select * from T ...`.
+  virtual std::unique_ptr<Resultset> OpenResultset(std::string_view sql) = 0;
+
+  // Opens a result set for text that came from a formula or a script: the statement must be
+  // read-only. A statement that would write (INSERT, UPDATE, DELETE, DDL, or anything the engine
+  // does not report as read-only) throws DbError and writes nothing.
+  virtual std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) = 0;
+
+  // Runs a statement that returns no rows; returns the number of rows it changed.
+  virtual int64_t Execute(std::string_view sql) = 0;
+
+  virtual void BeginTrans() = 0;
+  virtual void CommitTrans() = 0;
+  virtual void RollbackTrans() = 0;
+  virtual bool InTransaction() const = 0;
+
+  // The statement as this engine will run it (dialect translation only). For tests and traces.
+  virtual std::string Translate(std::string_view sql) const = 0;
+};
+
+// Opens a database from a URI:
+//   sqlite:<path>        SQLite file, created when absent (its directory must exist)
+//   sqlite::memory:      private in-memory SQLite database
+//   postgresql://...     PostgreSQL connection string (libpq URI form)
+// Throws DbError with a clear message for an unknown scheme, a missing directory or a server
+// that cannot be reached.
+std::shared_ptr<Connection> OpenConnection(std::string_view uri);
+
+}  // namespace kivmovfrec

@@ -1,0 +1,1 @@
+-- Demo company (SQLite).
