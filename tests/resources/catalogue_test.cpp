@@ -1,0 +1,199 @@
+#include "resources/catalogue.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "resources/msg.h"
+#include "resources/utf8_check.h"
+
+namespace kivmovfrec::resources {
+namespace {
+
+using testing::IsValidUtf8;
+
+TEST(Catalogue, AskedNumberIsOffsetByLanguageWithZeroCountingAsOne) {
+  const std::string_view espanol = Entrada(1007);
+  EXPECT_EQ(espanol, "Movimientos Frecuentes");
+  EXPECT_EQ(Texto(msg::kTituloMovimientosFrecuentes), espanol);
+  EXPECT_EQ(Texto(msg::kTituloMovimientosFrecuentes, 0), espanol);
+  EXPECT_EQ(Texto(msg::kTituloMovimientosFrecuentes, 1), espanol);
+  EXPECT_EQ(Texto(msg::kTituloMovimientosFrecuentes, -4), espanol);
+  EXPECT_EQ(Texto(msg::kSinDerechos), Entrada(1870));
+  EXPECT_EQ(Texto(msg::kContadorTablaFallido), Entrada(1904));
+  EXPECT_EQ(NumeroEntrada(870, 0), 1870);
+  EXPECT_EQ(NumeroEntrada(870, 3), 3870);
+}
+
+TEST(Catalogue, MissingLanguageFallsBackToSpanish) {
+  EXPECT_EQ(Entrada(2870), "");
+  EXPECT_EQ(Texto(msg::kSinDerechos, 2), Entrada(1870));
+  EXPECT_EQ(Texto(msg::kSinDerechos, 9), Entrada(1870));
+  // A language number so large that the entry number leaves the int range still falls back.
+  EXPECT_EQ(Texto(msg::kSinDerechos, INT_MAX), Entrada(1870));
+  EXPECT_EQ(Texto(msg::kTasaDeCambioPara, 2, "U$S"), "Tasa de cambio para U$S");
+}
+
+TEST(Catalogue, UnknownNumbersGiveEmptyText) {
+  EXPECT_EQ(Texto(6), "");  // a hole between numbered texts
+  EXPECT_EQ(Texto(999), "");
+  EXPECT_EQ(Texto(-1), "");
+  EXPECT_EQ(Texto(INT_MIN), "");
+  EXPECT_EQ(Texto(1870), "");  // entry numbers are not asked numbers
+  EXPECT_EQ(Texto(1000, 0), "");
+  EXPECT_EQ(Entrada(870), "");
+  EXPECT_EQ(Entrada(INT_MAX), "");
+  EXPECT_EQ(Texto(999, 1, "x"), "");
+  EXPECT_EQ(Lineas({999}), "");
+}
+
+TEST(Catalogue, PlaceholderIsReplacedEverywhereAndNotRescanned) {
+  EXPECT_EQ(Texto(msg::kTasaDeCambioPara, 1, "U$S"), "Tasa de cambio para U$S");
+  EXPECT_EQ(Texto(msg::kCapTCa, 1, "Dólares"), "&TC a Dólares:");
+  EXPECT_EQ(Texto(msg::kTasaDeCambioPara, 1, "[p][p]"), "Tasa de cambio para [p][p]");
+  EXPECT_EQ(Texto(msg::kTasaDeCambioPara, 1, ""), "Tasa de cambio para ");
+  EXPECT_EQ(Texto(msg::kSinDerechos, 1, "x"), Texto(msg::kSinDerechos));
+
+  const std::string contacto = Texto(msg::kContactoPrivado, 1, "Juan Pérez");
+  EXPECT_EQ(contacto.rfind("“Juan Pérez” es un contacto privado.\nSi Ud. pasa un comprobante", 0),
+            0u);
+  EXPECT_EQ(contacto.find("[p]"), std::string::npos);
+  EXPECT_TRUE(
+      contacto.ends_with("la información del contacto.\n¿Quiere pasar al contacto como público?"));
+}
+
+TEST(Catalogue, MultiLineMessagesJoinWithOneLineBreak) {
+  EXPECT_EQ(Lineas({msg::kSinDerechos, msg::kConsulteAdministrador}),
+            "Su usuario no está habilitado para acceder a ésta opción.\n"
+            "Consulte con el administrador del sistema.");
+  EXPECT_EQ(Lineas({msg::kSeCambioAgenda, msg::kCambiarAgendasVinculadas}),
+            "Se cambio la agenda.\n ¿Desea cambiarla en aquellas agendas vinculadas que eran "
+            "iguales a la anterior?");
+  // An unknown line keeps its place, so the other lines stay where the caller put them.
+  EXPECT_EQ(Lineas({999, msg::kConsulteAdministrador}),
+            "\nConsulte con el administrador del sistema.");
+  EXPECT_EQ(Lineas({}), "");
+}
+
+TEST(Catalogue, DeliberateSpellingsAndPunctuationAreKept) {
+  EXPECT_TRUE(Texto(msg::kTipoImporteNumeracion).ends_with("numeracíon obligatoria."));
+  EXPECT_TRUE(Texto(msg::kComillaSimple).ends_with("carácter reservado; elimineló."));
+  EXPECT_NE(Texto(msg::kListaDuplicada).find("existe un lista de tareas"), std::string::npos);
+  EXPECT_TRUE(Texto(msg::kFxReferenciaCruzada).ends_with(", esto no esta admitido."));
+  EXPECT_NE(Texto(msg::kAgendadoVidaPropia).find("no se puede víncular a más de 1."),
+            std::string::npos);
+  EXPECT_EQ(Texto(msg::kSeCambioAgenda), "Se cambio la agenda.");
+  EXPECT_EQ(Texto(msg::kSeEliminoAgenda), "Se elimino la agenda.");
+  EXPECT_EQ(Texto(msg::kFormulaSinResultado), "Fórmula sin resultado");
+  EXPECT_EQ(Texto(msg::kFormulaSinResultadoPata), "Formula sin resultado");
+  EXPECT_EQ(Texto(msg::kEliminarFilaEditada), "Desea eliminar la fila editada.");
+  EXPECT_EQ(Texto(msg::kAyudaVencimientoLista), "Indique el vencimiento de la lista de tareas .");
+  EXPECT_EQ(Texto(msg::kContadorTablaFallido), "Resultado de la función get_TableCounter = -1");
+  EXPECT_EQ(Texto(msg::kFrecDefinido), "Definido ...");
+  EXPECT_EQ(Texto(msg::kMiMovimiento), "«Mi Movimiento»");
+  EXPECT_EQ(std::string(Texto(msg::kYaOcurrio)) + "2" + std::string(Texto(msg::kVeces)),
+            "Ya ocurrió 2 veces.");
+}
+
+TEST(Catalogue, NumberHelpersReachTheirTexts) {
+  EXPECT_EQ(Texto(msg::TituloDeTipo(1)), "Asistente de Asientos");
+  EXPECT_EQ(Texto(msg::TituloDeTipo(2)), "Asistente de Comprobantes");
+  EXPECT_EQ(Texto(msg::TituloDeTipo(3)), "Avisos");
+  for (int tipo = 1; tipo <= 6; ++tipo) {
+    EXPECT_FALSE(Texto(msg::TituloDeTipo(tipo)).empty()) << "type " << tipo;
+  }
+  EXPECT_TRUE(Texto(msg::ConfirmaGrabarDeTipo(1)).ends_with("para el asiento?"));
+  EXPECT_TRUE(Texto(msg::ConfirmaGrabarDeTipo(2)).ends_with("para el comprobante?"));
+  EXPECT_TRUE(Texto(msg::ConfirmaGrabarDeTipo(3)).ends_with("para el aviso?"));
+  for (int valor = 1; valor <= 5; ++valor) {
+    EXPECT_EQ(Texto(msg::Importancia(valor)).substr(0, 4), std::to_string(valor) + " - ");
+  }
+}
+
+TEST(Catalogue, TableIsSortedUniqueAndInsideTheSpanishBlock) {
+  const auto tabla = Entradas();
+  ASSERT_FALSE(tabla.empty());
+  for (size_t i = 0; i < tabla.size(); ++i) {
+    EXPECT_GE(tabla[i].entrada, 1000);
+    EXPECT_LE(tabla[i].entrada, 1999);
+    if (i > 0) {
+      EXPECT_LT(tabla[i - 1].entrada, tabla[i].entrada) << tabla[i].entrada;
+    }
+    EXPECT_EQ(Entrada(tabla[i].entrada), tabla[i].texto);
+  }
+}
+
+TEST(Catalogue, EveryTextIsWellFormed) {
+  for (const auto& e : Entradas()) {
+    SCOPED_TRACE(e.entrada);
+    const std::string_view t = e.texto;
+    ASSERT_FALSE(t.empty());
+    EXPECT_TRUE(IsValidUtf8(t));
+    EXPECT_EQ(t.find_first_of("\r\t"), std::string_view::npos);
+    EXPECT_EQ(t.find("  "), std::string_view::npos);
+    // Blanks at either end only where the text is marked as concatenated with others.
+    const bool borde = t.front() == ' ' || t.back() == ' ';
+    EXPECT_EQ(borde, e.bordes);
+    // Each line of a multi-line text is a clean sentence.
+    std::istringstream lineas{std::string(t)};
+    for (std::string linea; std::getline(lineas, linea);) {
+      EXPECT_FALSE(linea.empty());
+      if (t.find('\n') != std::string_view::npos) {
+        EXPECT_NE(linea.front(), ' ');
+        EXPECT_NE(linea.back(), ' ');
+      }
+    }
+    // An access key is one "&" followed by the key letter.
+    const size_t amp = t.find('&');
+    if (amp != std::string_view::npos) {
+      EXPECT_EQ(t.find('&', amp + 1), std::string_view::npos);
+      ASSERT_LT(amp + 1, t.size());
+      EXPECT_NE(t[amp + 1], ' ');
+    }
+    // Placeholders are written exactly "[p]".
+    const size_t corchete = t.find('[');
+    if (corchete != std::string_view::npos) {
+      EXPECT_EQ(t.substr(corchete, 3), "[p]");
+    }
+  }
+}
+
+// Every constant of msg.h names exactly one entry, and every entry is named by a constant, so
+// callers never need a bare number and no text is unreachable.
+TEST(Catalogue, ConstantsAndEntriesCorrespondOneToOne) {
+  std::ifstream in(std::string(KMF_SOURCE_DIR) + "/src/resources/msg.h");
+  ASSERT_TRUE(in) << "msg.h not found";
+  std::stringstream buffer;
+  buffer << in.rdbuf();
+  const std::string header = buffer.str();
+
+  const std::regex constante(R"(inline constexpr int (k\w+) = (-?\d+);)");
+  std::map<int, std::string> porNumero;
+  for (auto it = std::sregex_iterator(header.begin(), header.end(), constante);
+       it != std::sregex_iterator(); ++it) {
+    const std::string nombre = (*it)[1];
+    const int numero = std::stoi((*it)[2]);
+    EXPECT_GE(numero, 0) << nombre;
+    EXPECT_LE(numero, 999) << nombre;
+    const auto [pos, nuevo] = porNumero.emplace(numero, nombre);
+    EXPECT_TRUE(nuevo) << nombre << " repeats the number of " << pos->second;
+    EXPECT_FALSE(Texto(numero).empty()) << nombre << " = " << numero << " has no text";
+  }
+  EXPECT_GT(porNumero.size(), 100u);
+
+  std::set<int> conNombre;
+  for (const auto& [numero, nombre] : porNumero) conNombre.insert(numero + 1000);
+  for (const auto& e : Entradas()) {
+    EXPECT_TRUE(conNombre.count(e.entrada)) << "entry " << e.entrada << " has no constant";
+  }
+  EXPECT_EQ(conNombre.size(), Entradas().size());
+}
+
+}  // namespace
+}  // namespace kivmovfrec::resources
