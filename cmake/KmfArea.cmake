@@ -30,26 +30,16 @@ function(kmf_area name)
     list(APPEND sources ${out})
   endforeach()
   set_property(GLOBAL PROPERTY KMF_DEPS_${name} "${A_DEPS}")
+  set_property(GLOBAL PROPERTY KMF_LIBS_${name} "${A_LIBS}")
   if(sources)
     add_library(kmf_${name} OBJECT ${sources})
-    target_include_directories(kmf_${name} PUBLIC
-      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
-      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>)
-    target_link_libraries(kmf_${name} PUBLIC fmt::fmt nlohmann_json::nlohmann_json ${A_LIBS})
-    foreach(dep IN LISTS A_DEPS)
-      if(TARGET kmf_${dep})
-        target_include_directories(kmf_${name} PUBLIC
-          $<TARGET_PROPERTY:kmf_${dep},INTERFACE_INCLUDE_DIRECTORIES>)
-        target_link_libraries(kmf_${name} PUBLIC
-          $<TARGET_PROPERTY:kmf_${dep},INTERFACE_LINK_LIBRARIES>)
-      endif()
-    endforeach()
+    kmf_area_usage(kmf_${name} PUBLIC ${name})
     set_property(GLOBAL APPEND PROPERTY KMF_AREAS ${name})
   endif()
 endfunction()
 
-# The area itself and every area it depends on, directly or not, that has sources.
-function(kmf_closure out)
+# The area itself and every area it depends on, directly or not.
+function(kmf_closure_names out)
   set(todo ${ARGN})
   set(seen "")
   while(todo)
@@ -61,8 +51,14 @@ function(kmf_closure out)
     get_property(deps GLOBAL PROPERTY KMF_DEPS_${name})
     list(APPEND todo ${deps})
   endwhile()
+  set(${out} ${seen} PARENT_SCOPE)
+endfunction()
+
+# The object-library targets of that closure (areas without sources have none).
+function(kmf_closure out)
+  kmf_closure_names(names ${ARGN})
   set(result "")
-  foreach(name IN LISTS seen)
+  foreach(name IN LISTS names)
     if(TARGET kmf_${name})
       list(APPEND result kmf_${name})
     endif()
@@ -70,16 +66,29 @@ function(kmf_closure out)
   set(${out} ${result} PARENT_SCOPE)
 endfunction()
 
+# Include folders and external libraries that every user of the areas' code needs: the public
+# and internal header roots, fmt, nlohmann-json and each area's own LIBS (closure included).
+function(kmf_area_usage target scope)
+  kmf_closure_names(names ${ARGN})
+  target_include_directories(${target} ${scope}
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>)
+  target_link_libraries(${target} ${scope} fmt::fmt nlohmann_json::nlohmann_json)
+  foreach(name IN LISTS names)
+    get_property(libs GLOBAL PROPERTY KMF_LIBS_${name})
+    if(libs)
+      target_link_libraries(${target} ${scope} ${libs})
+    endif()
+  endforeach()
+endfunction()
+
 # Links the objects of the given areas and of everything they depend on into target.
 function(kmf_link_areas target)
   kmf_closure(areas ${ARGN})
   foreach(area IN LISTS areas)
     target_sources(${target} PRIVATE $<TARGET_OBJECTS:${area}>)
-    target_include_directories(${target} PRIVATE
-      $<TARGET_PROPERTY:${area},INTERFACE_INCLUDE_DIRECTORIES>)
-    target_link_libraries(${target} PRIVATE
-      $<TARGET_PROPERTY:${area},INTERFACE_LINK_LIBRARIES>)
   endforeach()
+  kmf_area_usage(${target} PRIVATE ${ARGN})
 endfunction()
 
 # The shipped libraries: every area's objects in one shared and one static library.
