@@ -19,7 +19,13 @@ namespace kivmovfrec {
 // ---- Messages ---------------------------------------------------------------------------
 
 // Icon and button codes as the VB MsgBox constants number them.
-enum class MsgIcon : int { None = 0, Critical = 16, Question = 32, Exclamation = 48, Information = 64 };
+enum class MsgIcon : int {
+  None = 0,
+  Critical = 16,
+  Question = 32,
+  Exclamation = 48,
+  Information = 64
+};
 enum class MsgButtons : int { OK = 0, OKCancel = 1, YesNoCancel = 3, YesNo = 4 };
 // Buttons pressed, as MsgBox returns them.
 inline constexpr int kMsgOK = 1;
@@ -35,11 +41,20 @@ struct MessageRequest {
   int default_button = 1;  // 1 = first button, 2 = second
 };
 
+// Where the component's messages and help requests go. Messages are shown to a person (console,
+// Qt) or recorded and answered from a script (tests, unattended hosts).
 class IMessages {
  public:
   virtual ~IMessages() = default;
-  // Shows the message and returns the button pressed (kMsgOK, kMsgYes, kMsgNo, ...).
+  // Shows the message and returns the button pressed (kMsgOK, kMsgYes, kMsgNo, ...). The answer
+  // is always one of the request's buttons; a message with only OK returns kMsgOK.
   virtual int Show(const MessageRequest& request) = 0;
+  // Shows the help topic with the given context number. By default it is shown as an
+  // information message "Ayuda: tema N"; hosts with a help viewer override it.
+  virtual void ShowHelp(int context_id) {
+    Show({"Ayuda: tema " + std::to_string(context_id), "Ayuda", MsgIcon::Information,
+          MsgButtons::OK, 1});
+  }
 };
 
 // ---- Input ------------------------------------------------------------------------------
@@ -58,16 +73,22 @@ class IInput {
 class IDBFncs {
  public:
   virtual ~IDBFncs() = default;
-  // Next value of the named table's counter, or -1 when none can be drawn. Atomic across
-  // connections and processes; inside an open transaction the draw belongs to it.
+  // Next value of the named table's counter (genContadores), or -1 when none can be drawn;
+  // never throws. Atomic across connections and processes: two callers never get the same
+  // value. Inside the connection's open transaction the draw belongs to that transaction (a
+  // rollback gives the value back); outside one it commits on its own.
   virtual int32_t GetTableCounter(std::string_view table) = 0;
-  // Value of a named suite setting (a genParametros row); Empty when absent.
+  // Value of a named suite setting: the genParametros row whose ParNombre equals `name`
+  // trimmed and without regard to case. ParValor when it is not Null, else ParTexto (Null when
+  // both are). Empty when there is no such row or it cannot be read; never throws.
   virtual Variant GetSetting(std::string_view name) = 0;
-  // Shows the help topic with the given context number (command 15).
+  // Shows the help topic with the given context number (command 15) through the message
+  // service's help operation.
   virtual void ShowHelp(int context_id) = 0;
-  // Runs the stored routine that links a notice to the users who receive it. `usuarios` holds
-  // user codes separated by ",".
-  virtual void VincularAvisos(int32_t aviso, const std::string& usuarios) = 0;
+  // Runs the routine that links a notice to the users who receive it. `usuarios` holds user
+  // codes separated by ",". Returns false, linking nothing, when the list is malformed or names
+  // a user who does not exist or is disabled; throws nothing.
+  virtual bool VincularAvisos(int32_t aviso, const std::string& usuarios) = 0;
 };
 
 // ---- User rights ------------------------------------------------------------------------
@@ -75,8 +96,10 @@ class IDBFncs {
 class IUserRights {
  public:
   virtual ~IUserRights() = default;
-  // Permission letters of the current user for `opcion` in company `empresa` ("" for none).
+  // Permission letters of the current user for `opcion` in company `empresa`, trimmed; the
+  // option is compared without regard to case. "" when the user has no rights there.
   virtual std::string Letras(int32_t empresa, std::string_view opcion) = 0;
+  // Code of the current user.
   virtual int32_t Usuario() const = 0;
 };
 
@@ -85,9 +108,9 @@ class IUserRights {
 class IClock {
  public:
   virtual ~IClock() = default;
-  // Current date and time.
+  // Current local date and time.
   virtual Date Now() = 0;
-  // Current date at midnight.
+  // Current local date at midnight (always the date part of Now()).
   virtual Date Today() = 0;
 };
 
@@ -97,7 +120,8 @@ class IAccountBalance {
  public:
   virtual ~IAccountBalance() = default;
   // Balance (debit minus credit) of account `cuenta` in the accounting currency, counting the
-  // posted entries dated on or before `fecha` (the whole day).
+  // posted entries dated on or before `fecha` (the whole day; its time of day is ignored).
+  // Rounded to four decimals. Database failures throw DbError.
   virtual double Saldo(int32_t cuenta, Date fecha) = 0;
 };
 
@@ -124,6 +148,15 @@ class IDateCalculator {
 
 // ---- The bundle handed to the façade -------------------------------------------------------
 
+// How the default services behave where a person would otherwise be asked.
+struct DefaultServiceOptions {
+  // Answer to every question (true = Yes / OK, false = No / Cancel). Without it questions are
+  // asked on the terminal when standard input is one, and answered No otherwise.
+  std::optional<bool> respuesta;
+  // Fixes "today" for the clock; the time of day stays the real one.
+  std::optional<Date> hoy;
+};
+
 struct SuiteServices {
   std::shared_ptr<IDBFncs> db;
   std::shared_ptr<IUserRights> rights;
@@ -133,9 +166,12 @@ struct SuiteServices {
   std::shared_ptr<IAccountBalance> balance;
   std::shared_ptr<IDateCalculator> calendar;
 
-  // Database-backed services over `cn` for user `usuario`, console messages and input, the
-  // system clock.
-  static SuiteServices Defaults(std::shared_ptr<Connection> cn, int32_t usuario = 1);
+  // Database-backed services over `cn` for user `usuario` (counters, settings, rights, balance),
+  // console messages and input on stderr / stdin, the system clock (or a fixed "today"). The
+  // date calculator is left empty: it is supplied by the scheduling part. Throws
+  // std::invalid_argument when `cn` is null.
+  static SuiteServices Defaults(std::shared_ptr<Connection> cn, int32_t usuario = 1,
+                                const DefaultServiceOptions& options = {});
 };
 
 }  // namespace kivmovfrec

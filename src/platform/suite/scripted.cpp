@@ -1,0 +1,170 @@
+#include "platform/suite/scripted.h"
+
+#include <cmath>
+#include <iterator>
+#include <stdexcept>
+
+#include "platform/suite/balance.h"
+#include "platform/suite/clock.h"
+#include "platform/suite/counter.h"
+#include "platform/suite/db_fncs.h"
+#include "platform/suite/rights.h"
+#include "platform/suite/sql_text.h"
+#include "platform/vb/convert.h"
+
+namespace kivmovfrec::suite {
+namespace {
+
+// Fits a scripted answer to the buttons actually shown.
+int Fit(MsgButtons buttons, int answer) {
+  switch (buttons) {
+    case MsgButtons::OK:
+      return kMsgOK;
+    case MsgButtons::OKCancel:
+      return answer == kMsgOK || answer == kMsgYes ? kMsgOK : kMsgCancel;
+    case MsgButtons::YesNo:
+      return answer == kMsgYes || answer == kMsgOK ? kMsgYes : kMsgNo;
+    case MsgButtons::YesNoCancel:
+      if (answer == kMsgCancel) return kMsgCancel;
+      return answer == kMsgYes || answer == kMsgOK ? kMsgYes : kMsgNo;
+  }
+  return kMsgOK;
+}
+
+std::string SettingKey(std::string_view name) {
+  return AsciiLower(TrimBlanks(name));
+}
+
+}  // namespace
+
+// ---- ScriptedMessages -----------------------------------------------------------------------
+
+int ScriptedMessages::Show(const MessageRequest& request) {
+  int answer = kMsgOK;
+  if (request.buttons != MsgButtons::OK) {
+    int wanted = default_answer_;
+    if (!answers_.empty()) {
+      wanted = answers_.front();
+      answers_.pop_front();
+    }
+    answer = Fit(request.buttons, wanted);
+  }
+  shown_.push_back({request, answer});
+  return answer;
+}
+
+void ScriptedMessages::Clear() {
+  answers_.clear();
+  shown_.clear();
+  help_.clear();
+}
+
+// ---- ScriptedInput --------------------------------------------------------------------------
+
+void ScriptedInput::Answer(double value) {
+  answers_.push_back(vb::NumberToText(value));
+}
+
+std::optional<double> ScriptedInput::PedirNumero(const std::string& prompt,
+                                                 const std::string& caption, double proposed) {
+  Asked asked{prompt, caption, proposed, {}, std::nullopt};
+  while (true) {
+    if (answers_.empty()) {
+      if (accept_proposed_) asked.result = proposed;
+      break;
+    }
+    const std::optional<std::string> typed = answers_.front();
+    answers_.pop_front();
+    if (!typed) break;  // cancelled
+    if (const auto number = vb::ParseNumber(*typed)) {
+      asked.result = *number;
+      break;
+    }
+    asked.refused.push_back(*typed);
+  }
+  asked_.push_back(asked);
+  return asked.result;
+}
+
+// ---- ScriptedDBFncs -------------------------------------------------------------------------
+
+ScriptedDBFncs::ScriptedDBFncs(std::shared_ptr<Connection> cn, std::shared_ptr<IMessages> help)
+    : cn_(std::move(cn)), help_(std::move(help)) {
+  if (!help_) throw std::invalid_argument("ScriptedDBFncs: faltan los mensajes");
+}
+
+void ScriptedDBFncs::SetSetting(std::string name, Variant value) {
+  settings_[SettingKey(name)] = std::move(value);
+}
+
+int32_t ScriptedDBFncs::GetTableCounter(std::string_view table) {
+  if (counters_fail_ || !IsPlainName(table)) return -1;
+  if (cn_) return DrawTableCounter(*cn_, table);
+  return ++counters_[std::string(table)];
+}
+
+Variant ScriptedDBFncs::GetSetting(std::string_view name) {
+  const auto it = settings_.find(SettingKey(name));
+  if (it != settings_.end()) return it->second;
+  return cn_ ? ReadSetting(*cn_, name) : Variant();
+}
+
+void ScriptedDBFncs::ShowHelp(int context_id) {
+  help_->ShowHelp(context_id);
+}
+
+bool ScriptedDBFncs::VincularAvisos(int32_t aviso, const std::string& usuarios) {
+  bool accepted = !links_fail_;
+  if (accepted) {
+    accepted = cn_ ? LinkNoticeUsers(*cn_, aviso, usuarios)
+                   : aviso > 0 && ParseUserList(usuarios).has_value();
+  }
+  links_.push_back({aviso, usuarios, accepted});
+  return accepted;
+}
+
+// ---- ScriptedBalance ------------------------------------------------------------------------
+
+void ScriptedBalance::Set(int32_t cuenta, Date desde, double saldo) {
+  saldos_[cuenta][std::floor(desde.serial)] = saldo;
+}
+
+double ScriptedBalance::Saldo(int32_t cuenta, Date fecha) {
+  asked_.emplace_back(cuenta, fecha);
+  const auto account = saldos_.find(cuenta);
+  if (account == saldos_.end()) return 0;
+  auto it = account->second.upper_bound(std::floor(fecha.serial));
+  if (it == account->second.begin()) return 0;
+  return std::prev(it)->second;
+}
+
+// ---- ScriptedServices -----------------------------------------------------------------------
+
+ScriptedServices ScriptedServices::Make(std::shared_ptr<Connection> cn, Date hoy, int32_t usuario) {
+  ScriptedServices s;
+  s.messages = std::make_shared<ScriptedMessages>();
+  s.input = std::make_shared<ScriptedInput>();
+  s.clock = std::make_shared<FixedClock>(hoy);
+  s.rights = std::make_shared<MemoryUserRights>(usuario);
+  s.db = std::make_shared<ScriptedDBFncs>(cn, s.messages);
+  if (cn) {
+    s.balance = std::make_shared<DbAccountBalance>(cn);
+  } else {
+    s.scripted_balance = std::make_shared<ScriptedBalance>();
+    s.balance = s.scripted_balance;
+  }
+  return s;
+}
+
+SuiteServices ScriptedServices::Bundle() const {
+  SuiteServices bundle;
+  bundle.db = db;
+  bundle.rights = rights;
+  bundle.messages = messages;
+  bundle.input = input;
+  bundle.clock = clock;
+  bundle.balance = balance;
+  return bundle;
+}
+
+}  // namespace kivmovfrec::suite

@@ -1,0 +1,151 @@
+// Scripted suite services: no person is asked anything. Answers come from a queue or a default,
+// and every message, prompt, help request and notice link is recorded so that a test (or an
+// unattended host writing a log) can read it back.
+#pragma once
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kivmovfrec/db.h"
+#include "kivmovfrec/services.h"
+
+namespace kivmovfrec::suite {
+
+class FixedClock;
+class MemoryUserRights;
+
+// Messages. A message with only OK is answered OK and takes nothing from the queue; any other
+// takes the next queued answer, or the default answer when the queue is empty (No unless
+// changed). Queued answers are fitted to the buttons shown: Yes means OK and No means Cancel on
+// an OK / Cancel message; Cancel on a Yes / No message means No.
+class ScriptedMessages final : public IMessages {
+ public:
+  struct Shown {
+    MessageRequest request;
+    int answer = 0;
+  };
+
+  // Queues the answer to the next question (kMsgYes, kMsgNo, kMsgOK, kMsgCancel).
+  void Answer(int button) { answers_.push_back(button); }
+  void DefaultAnswer(int button) { default_answer_ = button; }
+
+  int Show(const MessageRequest& request) override;
+  void ShowHelp(int context_id) override { help_.push_back(context_id); }
+
+  const std::vector<Shown>& shown() const { return shown_; }
+  const std::vector<int>& help_topics() const { return help_; }
+  size_t pending_answers() const { return answers_.size(); }
+  void Clear();
+
+ private:
+  std::deque<int> answers_;
+  int default_answer_ = kMsgNo;
+  std::vector<Shown> shown_;
+  std::vector<int> help_;
+};
+
+// Numeric prompts. Each prompt takes queued answers as typed text until one is a number (the
+// refused ones are recorded); a queued std::nullopt cancels. With the queue empty the prompt is
+// cancelled unless a default answer was set.
+class ScriptedInput final : public IInput {
+ public:
+  struct Asked {
+    std::string prompt;
+    std::string caption;
+    double proposed = 0;
+    std::vector<std::string> refused;  // answers that were not numbers
+    std::optional<double> result;
+  };
+
+  void Answer(std::optional<std::string> typed) { answers_.push_back(std::move(typed)); }
+  void Answer(double value);
+  // Used when the queue is empty: the proposed value (accept_proposed) or cancel.
+  void AcceptProposedByDefault(bool accept_proposed) { accept_proposed_ = accept_proposed; }
+
+  std::optional<double> PedirNumero(const std::string& prompt, const std::string& caption,
+                                    double proposed) override;
+
+  const std::vector<Asked>& asked() const { return asked_; }
+
+ private:
+  std::deque<std::optional<std::string>> answers_;
+  bool accept_proposed_ = false;
+  std::vector<Asked> asked_;
+};
+
+// DBFncs for tests. Counters come from genContadores when a connection is given (so they are
+// atomic and transactional exactly like the default service), otherwise from memory starting at
+// 1. Settings set here win over genParametros. Help goes to the messages' help record. Notice
+// links are recorded and, with a connection, written to genAvisosUsuarios as the default
+// service does; they are refused (false) when LinksFail(true) was set, when the list is
+// malformed, or, with a connection, when the default service refuses them.
+class ScriptedDBFncs final : public IDBFncs {
+ public:
+  struct Link {
+    int32_t aviso = 0;
+    std::string usuarios;
+    bool accepted = false;
+  };
+
+  ScriptedDBFncs(std::shared_ptr<Connection> cn, std::shared_ptr<IMessages> help);
+
+  void SetSetting(std::string name, Variant value);
+  // Makes every further counter draw fail with -1 (or work again).
+  void CountersFail(bool fail) { counters_fail_ = fail; }
+  void LinksFail(bool fail) { links_fail_ = fail; }
+
+  int32_t GetTableCounter(std::string_view table) override;
+  Variant GetSetting(std::string_view name) override;
+  void ShowHelp(int context_id) override;
+  bool VincularAvisos(int32_t aviso, const std::string& usuarios) override;
+
+  const std::vector<Link>& links() const { return links_; }
+
+ private:
+  std::shared_ptr<Connection> cn_;
+  std::shared_ptr<IMessages> help_;
+  std::map<std::string, Variant> settings_;  // key: trimmed, lower-case name
+  std::map<std::string, int32_t> counters_;  // without a connection
+  bool counters_fail_ = false;
+  bool links_fail_ = false;
+  std::vector<Link> links_;
+};
+
+// Balances given by the test: Set(account, date, balance) declares the balance from that day
+// on; Saldo answers the latest one dated on or before the date asked, 0 when there is none.
+// Every question is recorded.
+class ScriptedBalance final : public IAccountBalance {
+ public:
+  void Set(int32_t cuenta, Date desde, double saldo);
+  double Saldo(int32_t cuenta, Date fecha) override;
+  const std::vector<std::pair<int32_t, Date>>& asked() const { return asked_; }
+
+ private:
+  std::map<int32_t, std::map<double, double>> saldos_;  // account -> day -> balance
+  std::vector<std::pair<int32_t, Date>> asked_;
+};
+
+// A full set of scripted services with typed access to each part.
+struct ScriptedServices {
+  std::shared_ptr<ScriptedMessages> messages;
+  std::shared_ptr<ScriptedInput> input;
+  std::shared_ptr<FixedClock> clock;
+  std::shared_ptr<MemoryUserRights> rights;
+  std::shared_ptr<ScriptedDBFncs> db;
+  // The database balance when a connection is given, else `scripted_balance`.
+  std::shared_ptr<IAccountBalance> balance;
+  std::shared_ptr<ScriptedBalance> scripted_balance;  // null when a connection is given
+
+  // `cn` may be null (counters and settings in memory, scripted balances). "Today" is `hoy`;
+  // the rights belong to `usuario` and start empty.
+  static ScriptedServices Make(std::shared_ptr<Connection> cn, Date hoy, int32_t usuario = 1);
+
+  // The bundle for the façade (the date calculator left empty, to be filled by the caller).
+  SuiteServices Bundle() const;
+};
+
+}  // namespace kivmovfrec::suite
