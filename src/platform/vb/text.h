@@ -24,8 +24,7 @@ std::string Right(std::string_view s, size_t n);
 std::string Mid(std::string_view s, size_t start, size_t n = std::string_view::npos);
 
 // 1-based position of `find` in `s` at or after `start`, 0 when absent.
-size_t InStr(std::string_view s, std::string_view find, size_t start = 1,
-             bool ignore_case = false);
+size_t InStr(std::string_view s, std::string_view find, size_t start = 1, bool ignore_case = false);
 // Replaces up to `count` occurrences (all when count < 0).
 std::string Replace(std::string_view s, std::string_view find, std::string_view with,
                     bool ignore_case = false, long count = -1);

@@ -1,9 +1,10 @@
 #include "kivmovfrec/variant.h"
 
-#include <charconv>
-#include <cmath>
-#include <string_view>
 #include <fmt/format.h>
+
+#include <cmath>
+
+#include "platform/vb/decimal.h"
 
 namespace kivmovfrec {
 
@@ -54,34 +55,18 @@ Currency Currency::FromDouble(double value) {
       scaled < -9.2233720368547758e18) {
     throw VbError(6);
   }
-  // Round the decimal the double stands for (its shortest round-trip form), not its binary
-  // expansion: 0.00015 is a half of a unit and goes to the even neighbour, as a person
-  // reading the amount expects.
-  char buf[64];
-  auto [end, ec] = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::fixed);
-  if (ec != std::errc()) throw VbError(6);
-  std::string_view text(buf, static_cast<size_t>(end - buf));
-  const bool negative = !text.empty() && text.front() == '-';
-  if (negative) text.remove_prefix(1);
-  const size_t dot = text.find('.');
-  const std::string_view whole = text.substr(0, dot);
-  const std::string_view frac = dot == std::string_view::npos ? "" : text.substr(dot + 1);
-  int64_t units = 0;
-  for (char c : whole) units = units * 10 + (c - '0');
-  for (size_t i = 0; i < 4; ++i) units = units * 10 + (i < frac.size() ? frac[i] - '0' : 0);
-  if (frac.size() > 4) {
-    const int first = frac[4] - '0';
-    const bool rest_nonzero = frac.find_first_not_of('0', 5) != std::string_view::npos;
-    if (first > 5 || (first == 5 && (rest_nonzero || units % 2 != 0))) ++units;
-  }
-  return Currency{negative ? -units : units};
+  // Rounds the decimal the double stands for, not its binary expansion: 0.00015 is a half of a
+  // unit and goes to the even neighbour, as a person reading the amount expects.
+  const auto units = vb::ToScaledInteger(vb::RoundDecimal(value, 4, vb::HalfRule::ToEven));
+  if (!units) throw VbError(6);
+  return Currency{*units};
 }
 
 VarType Variant::type() const {
   static constexpr VarType kByIndex[] = {
-      VarType::Empty,  VarType::Null,   VarType::Boolean,  VarType::Byte,
-      VarType::Integer, VarType::Long,  VarType::Single,   VarType::Double,
-      VarType::Currency, VarType::Date, VarType::String,   VarType::Object,
+      VarType::Empty,    VarType::Null, VarType::Boolean, VarType::Byte,
+      VarType::Integer,  VarType::Long, VarType::Single,  VarType::Double,
+      VarType::Currency, VarType::Date, VarType::String,  VarType::Object,
   };
   return kByIndex[v_.index()];
 }
