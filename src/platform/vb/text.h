@@ -20,12 +20,14 @@ std::string UCase(std::string_view s);
 size_t Len(std::string_view s);
 std::string Left(std::string_view s, size_t n);
 std::string Right(std::string_view s, size_t n);
-// 1-based start; start past the end gives "". Without n, to the end.
+// 1-based start; start past the end gives "". Without n, to the end. Start 0 -> VbError(5).
 std::string Mid(std::string_view s, size_t start, size_t n = std::string_view::npos);
 
-// 1-based position of `find` in `s` at or after `start`, 0 when absent.
+// 1-based position of `find` in `s` at or after `start`, 0 when absent. An empty `find` gives
+// `start` (0 when start is past the end + 1). Start 0 -> VbError(5).
 size_t InStr(std::string_view s, std::string_view find, size_t start = 1, bool ignore_case = false);
-// Replaces up to `count` occurrences (all when count < 0).
+// Replaces up to `count` occurrences (all when count < 0), scanning left to right without
+// overlap. An empty `find` leaves `s` unchanged. (VB's start argument: Replace(Mid(s, start)).)
 std::string Replace(std::string_view s, std::string_view find, std::string_view with,
                     bool ignore_case = false, long count = -1);
 
@@ -35,7 +37,8 @@ bool StartsWithIgnoreCase(std::string_view s, std::string_view prefix);
 // Splits at every occurrence of `sep` (VB's Split): "a||b" gives "a", "", "b"; "" gives one "".
 std::vector<std::string> Split(std::string_view s, std::string_view sep);
 
-// True when `s` is valid UTF-8.
+// True when `s` is valid UTF-8. The other functions accept invalid text: each byte that is not
+// part of a valid sequence counts as one character and is copied through unchanged.
 bool IsValidUtf8(std::string_view s);
 
 }  // namespace kivmovfrec::vb
