@@ -1,0 +1,111 @@
+#include "platform/db/sqlite/sqlite_connection.h"
+
+#include <fmt/format.h>
+
+#include "platform/db/dialect.h"
+#include "platform/db/sqlite/sqlite_database.h"
+#include "platform/db/sqlite/sqlite_resultset.h"
+
+namespace kivmovfrec::sqlite {
+
+namespace {
+
+class SqliteConnection final : public Connection {
+ public:
+  SqliteConnection(const std::string& path, const Options& options)
+      : db_(std::make_shared<Database>(path, options.busy_timeout_ms)) {}
+
+  Engine engine() const override { return Engine::SQLite; }
+
+  std::string Translate(std::string_view sql) const override {
+    return sql::TranslateSql(sql, sql::Target::SQLite);
+  }
+
+  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
+    const std::string run = Translate(sql);
+    if (auto shape = sql::MatchSingleTableSelect(run)) {
+      if (auto target = Target(shape->table)) {
+        // The same statement with each row's rowid in front of the table's columns.
+        std::string with_rowid = run;
+        with_rowid.insert(shape->star_offset, fmt::format("rowid AS {}, ", kRowidAlias));
+        std::optional<Statement> st;
+        try {
+          st.emplace(db_, with_rowid, run);
+        } catch (const DbError&) {
+          st.reset();  // no rowid (a view, WITHOUT ROWID): read only, as below
+        }
+        if (st) return MakeResultset(db_, *st, std::move(target));
+      }
+    }
+    Statement st(db_, run, run);
+    return MakeResultset(db_, st, std::nullopt);
+  }
+
+  std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
+    const std::string run = Translate(sql);
+    const std::string first = sql::LeadingKeyword(run);
+    // BEGIN, COMMIT, ATTACH and PRAGMA count as read-only for the engine but change the
+    // connection; only queries are accepted.
+    bool query = first == "SELECT" || first == "WITH" || first == "VALUES";
+    Statement st(db_, run, run);
+    if (!query || !st.read_only()) {
+      throw DbError(fmt::format(
+          "La consulta solo puede leer datos y esta sentencia modificaría la base de datos: {}",
+          run));
+    }
+    return MakeResultset(db_, st, std::nullopt);
+  }
+
+  int64_t Execute(std::string_view sql) override {
+    const std::string run = Translate(sql);
+    Statement st(db_, run, run);
+    sqlite3* h = db_->get();
+    const sqlite3_int64 before = sqlite3_total_changes64(h);
+    while (st.Step()) {
+    }
+    return sqlite3_total_changes64(h) != before ? sqlite3_changes64(h) : 0;
+  }
+
+  void BeginTrans() override {
+    if (InTransaction()) {
+      throw DbError("Ya hay una transacción en curso: las transacciones no se anidan");
+    }
+    db_->Exec("BEGIN IMMEDIATE");
+  }
+
+  void CommitTrans() override {
+    if (!InTransaction()) throw DbError("No hay ninguna transacción en curso para confirmar");
+    db_->Exec("COMMIT");
+  }
+
+  void RollbackTrans() override {
+    if (!InTransaction()) return;  // e.g. the engine already rolled back after an error
+    db_->Exec("ROLLBACK");
+  }
+
+  bool InTransaction() const override { return sqlite3_get_autocommit(db_->get()) == 0; }
+
+ private:
+  // The table's columns in declaration order, or nothing when there is no such table.
+  std::optional<WriteTarget> Target(const std::string& table) {
+    Statement st(db_, "SELECT name FROM pragma_table_info(?)", "PRAGMA table_info");
+    st.Bind(1, Variant(table));
+    WriteTarget target{table, {}};
+    while (st.Step()) {
+      const auto* name = reinterpret_cast<const char*>(sqlite3_column_text(st.get(), 0));
+      target.columns.emplace_back(name ? name : "");
+    }
+    if (target.columns.empty()) return std::nullopt;
+    return target;
+  }
+
+  std::shared_ptr<Database> db_;
+};
+
+}  // namespace
+
+std::shared_ptr<Connection> OpenSqlite(const std::string& path, const Options& options) {
+  return std::make_shared<SqliteConnection>(path, options);
+}
+
+}  // namespace kivmovfrec::sqlite

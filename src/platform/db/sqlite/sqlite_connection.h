@@ -1,0 +1,34 @@
+// The SQLite adapter's entry point. This header does not expose sqlite3.h; only the .cpp files
+// of this folder include it.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "kivmovfrec/db.h"
+
+namespace kivmovfrec::sqlite {
+
+struct Options {
+  // How long a statement waits for another connection's lock before failing with "database is
+  // locked". Long enough for another saver's transaction to finish.
+  int busy_timeout_ms = 10000;
+};
+
+// Opens (creating when absent) the database file at `path`, or a private in-memory database
+// for ":memory:". A file database runs in WAL mode. Throws DbError when the file cannot be
+// opened or is not an SQLite database; the file is then left as it was.
+//
+// The connection:
+//   * translates every statement from the suite's dialect (sql::TranslateSql, SQLite target);
+//   * reads all rows of a result set when it is opened (the component's sets are small), so
+//     rows can be deleted while walking a set and no statement stays open between calls;
+//   * maps values: INTEGER -> Long (Double when it does not fit 32 bits), REAL -> Double,
+//     TEXT -> String, BLOB -> String of its bytes, NULL -> Null; a column declared with a type
+//     containing DATE or TIME whose text is ISO "yyyy-mm-dd[ hh:nn[:ss]]" -> Date;
+//   * binds written values: Null/Empty -> NULL, Boolean -> 1/0, Byte/Integer/Long -> INTEGER,
+//     Single/Double/Currency -> REAL, Date -> TEXT "yyyy-mm-dd hh:nn:ss", String -> TEXT;
+//     an Object throws DbError.
+std::shared_ptr<Connection> OpenSqlite(const std::string& path, const Options& options = {});
+
+}  // namespace kivmovfrec::sqlite

@@ -1,0 +1,171 @@
+#include "platform/db/sqlite/sqlite_database.h"
+
+#include <fmt/format.h>
+
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+#include "kivmovfrec/db.h"
+#include "platform/db/dialect.h"
+#include "platform/db/iso_date.h"
+#include "platform/db/sql_tokens.h"
+
+namespace kivmovfrec::sqlite {
+
+namespace {
+
+bool MentionsDate(const char* decltype_text) {
+  if (decltype_text == nullptr) return false;
+  std::string upper(decltype_text);
+  for (char& c : upper) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return upper.find("DATE") != std::string::npos || upper.find("TIME") != std::string::npos;
+}
+
+}  // namespace
+
+Database::Database(const std::string& path, int busy_timeout_ms) : in_memory_(path == ":memory:") {
+  int rc = sqlite3_open_v2(path.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+  if (rc != SQLITE_OK) {
+    std::string msg = db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(rc);
+    sqlite3_close_v2(db_);
+    db_ = nullptr;
+    throw DbError(fmt::format("No se pudo abrir la base de datos {}: {}", path, msg));
+  }
+  sqlite3_extended_result_codes(db_, 1);
+  sqlite3_busy_timeout(db_, busy_timeout_ms);
+  try {
+    // The first statement reads the file header: a file that is not a database fails here,
+    // before anything is written to it.
+    Exec("PRAGMA schema_version");
+    if (!in_memory_) Exec("PRAGMA journal_mode=WAL");
+  } catch (const DbError& e) {
+    sqlite3_close_v2(db_);
+    db_ = nullptr;
+    throw DbError(fmt::format("No se pudo abrir la base de datos {}: {}", path, e.what()));
+  }
+}
+
+Database::~Database() {
+  sqlite3_close_v2(db_);
+}
+
+void Database::Fail(std::string_view sql) const {
+  throw DbError(
+      fmt::format("Error de la base de datos: {} (sentencia: {})", sqlite3_errmsg(db_), sql));
+}
+
+void Database::Exec(const char* sql) const {
+  if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) Fail(sql);
+}
+
+Statement::Statement(std::shared_ptr<Database> db, std::string_view sql, std::string_view shown)
+    : db_(std::move(db)), shown_(shown) {
+  if (sql.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {
+    throw DbError("La sentencia SQL es demasiado larga");
+  }
+  const char* tail = nullptr;
+  int rc = sqlite3_prepare_v2(db_->get(), sql.data(), static_cast<int>(sql.size()), &stmt_, &tail);
+  if (rc != SQLITE_OK) db_->Fail(shown_);
+  if (stmt_ == nullptr) throw DbError("La sentencia SQL está vacía");
+  std::string_view rest = sql.substr(static_cast<size_t>(tail - sql.data()));
+  if (!sql::IsBlankSql(rest)) {
+    sqlite3_finalize(stmt_);
+    stmt_ = nullptr;
+    throw DbError(fmt::format("Se admite una sola sentencia SQL por llamada: {}", shown_));
+  }
+}
+
+Statement::~Statement() {
+  sqlite3_finalize(stmt_);
+}
+
+void Statement::Bind(int index, const Variant& value) {
+  sqlite3_stmt* s = stmt_;
+  int rc = std::visit(
+      [&](const auto& v) -> int {
+        using T = std::decay_t<decltype(v)>;
+        if constexpr (std::is_same_v<T, std::monostate> || std::is_same_v<T, Variant::NullTag>) {
+          return sqlite3_bind_null(s, index);
+        } else if constexpr (std::is_same_v<T, bool>) {
+          return sqlite3_bind_int(s, index, v ? 1 : 0);
+        } else if constexpr (std::is_same_v<T, uint8_t> || std::is_same_v<T, int16_t> ||
+                             std::is_same_v<T, int32_t>) {
+          return sqlite3_bind_int64(s, index, v);
+        } else if constexpr (std::is_same_v<T, float> || std::is_same_v<T, double>) {
+          return sqlite3_bind_double(s, index, v);
+        } else if constexpr (std::is_same_v<T, Currency>) {
+          return sqlite3_bind_double(s, index, v.ToDouble());
+        } else if constexpr (std::is_same_v<T, Date>) {
+          std::string text = db::FormatIsoDateTime(v);
+          return sqlite3_bind_text(s, index, text.data(), static_cast<int>(text.size()),
+                                   SQLITE_TRANSIENT);
+        } else if constexpr (std::is_same_v<T, std::string>) {
+          return sqlite3_bind_text64(s, index, v.data(), v.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+        } else {
+          throw DbError("Un objeto no se puede guardar en una columna de la base de datos");
+        }
+      },
+      value.storage());
+  if (rc != SQLITE_OK) db_->Fail(shown_);
+}
+
+void Statement::BindInt64(int index, int64_t value) {
+  if (sqlite3_bind_int64(stmt_, index, value) != SQLITE_OK) db_->Fail(shown_);
+}
+
+bool Statement::Step() {
+  int rc = sqlite3_step(stmt_);
+  if (rc == SQLITE_ROW) return true;
+  if (rc == SQLITE_DONE) return false;
+  db_->Fail(shown_);
+}
+
+std::vector<ColumnInfo> ReadColumns(sqlite3_stmt* stmt) {
+  std::vector<ColumnInfo> out;
+  int n = sqlite3_column_count(stmt);
+  out.reserve(static_cast<size_t>(n));
+  for (int i = 0; i < n; ++i) {
+    const char* name = sqlite3_column_name(stmt, i);
+    out.push_back(ColumnInfo{name ? name : "", MentionsDate(sqlite3_column_decltype(stmt, i))});
+  }
+  return out;
+}
+
+Variant ReadValue(sqlite3_stmt* stmt, int index, bool date_column) {
+  switch (sqlite3_column_type(stmt, index)) {
+    case SQLITE_NULL:
+      return Variant::Null();
+    case SQLITE_INTEGER: {
+      sqlite3_int64 v = sqlite3_column_int64(stmt, index);
+      if (v >= std::numeric_limits<int32_t>::min() && v <= std::numeric_limits<int32_t>::max()) {
+        return Variant(static_cast<int32_t>(v));
+      }
+      return Variant(static_cast<double>(v));
+    }
+    case SQLITE_FLOAT:
+      return Variant(sqlite3_column_double(stmt, index));
+    default: {
+      const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt, index));
+      std::string text(p ? p : "", static_cast<size_t>(sqlite3_column_bytes(stmt, index)));
+      if (date_column) {
+        if (auto d = db::ParseIsoDateTime(text)) return Variant(*d);
+      }
+      return Variant(std::move(text));
+    }
+  }
+}
+
+std::string QuoteName(std::string_view name) {
+  std::string out = "\"";
+  for (char c : name) {
+    out += c;
+    if (c == '"') out += '"';
+  }
+  out += '"';
+  return out;
+}
+
+}  // namespace kivmovfrec::sqlite

@@ -1,0 +1,30 @@
+// Result sets of the SQLite adapter. Internal to the adapter.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kivmovfrec/db.h"
+#include "platform/db/sqlite/sqlite_database.h"
+
+namespace kivmovfrec::sqlite {
+
+// Name of the hidden column that carries each row's rowid in an updatable set.
+inline constexpr const char* kRowidAlias = "kmf_rowid__";
+
+// The table behind an updatable set: its name and its columns as declared, in table order
+// (the order of `Select *`).
+struct WriteTarget {
+  std::string table;
+  std::vector<std::string> columns;
+};
+
+// Reads every row of `stmt` at once. With a target, the statement's first column is the rowid
+// (kRowidAlias), hidden from the reader, and the remaining columns are the table's.
+std::unique_ptr<Resultset> MakeResultset(std::shared_ptr<Database> db, Statement& stmt,
+                                         std::optional<WriteTarget> target);
+
+}  // namespace kivmovfrec::sqlite

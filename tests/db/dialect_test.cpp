@@ -1,0 +1,219 @@
+#include "platform/db/dialect.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "kivmovfrec/db.h"
+#include "platform/db/sql_tokens.h"
+
+namespace kivmovfrec::sql {
+namespace {
+
+std::string Lite(std::string_view s) {
+  return TranslateSql(s, Target::SQLite);
+}
+std::string Pg(std::string_view s) {
+  return TranslateSql(s, Target::PostgreSQL);
+}
+
+// The direct rate look-up, built from its literals exactly as the rate service concatenates
+// them: the quotation of a in b, then the one of b in a inverted.
+std::string DirectRateSql(const std::string& date, int a, int b, int t) {
+  auto rest = [&](int x, int y) {
+    return std::string(" From genCotizacionesMoneda ") +
+           " Where CMoFecha IN (Select MAX(CMoFecha) from genCotizacionesMoneda " +
+           " Where CMoFecha <= " + date + " And CMoMoneda = " + std::to_string(x) +
+           " And CMoCotizaEn = " + std::to_string(y) +
+           " And CMoTipoCotizacion = " + std::to_string(t) + ")" +
+           " And CMoMoneda = " + std::to_string(x) + " And CMoCotizaEn = " + std::to_string(y) +
+           " And CMoTipoCotizacion = " + std::to_string(t);
+  };
+  return "Select Top 1 CMoFecha, CMoCompra, CMoVenta " + rest(a, b) + " UNION ALL " +
+         "Select Top 1 CMoFecha, 1/CMoCompra, 1/CMoVenta " + rest(b, a);
+}
+
+TEST(Tokenize, KeepsEveryByteAndSeesThroughQuotes) {
+  const std::string sql =
+      "Select 'It''s -- no comment', \"Col\" /* c */ , [pFindID] From t -- tail\n";
+  auto list = Tokenize(sql);
+  std::string rebuilt;
+  for (const auto& t : list.tokens) rebuilt += std::string(t.space) + std::string(t.text);
+  rebuilt += list.trailing;
+  EXPECT_EQ(rebuilt, sql);
+  ASSERT_GE(list.tokens.size(), 4u);
+  EXPECT_EQ(list.tokens[1].kind, TokenKind::String);
+  EXPECT_EQ(list.tokens[1].text, "'It''s -- no comment'");
+  EXPECT_EQ(list.tokens[3].kind, TokenKind::QuotedName);
+  EXPECT_EQ(list.tokens[4].space, " /* c */ ");
+  EXPECT_EQ(list.tokens[5].kind, TokenKind::QuotedName);
+  EXPECT_EQ(list.trailing, " -- tail\n");
+
+  auto ops = Tokenize("a<>1.5e3||b<=.5");
+  ASSERT_EQ(ops.tokens.size(), 7u);
+  EXPECT_EQ(ops.tokens[1].text, "<>");
+  EXPECT_EQ(ops.tokens[2].text, "1.5e3");
+  EXPECT_EQ(ops.tokens[3].text, "||");
+  EXPECT_EQ(ops.tokens[5].text, "<=");
+  EXPECT_EQ(ops.tokens[6].kind, TokenKind::Number);
+}
+
+TEST(Tokenize, RefusesUnclosedQuotesAndParentheses) {
+  EXPECT_THROW(Tokenize("Select 'abc from t"), DbError);
+  EXPECT_THROW(Tokenize("Select \"abc from t"), DbError);
+  EXPECT_THROW(Lite("Select (1 from t"), DbError);
+  EXPECT_THROW(Lite("Select 1) from t"), DbError);
+}
+
+TEST(Translate, TopBecomesLimitOnASingleSelect) {
+  EXPECT_EQ(Lite("Select Top 1 CMoFecha From genCotizacionesMoneda Order by CMoFecha DESC"),
+            "Select CMoFecha From genCotizacionesMoneda Order by CMoFecha DESC LIMIT 1");
+  EXPECT_EQ(Lite("select distinct top (5) a from t;"), "select distinct a from t LIMIT 5;");
+  EXPECT_EQ(Lite("SELECT TOP(2)x FROM t"), "SELECT x FROM t LIMIT 2");
+  EXPECT_EQ(Pg("Select Top 3 * From t"), "Select * From t LIMIT 3");
+  EXPECT_THROW(Lite("Select Top 10 Percent a From t"), DbError);
+  EXPECT_THROW(Lite("Select Top a From t"), DbError);
+}
+
+TEST(Translate, TopInsideASubSelectIsLimitedThere) {
+  EXPECT_EQ(Lite("Select a From t Where b IN (Select Top 1 b From u Order by c) And d = 1"),
+            "Select a From t Where b IN (Select b From u Order by c LIMIT 1) And d = 1");
+}
+
+TEST(Translate, DirectRateLookUpLimitsEachBranchOfTheUnion) {
+  const std::string sql = DirectRateSql("'2005-08-02 00:00:00'", 2, 1, 3);
+  const std::string branch1 =
+      "Select CMoFecha, CMoCompra, CMoVenta  From genCotizacionesMoneda  Where CMoFecha IN "
+      "(Select MAX(CMoFecha) from genCotizacionesMoneda  Where CMoFecha <= '2005-08-02 00:00:00' "
+      "And CMoMoneda = 2 And CMoCotizaEn = 1 And CMoTipoCotizacion = 3) And CMoMoneda = 2 And "
+      "CMoCotizaEn = 1 And CMoTipoCotizacion = 3 LIMIT 1";
+  const std::string branch2 =
+      "Select CMoFecha, 1/CMoCompra, 1/CMoVenta  From genCotizacionesMoneda  Where CMoFecha IN "
+      "(Select MAX(CMoFecha) from genCotizacionesMoneda  Where CMoFecha <= '2005-08-02 00:00:00' "
+      "And CMoMoneda = 1 And CMoCotizaEn = 2 And CMoTipoCotizacion = 3) And CMoMoneda = 1 And "
+      "CMoCotizaEn = 2 And CMoTipoCotizacion = 3 LIMIT 1";
+  EXPECT_EQ(Lite(sql), "SELECT * FROM (" + branch1 + ") UNION ALL SELECT * FROM (" + branch2 + ")");
+  EXPECT_EQ(Pg(sql), "(" + branch1 + ") UNION ALL (" + branch2 + ")");
+}
+
+TEST(Translate, OrderByAfterTheLastBranchStaysWithTheCompound) {
+  EXPECT_EQ(Lite("Select Top 1 a From t UNION ALL Select b From u Order by a"),
+            "SELECT * FROM (Select a From t LIMIT 1) UNION ALL Select b From u Order by a");
+  EXPECT_EQ(Lite("Select a From t Union Select Top 2 b From u Order by a"),
+            "Select a From t Union SELECT * FROM (Select b From u LIMIT 2) Order by a");
+}
+
+TEST(Translate, PlusNextToATextLiteralConcatenates) {
+  // Q-MONEDA with its search placeholders filled in.
+  EXPECT_EQ(Lite("Select MonID, RTrim(MonSimbolo), MonNombre + ' (' + RTrim(MonSimbolo) + ')' "
+                 "From genMonedas Where MonTipo = 1 And (MonID  = 'abc121ptokiv121cba' or "
+                 "MonSimbolo  = 'U$S') Order by MonNombre"),
+            "Select MonID, RTrim(MonSimbolo), MonNombre || ' (' || RTrim(MonSimbolo) || ')' "
+            "From genMonedas Where MonTipo = 1 And (MonID  = 'abc121ptokiv121cba' or "
+            "MonSimbolo  = 'U$S') Order by MonNombre");
+  // Q-CUENTA with "[pCodCta]" as "rTrim(CueCodigo) + ' ' + ".
+  EXPECT_EQ(Lite("Select CueID, rTrim(CueCodigo) + ' ' + CueNombre, rTrim(CueCodigo) + ' ' + "
+                 "CueNombre From cceCuentas Where CueIDEmpresa = 1 And (CueID  = 7 or "
+                 "rTrim(CueCodigo) + ' ' + CueNombre  = 'abc121ptokiv121cba') And CueEsCarpeta = "
+                 "0 Order by CueNombre"),
+            "Select CueID, rTrim(CueCodigo) || ' ' || CueNombre, rTrim(CueCodigo) || ' ' || "
+            "CueNombre From cceCuentas Where CueIDEmpresa = 1 And (CueID  = 7 or "
+            "rTrim(CueCodigo) || ' ' || CueNombre  = 'abc121ptokiv121cba') And CueEsCarpeta = 0 "
+            "Order by CueNombre");
+}
+
+TEST(Translate, PlusBetweenNumbersOrColumnsStaysAddition) {
+  const std::string sql =
+      "Select a + 1, b + c, 1/CMoCompra, (x + 2) * 3, t.a + t.b From t Where a + 1 = '5'";
+  EXPECT_EQ(Lite(sql), sql);
+  // A literal that is the other side of a comparison is not an operand of the addition.
+  EXPECT_EQ(Lite("Select 1 From t Where 'x' = a + b"), "Select 1 From t Where 'x' = a + b");
+}
+
+TEST(Translate, CompoundOperandsAreParenthesisedBeforeConcatenation) {
+  // || binds tighter than * and -, so the operands keep their meaning in brackets.
+  EXPECT_EQ(Lite("Select a * 2 + ' u', ' ' + -b From t"),
+            "Select (a * 2) || ' u', ' ' || (-b) From t");
+  EXPECT_EQ(Lite("Select t.a + '-' + f(x) + [y] nombre From t"),
+            "Select t.a || '-' || f(x) || [y] nombre From t");
+  EXPECT_EQ(Lite("Select CASE WHEN a = 1 THEN 'x' + b ELSE c END From t"),
+            "Select CASE WHEN a = 1 THEN 'x' || b ELSE c END From t");
+}
+
+TEST(Translate, LikeIgnoresCaseOnPostgreSQLOnly) {
+  const std::string sql =
+      "Select MFrID, MFrNombre  From genMovimientosFrecuentes Where MFrTipo = 5 And MFrEmpresa "
+      "= 1 And MFrEstado = 0 And MFrNombre Like '%cierre%de%mes%' And MFrID <> 0 And "
+      "MFrUsuarioAlta = 1";
+  EXPECT_EQ(Lite(sql), sql);
+  std::string expected = sql;
+  expected.replace(expected.find("Like"), 4, "ILIKE");
+  EXPECT_EQ(Pg(sql), expected);
+  EXPECT_EQ(Pg("Select 1 From t Where a not like 'Like%'"),
+            "Select 1 From t Where a not ILIKE 'Like%'");
+}
+
+TEST(Translate, StatementsWithoutTheDialectsConstructsPassUnchanged) {
+  const std::string statements[] = {
+      // Movement load.
+      "Select genMovimientosFrecuentes.*, genRenglonMovFrecuentes.*, genRecurrencias.*, "
+      "CueID, CueCodigo, CueNombre, CueMoneda, ProAbreviacion, DepAbreviacion From "
+      "(((((genMovimientosFrecuentes LEFT JOIN genRenglonMovFrecuentes ON "
+      "genMovimientosFrecuentes.MFrID = genRenglonMovFrecuentes.RMFMovimiento) LEFT JOIN "
+      "cceCuentas ON genRenglonMovFrecuentes.RMFCuenta = cceCuentas.CueID) LEFT JOIN "
+      "cceProyectos ON genRenglonMovFrecuentes.RMFIDProyecto = cceProyectos.ProCodigo) LEFT "
+      "JOIN cceDepartamentos ON genRenglonMovFrecuentes.RMFIDDepartamento = "
+      "cceDepartamentos.DepCodigo) LEFT JOIN genRecurrencias ON "
+      "genMovimientosFrecuentes.MFrRecurrencia = genRecurrencias.RecID) Where MFrID = 12 Order "
+      "By RMFOrden",
+      // Display form of a line argument.
+      "Select 1, CueCodigo, rTrim(CueNombre) From cceCuentas, genRenglonMovFrecuentes  Where "
+      "CueID = 5 And RMFCuenta = CueID And RMFMovimiento = 12 Union All Select 2, 0, "
+      "ProAbreviacion From cceProyectos Where ProCodigo = 3 Union All Select 3, 0, "
+      "DepAbreviacion From cceDepartamentos Where DepCodigo = 4",
+      // Q-MOV for scheduled vouchers, as stored.
+      "Select MFrID, MFrNombre as Key, MFrNombre From genMovimientosFrecuentes Where MFrTipo = "
+      "2 And MFrID <> 0 And (MFrNombre = 'abc121ptokiv121cba' or MFrID  = 4) And MFrEstado = 0 "
+      "And MFrEmpresa = 1 And MFrRecurrencia Is not Null Order by MFrNombre",
+      // Marking notices as seen.
+      "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> 3 And MFrEstado = 0 And "
+      "MFrModalidad = 1",
+      "Select Max(MFrMVOrden) From genMovimientosFrecuentes Where MFrMovVinculado = 8",
+  };
+  for (const auto& sql : statements) {
+    EXPECT_EQ(Lite(sql), sql);
+    EXPECT_EQ(Pg(sql), sql);
+  }
+}
+
+TEST(Shape, SingleTableSelectStarIsRecognisedWithoutRegardToCase) {
+  auto m = MatchSingleTableSelect("Select * from genMovimientosFrecuentes Where MFrID = 0");
+  ASSERT_TRUE(m);
+  EXPECT_EQ(m->table, "genMovimientosFrecuentes");
+  EXPECT_EQ(m->star_offset, 7u);
+  EXPECT_TRUE(MatchSingleTableSelect("SELECT * FROM \"Tabla\" ORDER BY a, b"));
+  EXPECT_EQ(MatchSingleTableSelect("select * from [t];")->table, "t");
+  EXPECT_TRUE(MatchSingleTableSelect("select * from t where a in (select b from u, v)"));
+
+  EXPECT_FALSE(MatchSingleTableSelect("Select a from t"));
+  EXPECT_FALSE(MatchSingleTableSelect("Select * from t, u where a = b"));
+  EXPECT_FALSE(MatchSingleTableSelect("Select * from t left join u on a = b"));
+  EXPECT_FALSE(MatchSingleTableSelect("Select * from t x where x.a = 1"));
+  EXPECT_FALSE(MatchSingleTableSelect("Select * from t where a = 1 union select * from u"));
+  EXPECT_FALSE(MatchSingleTableSelect("Select * from t group by a"));
+  EXPECT_FALSE(MatchSingleTableSelect("Select * from (select * from t)"));
+}
+
+TEST(Shape, StatementsSplitOutsideQuotesAndComments) {
+  auto parts = SplitStatements(
+      "create table t (a text default ';');\n-- a; comment\ninsert into t values ('x;y');;\n");
+  ASSERT_EQ(parts.size(), 2u);
+  EXPECT_EQ(parts[0], "create table t (a text default ';')");
+  EXPECT_EQ(parts[1], "insert into t values ('x;y')");
+  EXPECT_EQ(LeadingKeyword("  /* x */ with q as (select 1) select * from q"), "WITH");
+  EXPECT_TRUE(IsBlankSql(" ; -- nothing\n"));
+  EXPECT_FALSE(IsBlankSql("; select 1"));
+}
+
+}  // namespace
+}  // namespace kivmovfrec::sql

@@ -1,0 +1,73 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "db/temp_dir.h"
+#include "kivmovfrec/db.h"
+
+namespace kivmovfrec {
+namespace {
+
+std::string ErrorOf(const std::string& uri) {
+  try {
+    OpenConnection(uri);
+  } catch (const DbError& e) {
+    return e.what();
+  }
+  return "";
+}
+
+TEST(OpenConnection, CreatesAFileDatabaseWhenAbsent) {
+  testing::TempDir dir;
+  const std::string path = dir.File("nueva.db");
+  auto cn = OpenConnection("sqlite:" + path);
+  EXPECT_EQ(cn->engine(), Engine::SQLite);
+  cn->Execute("Create Table t (a INTEGER)");
+  EXPECT_TRUE(std::filesystem::exists(path));
+  auto again = OpenConnection("SQLite:" + path);
+  EXPECT_TRUE(again->OpenResultset("Select * From t")->Eof());
+}
+
+TEST(OpenConnection, MemoryDatabasesArePrivate) {
+  auto a = OpenConnection("sqlite::memory:");
+  auto b = OpenConnection("sqlite::memory:");
+  a->Execute("Create Table t (a INTEGER)");
+  EXPECT_THROW(b->Execute("Insert Into t Values (1)"), DbError);
+}
+
+TEST(OpenConnection, MissingFolderIsNamedAndNotCreated) {
+  testing::TempDir dir;
+  const auto missing = dir.path() / "no_existe";
+  std::string error = ErrorOf("sqlite:" + (missing / "suite.db").string());
+  EXPECT_NE(error.find("No existe la carpeta de la base de datos"), std::string::npos) << error;
+  EXPECT_NE(error.find(missing.string()), std::string::npos) << error;
+  EXPECT_FALSE(std::filesystem::exists(missing));
+}
+
+TEST(OpenConnection, MalformedUrisAreRefusedWithTheAcceptedForms) {
+  for (const char* uri : {"", "sqlite", "mysql://localhost/db", "suite.db", "sqlite:"}) {
+    std::string error = ErrorOf(uri);
+    EXPECT_NE(error.find("sqlite:"), std::string::npos) << uri << ": " << error;
+  }
+  std::string pg = ErrorOf("postgresql://kmf@127.0.0.1:5432/suite");
+  EXPECT_NE(pg.find("PostgreSQL"), std::string::npos) << pg;
+}
+
+TEST(OpenConnection, AFileThatIsNotADatabaseIsRefusedAndLeftAlone) {
+  testing::TempDir dir;
+  const std::string path = dir.File("notas.txt");
+  const std::string text = "Estas son notas, no una base de datos.\n";
+  std::ofstream(path) << text;
+  EXPECT_THROW(OpenConnection("sqlite:" + path), DbError);
+  std::ifstream in(path);
+  std::stringstream back;
+  back << in.rdbuf();
+  EXPECT_EQ(back.str(), text);
+  EXPECT_THROW(OpenConnection("sqlite:" + dir.path().string()), DbError);  // a folder
+}
+
+}  // namespace
+}  // namespace kivmovfrec
