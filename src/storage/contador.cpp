@@ -1,0 +1,22 @@
+#include "storage/contador.h"
+
+#include <string>
+
+#include "kivmovfrec/errors.h"
+#include "resources/catalogue.h"
+#include "resources/msg.h"
+#include "storage/parametros.h"
+
+namespace kivmovfrec::storage {
+
+int32_t NuevoID(IDBFncs& dbf, std::string_view tabla) {
+  const int32_t id = dbf.GetTableCounter(tabla);
+  if (id == -1) {
+    throw ComponentError(
+        kErrorContador, kFuenteContador,
+        std::string(resources::Texto(msg::kContadorTablaFallido, Parametros().idioma)));
+  }
+  return id;
+}
+
+}  // namespace kivmovfrec::storage
