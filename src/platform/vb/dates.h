@@ -1,5 +1,11 @@
 // Calendar arithmetic on VB dates (days since 1899-12-30, fraction = time of day).
-// Valid years are 100..9999, as in VB; anything outside throws VbError(5) or (6).
+// Valid years are 100..9999, as in VB. Reading a serial outside that range (or NaN) throws
+// VbError(6); building a date outside it, or from invalid fields, throws VbError(5).
+//
+// Serials before the epoch keep VB's layout: the whole part, truncated toward zero, counts the
+// days back and the fraction is the time of that day counted forward. So -1.25 is 29/12/1899
+// 06:00 and -0.5 is 30/12/1899 12:00. Split, MakeDate, DateAdd and DateDiff all follow it, and
+// are exact to the second for every valid year.
 #pragma once
 
 #include <cstdint>
@@ -16,11 +22,13 @@ struct DateParts {
 
 // Splits a date into calendar fields (seconds rounded to the nearest whole second).
 DateParts Split(Date d);
-// Builds a date from fields that must already be valid (month 1-12, day within the month).
+// Builds a date from fields that must already be valid (year 100-9999, month 1-12, day within
+// the month, hour 0-23, minute and second 0-59); VbError(5) otherwise.
 Date MakeDate(const DateParts& p);
 
-// DateSerial: normalises overflowing months and days ((2000, 14, 2) -> 2001-02-02); years
-// 0-29 mean 2000-2029 and 30-99 mean 1930-1999.
+// DateSerial: normalises overflowing months and days ((2000, 14, 2) -> 2001-02-02; day 0 is the
+// last day of the previous month); years 0-29 mean 2000-2029 and 30-99 mean 1930-1999. The
+// result is midnight of that day.
 Date DateSerial(int year, int month, int day);
 // TimeSerial-like helper: the fraction of a day for h:n:s.
 double TimeFraction(int hour, int minute, int second);
@@ -34,16 +42,18 @@ int Second(Date d);
 // 1 = Sunday ... 7 = Saturday.
 int Weekday(Date d);
 
-// Date part only (time of day dropped).
+// Date part only (time of day dropped, even when it would round up to the next day).
 Date DateOnly(Date d);
-// Last day (28-31) of the given month.
+// Last day (28-31) of the given month; month outside 1-12 -> VbError(5).
 int DaysInMonth(int year, int month);
 
 // DateAdd with the VB interval codes "yyyy" "q" "m" "y" "d" "w" "ww" "h" "n" "s" (case
-// ignored). Month and year steps clamp to the end of a shorter month (31/03 - 1 month =
-// 28 or 29/02). Throws VbError(5) for an unknown interval.
+// ignored; "y" and "w" add days). A fractional `number` is truncated toward zero. Month and year
+// steps clamp to the end of a shorter month (31/03 - 1 month = 28 or 29/02) and keep the time.
+// Throws VbError(5) for an unknown interval or a result outside the calendar.
 Date DateAdd(std::string_view interval, double number, Date d);
-// DateDiff: number of interval boundaries crossed from d1 to d2.
+// DateDiff: number of interval boundaries crossed from d1 to d2 (negative when d2 is earlier);
+// "w" counts whole weeks of days, "ww" the Sundays crossed.
 int64_t DateDiff(std::string_view interval, Date d1, Date d2);
 
 }  // namespace kivmovfrec::vb

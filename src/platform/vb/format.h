@@ -1,12 +1,21 @@
 // VB's Format and FormatNumber for the patterns the component uses.
 //
-// Date patterns: the named "Short Date" (dd/mm/yyyy) and "Long Date" ("Martes, 02 de Agosto de
-// 2005"), and custom patterns built from d dd ddd dddd m mm mmm mmmm yy yyyy h hh n nn s ss,
-// with other characters (/ : - blank) copied and "quoted" text copied literally. "m" after
-// "h"/"hh" means minutes, as in VB.
+// Date patterns: the named "Short Date" (dd/mm/yyyy), "Long Date" ("Martes, 02 de Agosto de
+// 2005"), "General Date" (as CStr), "Medium Date" (dd-mmm-yy), "Long Time" (hh:nn:ss),
+// "Medium Time" and "Short Time" (hh:nn), names compared ignoring case; and custom patterns
+// built from d dd ddd dddd ddddd dddddd m mm mmm mmmm y yy yyyy h hh n nn s ss w ww q (letters in
+// either case), with other characters (/ : - blank) copied, "quoted" text and \x copied
+// literally. "m"/"mm" after an hour or before seconds means minutes, as in VB. ddd and mmm are
+// the first three letters of the names ("Mié", "Ago").
 // Number patterns: 0 (digit, padded), # (digit, dropped when not significant), "." decimal
 // point and "," grouping in the pattern; the output uses the locale's separators, so
-// "#,##0.00" gives "1.234,56" in Spanish. Rounding is half away from zero, as Format does.
+// "#,##0.00" gives "1.234,56" in Spanish. Rounding is half away from zero on the decimal the
+// double stands for, as Format does. Also: "0" placeholders fill from the right and the leftmost
+// takes extra digits ("000-000"); trailing "#" decimals drop zeros ("#.##" of 1.5 = "1,5");
+// "," right before the point or the end divides by 1000; "%" multiplies by 100; sections
+// "positive;negative;zero" (the negative section is written without a sign); named "General
+// Number", "Fixed", "Standard", "Percent", "Yes/No", "True/False", "On/Off". A result that
+// rounds to zero has no sign. Scientific patterns ("0.00E+00") are not supported: E is copied.
 #pragma once
 
 #include <string>
@@ -17,16 +26,18 @@
 
 namespace kivmovfrec::vb {
 
-// Format(value, pattern). A Date value or date-like text uses the date rules; numbers and
-// numeric text the number rules; an empty pattern gives CStr. Null gives "".
+// Format(value, pattern). The pattern decides: a date pattern formats Date values, date text
+// and numbers read as serials (outside the calendar -> VbError(6)); a number pattern formats
+// numbers, Booleans, Empty (0) and numeric text. Text that cannot be read as required is
+// returned unchanged. An empty pattern gives CStr. Null gives "".
 std::string Format(const Variant& value, std::string_view pattern,
                    const Locale& loc = Locale::Spanish());
 std::string FormatDate(Date d, std::string_view pattern, const Locale& loc = Locale::Spanish());
 std::string FormatNumberPattern(double x, std::string_view pattern,
                                 const Locale& loc = Locale::Spanish());
 
-// FormatNumber(x, digits): grouping and `digits` decimals, halves away from zero
-// (FormatNumber(2.5793, 2) = "2,58" in Spanish).
+// FormatNumber(x, digits): grouping, a leading zero and `digits` decimals, halves away from
+// zero (FormatNumber(2.5793, 2) = "2,58" in Spanish). digits -1 means 2; other negatives -> 5.
 std::string FormatNumber(double x, int digits = 2, const Locale& loc = Locale::Spanish());
 
 }  // namespace kivmovfrec::vb
