@@ -1,0 +1,52 @@
+#include "kivmovfrec/install.h"
+
+#include <exception>
+
+#include <fmt/format.h>
+
+#include "storage/install/embedded.h"
+#include "storage/install/sql_script.h"
+
+namespace kivmovfrec {
+
+namespace {
+
+// The demo data belongs to company 1; its presence means the demo (or a real company 1) is
+// already there.
+bool CompanyExists(Connection& cn, int id) {
+  auto rs = cn.OpenResultset(fmt::format("Select EmpID From cceEmpresas Where EmpID = {}", id));
+  return !rs->Eof();
+}
+
+void Install(Connection& cn, const InstallOptions& opts) {
+  install::RunScript(cn, "schema.sql", embedded::schema_sqlite);
+  if (opts.demo && !CompanyExists(cn, 1)) {
+    install::RunScript(cn, "demo.sql", embedded::demo_sqlite);
+  }
+}
+
+}  // namespace
+
+void InstallSchema(Connection& cn, const InstallOptions& opts) {
+  if (cn.engine() != Engine::SQLite) {
+    throw DbError("InstallSchema: the suite tables can only be created on SQLite for now");
+  }
+  if (cn.InTransaction()) {
+    throw DbError("InstallSchema: the connection is already inside a transaction");
+  }
+  cn.BeginTrans();
+  try {
+    Install(cn, opts);
+    cn.CommitTrans();
+  } catch (const std::exception& e) {
+    // Whatever failed, nothing of this run may stay; a failing rollback must not hide the
+    // original error.
+    try {
+      if (cn.InTransaction()) cn.RollbackTrans();
+    } catch (const std::exception&) {
+    }
+    throw DbError(fmt::format("InstallSchema: {}", e.what()));
+  }
+}
+
+}  // namespace kivmovfrec

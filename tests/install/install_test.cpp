@@ -1,0 +1,196 @@
+// Installing the suite tables: idempotence, the demo guard, all-or-nothing on failure.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "install/demo_db.h"
+#include "storage/install/sql_script.h"
+#include "support/db_snapshot.h"
+
+namespace kivmovfrec::testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+const std::vector<std::string>& AllTables() {
+  static const std::vector<std::string> kTables = {"genParametros",
+                                                   "genContadores",
+                                                   "admUsuarios",
+                                                   "admDerechos",
+                                                   "cceEmpresas",
+                                                   "cceCuentas",
+                                                   "cceProyectos",
+                                                   "cceDepartamentos",
+                                                   "genLibros",
+                                                   "sisIconos",
+                                                   "genMonedas",
+                                                   "genTipoCotizacionMoneda",
+                                                   "genCotizacionesMoneda",
+                                                   "genEntes",
+                                                   "sisClasificacionComprobante",
+                                                   "cceTipoComprobante",
+                                                   "genRecurrencias",
+                                                   "genMovimientosFrecuentes",
+                                                   "genRenglonMovFrecuentes",
+                                                   "genAvisosUsuarios",
+                                                   "cceAsientos",
+                                                   "cceAsientoCuenta",
+                                                   "cceComprobantes",
+                                                   "cceComprobanteCuenta"};
+  return kTables;
+}
+
+// Forwards to a real connection and fails the k-th statement (Execute or result-set open).
+class FailAt : public Connection {
+ public:
+  FailAt(std::shared_ptr<Connection> inner, int k) : inner_(std::move(inner)), k_(k) {}
+  int statements() const { return count_; }
+
+  Engine engine() const override { return inner_->engine(); }
+  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
+    Tick();
+    return inner_->OpenResultset(sql);
+  }
+  std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
+    Tick();
+    return inner_->OpenReadOnly(sql);
+  }
+  int64_t Execute(std::string_view sql) override {
+    Tick();
+    return inner_->Execute(sql);
+  }
+  void BeginTrans() override { inner_->BeginTrans(); }
+  void CommitTrans() override { inner_->CommitTrans(); }
+  void RollbackTrans() override { inner_->RollbackTrans(); }
+  bool InTransaction() const override { return inner_->InTransaction(); }
+  std::string Translate(std::string_view sql) const override { return inner_->Translate(sql); }
+
+ private:
+  void Tick() {
+    if (++count_ == k_) throw DbError("fallo provocado en la sentencia " + std::to_string(k_));
+  }
+  std::shared_ptr<Connection> inner_;
+  int k_;
+  int count_ = 0;
+};
+
+TEST(InstallSchema, CreatesEveryTableEmptyWithoutDemo) {
+  auto cn = OpenInstalledDb(/*demo=*/false);
+  for (const auto& table : AllTables()) {
+    SCOPED_TRACE(table);
+    EXPECT_EQ(CountRows(*cn, "Select * From " + table), 0);
+  }
+}
+
+TEST(InstallSchema, SecondRunChangesNothing) {
+  auto cn = OpenInstalledDb();
+  const auto before = TakeSnapshot(*cn, AllTables());
+  EXPECT_GT(before.at("genMovimientosFrecuentes").size(), 0u);
+  InstallSchema(*cn, {.demo = true});
+  InstallSchema(*cn);
+  EXPECT_EQ(TakeSnapshot(*cn, AllTables()), before);
+  EXPECT_FALSE(cn->InTransaction());
+}
+
+TEST(InstallSchema, DemoLoadsLaterIntoAnEmptyInstallation) {
+  auto cn = OpenInstalledDb(/*demo=*/false);
+  InstallSchema(*cn, {.demo = true});
+  EXPECT_EQ(CountRows(*cn, "Select EmpID From cceEmpresas"), 2);
+}
+
+TEST(InstallSchema, ExistingCompanyOneKeepsTheDemoOut) {
+  auto cn = OpenInstalledDb(/*demo=*/false);
+  cn->Execute("Insert Into cceEmpresas (EmpID, EmpNombre) Values (1, 'Empresa real')");
+  InstallSchema(*cn, {.demo = true});
+  EXPECT_EQ(CountRows(*cn, "Select * From cceEmpresas"), 1);
+  EXPECT_EQ(CountRows(*cn, "Select * From genMovimientosFrecuentes"), 0);
+  EXPECT_EQ(CountRows(*cn, "Select * From genContadores"), 0);
+}
+
+// A database whose table clashes with ours: the demo insert fails and the tables created in the
+// same run disappear with it.
+TEST(InstallSchema, FailureRollsBackEverythingAndNamesTheStatement) {
+  auto cn = OpenConnection("sqlite::memory:");
+  cn->Execute("Create Table genContadores (Otra INTEGER)");
+  try {
+    InstallSchema(*cn, {.demo = true});
+    FAIL() << "expected DbError";
+  } catch (const DbError& e) {
+    EXPECT_THAT(e.what(), HasSubstr("demo.sql, line "));
+    EXPECT_THAT(e.what(), HasSubstr("CntTabla"));
+  }
+  EXPECT_FALSE(cn->InTransaction());
+  EXPECT_THROW(cn->OpenResultset("Select * From cceEmpresas"), DbError);
+  EXPECT_EQ(CountRows(*cn, "Select * From genContadores"), 0);
+}
+
+// Whichever statement fails, nothing of the run remains and a later run succeeds.
+TEST(InstallSchema, FailureAtAnyStatementLeavesNothing) {
+  FailAt probe(OpenConnection("sqlite::memory:"), 0);
+  InstallSchema(probe, {.demo = true});
+  const int total = probe.statements();
+  ASSERT_GT(total, 50);
+
+  for (int k : {1, 2, total / 3, total / 2, total - 1, total}) {
+    SCOPED_TRACE(k);
+    auto inner = OpenConnection("sqlite::memory:");
+    FailAt failing(inner, k);
+    EXPECT_THROW(InstallSchema(failing, {.demo = true}), DbError);
+    EXPECT_FALSE(inner->InTransaction());
+    EXPECT_THROW(inner->OpenResultset("Select * From genParametros"), DbError);
+    InstallSchema(*inner, {.demo = true});
+    EXPECT_EQ(CountRows(*inner, "Select * From cceEmpresas"), 2);
+  }
+}
+
+TEST(InstallSchema, RefusesAnOpenTransaction) {
+  auto cn = OpenConnection("sqlite::memory:");
+  cn->BeginTrans();
+  EXPECT_THROW(InstallSchema(*cn), DbError);
+  EXPECT_TRUE(cn->InTransaction());
+  cn->RollbackTrans();
+}
+
+TEST(RunScript, SplitsAtSemicolonsOutsideQuotesAndComments) {
+  const std::string script =
+      "-- cabecera; con punto y coma y 'comilla\n"
+      "Create Table t (a VARCHAR(20));\n"
+      "\n"
+      "Insert Into t Values ('[1:101;0;0]'); -- sigue; aquí\n"
+      "/* bloque; */ Insert Into t Values ('it''s; -- no comment');\n"
+      "Insert Into t Values ('[1:101;0;0]')";
+  const auto statements = install::SplitScript(script);
+  ASSERT_EQ(statements.size(), 4u);
+  EXPECT_EQ(statements[0].line, 2);
+  EXPECT_EQ(statements[1].line, 4);
+  EXPECT_EQ(statements[2].line, 5);
+  // The same text as an earlier statement still gets its own line.
+  EXPECT_EQ(statements[3].line, 6);
+
+  auto cn = OpenConnection("sqlite::memory:");
+  install::RunScript(*cn, "prueba.sql", script);
+  EXPECT_EQ(CountRows(*cn, "Select * From t Where a = '[1:101;0;0]'"), 2);
+  EXPECT_EQ(Scalar(*cn, "Select a From t Where a Like 'it%'"), Variant("it's; -- no comment"));
+}
+
+TEST(RunScript, ReportsScriptAndLineOfTheFailingStatement) {
+  auto cn = OpenConnection("sqlite::memory:");
+  try {
+    install::RunScript(*cn, "prueba.sql",
+                       "Create Table t (a INTEGER);\n\nInsert Into nada Values (1);");
+    FAIL() << "expected DbError";
+  } catch (const DbError& e) {
+    EXPECT_THAT(e.what(), HasSubstr("prueba.sql, line 3: "));
+    EXPECT_THAT(e.what(), HasSubstr("nada"));
+  }
+}
+
+TEST(RunScript, UnclosedQuoteIsAnError) {
+  auto cn = OpenConnection("sqlite::memory:");
+  EXPECT_THROW(install::RunScript(*cn, "prueba.sql", "Create Table t (a INTEGER);\nSelect 'abc"),
+               DbError);
+  EXPECT_THROW(cn->OpenResultset("Select * From t"), DbError);
+}
+
+}  // namespace
+}  // namespace kivmovfrec::testing
