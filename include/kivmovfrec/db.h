@@ -25,16 +25,24 @@ class DbError : public std::runtime_error {
 };
 
 // Rows produced by one SELECT. A result set starts on its first row (Eof() when there is none).
+// Its rows are read when it is opened: what other statements change afterwards is not seen,
+// and deleting rows while walking the set is safe.
 //
 // Reading: Get(name) finds the column without regard to case and returns Null for SQL NULL;
-// an unknown column throws DbError. Get(index) is 0-based.
+// an unknown column throws DbError. Get(index) is 0-based. Reading at Eof, after Close or from
+// a row deleted through the set throws DbError. Whole numbers read as Long (Double beyond 32
+// bits), other numbers as Double, text as String, date columns as Date.
 //
 // Writing is possible only on sets opened by Connection::OpenResultset for a single-table
-// `Select * from T Where ...`; other sets throw DbError on AddNew/Edit/Delete. Values written
-// this way are bound as parameters, never spliced into SQL text. The sequence is
+// `Select * from T [Where ...] [Order By ...]`; other sets throw DbError on AddNew/Edit/Delete.
+// Values written this way are bound as parameters, never spliced into SQL text. The sequence is
 //   AddNew() or Edit(); Set(column, value)...; Update();
-// AddNew starts a row with every column Null; after Update the set is positioned on the new
-// row. Delete() removes the current row at once (the set stays on it; MoveNext continues).
+// AddNew starts a row with every column Null; only the columns Set are written, so the others
+// take the table's defaults. After Update the set is positioned on the row as stored (defaults
+// included). During AddNew/Edit, Get returns the pending values; MoveNext abandons them. Set
+// resolves the column without regard to case and throws DbError for a column the table lacks,
+// or when no AddNew/Edit is pending. Delete() removes the current row at once (the set stays
+// on it; MoveNext continues).
 class Resultset {
  public:
   virtual ~Resultset() = default;
@@ -63,8 +71,10 @@ enum class Engine { SQLite, PostgreSQL };
 // An open database. Not thread-safe: one connection per thread, as the suite uses it.
 //
 // Transactions: BeginTrans takes the write lock at once (so two savers serialise instead of
-// failing at commit); CommitTrans / RollbackTrans end it. They do not nest: BeginTrans inside a
-// transaction throws DbError. Without a transaction every statement commits on its own.
+// failing at commit; a second writer waits for the lock up to a busy timeout, then DbError);
+// CommitTrans / RollbackTrans end it. They do not nest: BeginTrans inside a transaction throws
+// DbError, CommitTrans outside one throws DbError, RollbackTrans outside one does nothing (so
+// error paths can always call it). Without a transaction every statement commits on its own.
 class Connection {
  public:
   virtual ~Connection() = default;
@@ -75,11 +85,13 @@ class Connection {
   virtual std::unique_ptr<Resultset> OpenResultset(std::string_view sql) = 0;
 
   // Opens a result set for text that came from a formula or a script: the statement must be
-  // read-only. A statement that would write (INSERT, UPDATE, DELETE, DDL, or anything the engine
-  // does not report as read-only) throws DbError and writes nothing.
+  // one query (SELECT, WITH ... SELECT, VALUES). Anything else (INSERT, UPDATE, DELETE, DDL,
+  // transaction control, settings, a second statement, or anything the engine does not report
+  // as read-only) throws DbError and writes nothing. The set is never updatable.
   virtual std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) = 0;
 
-  // Runs a statement that returns no rows; returns the number of rows it changed.
+  // Runs one statement (a second one in the text throws DbError); returns the number of rows it
+  // inserted, updated or deleted (0 for anything else).
   virtual int64_t Execute(std::string_view sql) = 0;
 
   virtual void BeginTrans() = 0;

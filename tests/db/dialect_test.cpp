@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "db/rate_sql.h"
 #include "kivmovfrec/db.h"
 #include "platform/db/sql_tokens.h"
 
@@ -15,22 +16,6 @@ std::string Lite(std::string_view s) {
 }
 std::string Pg(std::string_view s) {
   return TranslateSql(s, Target::PostgreSQL);
-}
-
-// The direct rate look-up, built from its literals exactly as the rate service concatenates
-// them: the quotation of a in b, then the one of b in a inverted.
-std::string DirectRateSql(const std::string& date, int a, int b, int t) {
-  auto rest = [&](int x, int y) {
-    return std::string(" From genCotizacionesMoneda ") +
-           " Where CMoFecha IN (Select MAX(CMoFecha) from genCotizacionesMoneda " +
-           " Where CMoFecha <= " + date + " And CMoMoneda = " + std::to_string(x) +
-           " And CMoCotizaEn = " + std::to_string(y) +
-           " And CMoTipoCotizacion = " + std::to_string(t) + ")" +
-           " And CMoMoneda = " + std::to_string(x) + " And CMoCotizaEn = " + std::to_string(y) +
-           " And CMoTipoCotizacion = " + std::to_string(t);
-  };
-  return "Select Top 1 CMoFecha, CMoCompra, CMoVenta " + rest(a, b) + " UNION ALL " +
-         "Select Top 1 CMoFecha, 1/CMoCompra, 1/CMoVenta " + rest(b, a);
 }
 
 TEST(Tokenize, KeepsEveryByteAndSeesThroughQuotes) {
@@ -81,7 +66,7 @@ TEST(Translate, TopInsideASubSelectIsLimitedThere) {
 }
 
 TEST(Translate, DirectRateLookUpLimitsEachBranchOfTheUnion) {
-  const std::string sql = DirectRateSql("'2005-08-02 00:00:00'", 2, 1, 3);
+  const std::string sql = testing::DirectRateSql("'2005-08-02 00:00:00'", 2, 1, 3);
   const std::string branch1 =
       "Select CMoFecha, CMoCompra, CMoVenta  From genCotizacionesMoneda  Where CMoFecha IN "
       "(Select MAX(CMoFecha) from genCotizacionesMoneda  Where CMoFecha <= '2005-08-02 00:00:00' "
