@@ -1,0 +1,152 @@
+// Database-backed services: settings, rights, notice recipients, help routing.
+#include <memory>
+#include <set>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "platform/suite/db_fncs.h"
+#include "platform/suite/rights.h"
+#include "platform/suite/scripted.h"
+#include "platform/vb/convert.h"
+#include "suite/suite_db.h"
+
+namespace kivmovfrec {
+namespace {
+
+using testing::TempDatabase;
+
+class DbServices : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    db_.InstallSchema();
+    cn_ = db_.Open();
+    messages_ = std::make_shared<suite::ScriptedMessages>();
+    fncs_ = std::make_shared<suite::DbFncs>(cn_, messages_);
+  }
+
+  std::set<int32_t> Recipients(int32_t aviso) {
+    std::set<int32_t> users;
+    auto rs = cn_->OpenResultset("Select AvUUsuario From genAvisosUsuarios Where AvUAviso = " +
+                                 std::to_string(aviso));
+    for (; !rs->Eof(); rs->MoveNext()) users.insert(vb::CLng(rs->Get(0)));
+    return users;
+  }
+
+  TempDatabase db_;
+  std::shared_ptr<Connection> cn_;
+  std::shared_ptr<suite::ScriptedMessages> messages_;
+  std::shared_ptr<suite::DbFncs> fncs_;
+};
+
+TEST_F(DbServices, SettingsMatchTrimmedNameIgnoringCase) {
+  cn_->Execute(
+      "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values ('  IDIOMA ', "
+      "'ignorado', 2)");
+  cn_->Execute(
+      "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values "
+      "('defBDDateCharSQLs', '''', Null)");
+  cn_->Execute(
+      "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values "
+      "('vacio', Null, Null)");
+
+  const Variant idioma = fncs_->GetSetting("idioma");
+  ASSERT_TRUE(vb::IsNumeric(idioma)) << DebugString(idioma);
+  EXPECT_EQ(vb::CLng(idioma), 2);
+  EXPECT_EQ(vb::CLng(fncs_->GetSetting(" Idioma  ")), 2);
+
+  EXPECT_EQ(fncs_->GetSetting("DEFBDDATECHARSQLS"), Variant("'"));
+  EXPECT_TRUE(fncs_->GetSetting("vacio").IsNull());
+  EXPECT_TRUE(fncs_->GetSetting("noExiste").IsEmpty());
+  EXPECT_TRUE(fncs_->GetSetting("id'ioma").IsEmpty());
+  EXPECT_TRUE(fncs_->GetSetting("").IsEmpty());
+}
+
+TEST_F(DbServices, SettingsWithoutTableReadAsAbsent) {
+  TempDatabase bare;
+  suite::DbFncs fncs(bare.Open(), messages_);
+  EXPECT_TRUE(fncs.GetSetting("Idioma").IsEmpty());
+}
+
+TEST_F(DbServices, HelpGoesToTheMessageService) {
+  fncs_->ShowHelp(330);
+  fncs_->ShowHelp(0);
+  EXPECT_EQ(messages_->help_topics(), (std::vector<int>{330, 0}));
+  EXPECT_TRUE(messages_->shown().empty());
+}
+
+TEST_F(DbServices, RightsForCurrentUserCompanyAndOption) {
+  cn_->Execute("Insert Into admDerechos Values (5, 1, 'PasajeAsientos', ' AME ')");
+  cn_->Execute("Insert Into admDerechos Values (5, 1, 'Papelera', 'e')");
+  cn_->Execute("Insert Into admDerechos Values (5, 2, 'Comprobantes', 'A')");
+  cn_->Execute("Insert Into admDerechos Values (6, 1, 'Comprobantes', 'AM')");
+
+  suite::DbUserRights rights(cn_, 5);
+  EXPECT_EQ(rights.Usuario(), 5);
+  EXPECT_EQ(rights.Letras(1, "PasajeAsientos"), "AME");
+  EXPECT_EQ(rights.Letras(1, "pasajeasientos"), "AME");
+  EXPECT_EQ(rights.Letras(1, " PAPELERA "), "e");
+  EXPECT_EQ(rights.Letras(1, "Comprobantes"), "");  // only user 6 has it in company 1
+  EXPECT_EQ(rights.Letras(2, "Comprobantes"), "A");
+  EXPECT_EQ(rights.Letras(3, "PasajeAsientos"), "");
+  EXPECT_EQ(rights.Letras(1, "Check'List"), "");
+  EXPECT_EQ(suite::DbUserRights(TempDatabase().Open(), 5).Letras(1, "Papelera"), "");
+}
+
+TEST_F(DbServices, MemoryRightsCompareLikeTheDatabase) {
+  suite::MemoryUserRights rights(3);
+  rights.Set(1, "CheckList", " AE ");
+  EXPECT_EQ(rights.Letras(1, "checklist"), "AE");
+  EXPECT_EQ(rights.Letras(2, "CheckList"), "");
+  EXPECT_EQ(rights.Letras(1, "Papelera"), "");
+}
+
+TEST_F(DbServices, NoticeRecipientsBecomeTheListedUsers) {
+  cn_->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (1, 'ana')");
+  cn_->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (2, 'luis')");
+  cn_->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (3, 'eva')");
+  cn_->Execute(
+      "Insert Into admUsuarios (UsuCodigo, UsuIdentificacion, UsuHabilitado) Values "
+      "(4, 'baja', 0)");
+
+  EXPECT_TRUE(fncs_->VincularAvisos(12, "1, 2"));
+  EXPECT_EQ(Recipients(12), (std::set<int32_t>{1, 2}));
+  cn_->Execute("Update genAvisosUsuarios Set AvUVisto = 1 Where AvUUsuario = 2");
+
+  EXPECT_TRUE(fncs_->VincularAvisos(12, "2,3"));
+  EXPECT_EQ(Recipients(12), (std::set<int32_t>{2, 3}));
+  auto seen = cn_->OpenResultset(
+      "Select AvUVisto From genAvisosUsuarios Where AvUAviso = 12 And AvUUsuario = 2");
+  ASSERT_FALSE(seen->Eof());
+  EXPECT_EQ(vb::CLng(seen->Get(0)), 1);  // a user kept keeps what he has seen
+
+  // Refused lists change nothing.
+  EXPECT_FALSE(fncs_->VincularAvisos(12, "2,4"));   // disabled user
+  EXPECT_FALSE(fncs_->VincularAvisos(12, "2,99"));  // unknown user
+  EXPECT_FALSE(fncs_->VincularAvisos(12, "2,,3"));
+  EXPECT_FALSE(fncs_->VincularAvisos(12, "dos"));
+  EXPECT_FALSE(fncs_->VincularAvisos(0, "2"));
+  EXPECT_EQ(Recipients(12), (std::set<int32_t>{2, 3}));
+
+  // Inside the caller's transaction the links follow it.
+  cn_->BeginTrans();
+  EXPECT_TRUE(fncs_->VincularAvisos(12, "1"));
+  cn_->RollbackTrans();
+  EXPECT_EQ(Recipients(12), (std::set<int32_t>{2, 3}));
+
+  EXPECT_TRUE(fncs_->VincularAvisos(12, ""));
+  EXPECT_TRUE(Recipients(12).empty());
+  EXPECT_FALSE(cn_->InTransaction());
+}
+
+TEST(UserList, ParsesCodesSeparatedByCommas) {
+  EXPECT_EQ(suite::ParseUserList(" 3, 7,12 "), (std::set<int32_t>{3, 7, 12}));
+  EXPECT_EQ(suite::ParseUserList("5,5"), (std::set<int32_t>{5}));
+  EXPECT_EQ(suite::ParseUserList("  "), std::set<int32_t>{});
+  EXPECT_FALSE(suite::ParseUserList("3,").has_value());
+  EXPECT_FALSE(suite::ParseUserList("3;4").has_value());
+  EXPECT_FALSE(suite::ParseUserList("1.5").has_value());
+}
+
+}  // namespace
+}  // namespace kivmovfrec

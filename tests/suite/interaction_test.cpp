@@ -1,0 +1,169 @@
+// Messages, numeric prompts and clocks: console and scripted implementations.
+#include <cmath>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "platform/suite/clock.h"
+#include "platform/suite/console.h"
+#include "platform/suite/scripted.h"
+
+namespace kivmovfrec {
+namespace {
+
+using suite::ConsoleMessages;
+using suite::ConsoleOptions;
+
+MessageRequest Question(std::string text, int default_button = 1) {
+  return {std::move(text), "Movimientos Frecuentes", MsgIcon::Question, MsgButtons::YesNo,
+          default_button};
+}
+
+MessageRequest Notice(std::string text) {
+  return {std::move(text), "Asistente de Asientos", MsgIcon::Exclamation, MsgButtons::OK, 1};
+}
+
+TEST(ConsoleMessages, WithoutTerminalQuestionsAreAnsweredNo) {
+  std::ostringstream err;
+  std::istringstream in("s\n");
+  ConsoleMessages messages(err, in, ConsoleOptions{std::nullopt, false});
+  EXPECT_EQ(messages.Show(Question("¿Confirma eliminar el registro?")), kMsgNo);
+  EXPECT_EQ(messages.Show({"¿Seguir?", "", MsgIcon::Question, MsgButtons::OKCancel, 1}),
+            kMsgCancel);
+  EXPECT_EQ(messages.Show(Notice("Fórmula sin resultado")), kMsgOK);
+  EXPECT_EQ(err.str(),
+            "[Movimientos Frecuentes] ¿Confirma eliminar el registro?\n¿Seguir?\n"
+            "[Asistente de Asientos] Fórmula sin resultado\n");
+}
+
+TEST(ConsoleMessages, FixedAnswerWinsOverTheTerminal) {
+  std::ostringstream err;
+  std::istringstream in("n\n");
+  ConsoleMessages yes(err, in, ConsoleOptions{true, true});
+  EXPECT_EQ(yes.Show(Question("¿Confirma?")), kMsgYes);
+  EXPECT_EQ(yes.Show({"¿Seguir?", "", MsgIcon::Question, MsgButtons::OKCancel, 1}), kMsgOK);
+  ConsoleMessages no(err, in, ConsoleOptions{false, true});
+  EXPECT_EQ(no.Show(Question("¿Confirma?")), kMsgNo);
+  EXPECT_EQ(no.Show(Notice("Listo")), kMsgOK);
+}
+
+TEST(ConsoleMessages, TerminalAnswersAreReadUntilOneIsValid) {
+  std::ostringstream err;
+  std::istringstream in("quizás\n  SÍ \nno\n\n\n");
+  ConsoleMessages messages(err, in, ConsoleOptions{std::nullopt, true});
+  EXPECT_EQ(messages.Show(Question("¿Uno?")), kMsgYes);
+  EXPECT_NE(err.str().find("Responda s (sí) o n (no)."), std::string::npos);
+  EXPECT_EQ(messages.Show(Question("¿Dos?")), kMsgNo);
+  // An empty line takes the default button.
+  EXPECT_EQ(messages.Show(Question("¿Tres?", 2)), kMsgNo);
+  EXPECT_EQ(messages.Show(Question("¿Cuatro?", 1)), kMsgYes);
+  // End of input answers No.
+  EXPECT_EQ(messages.Show(Question("¿Cinco?", 1)), kMsgNo);
+}
+
+TEST(ConsoleMessages, CancelOnlyWhenOffered) {
+  std::ostringstream err;
+  std::istringstream in("c\nc\ns\n");
+  ConsoleMessages messages(err, in, ConsoleOptions{std::nullopt, true});
+  EXPECT_EQ(messages.Show({"¿Guardar?", "", MsgIcon::Question, MsgButtons::YesNoCancel, 1}),
+            kMsgCancel);
+  EXPECT_EQ(messages.Show(Question("¿Otra?")), kMsgYes);  // "c" refused, then "s"
+}
+
+TEST(ConsoleMessages, HelpIsWrittenAsATopic) {
+  std::ostringstream err;
+  std::istringstream in;
+  ConsoleMessages messages(err, in, ConsoleOptions{});
+  messages.ShowHelp(327);
+  EXPECT_EQ(err.str(), "Ayuda: tema 327\n");
+}
+
+TEST(ConsoleInput, RefusesTextThatIsNotANumber) {
+  std::ostringstream err;
+  std::istringstream in("doce\n12,5\n\n");
+  suite::ConsoleInput input(err, in, true);
+  EXPECT_EQ(input.PedirNumero("kivcalculator: Importe", "Pedir dato", 3), 12.5);
+  EXPECT_NE(err.str().find("«doce» no es un número"), std::string::npos) << err.str();
+  EXPECT_EQ(input.PedirNumero("Tasa", "", 1.25), 1.25);          // Enter takes the proposed value
+  EXPECT_EQ(input.PedirNumero("Tasa", "", 1.25), std::nullopt);  // end of input cancels
+  std::istringstream typed("7\n");
+  suite::ConsoleInput unattended(err, typed, false);
+  EXPECT_EQ(unattended.PedirNumero("Tasa", "", 1), std::nullopt);
+}
+
+TEST(ScriptedMessages, RecordsEverythingAndAnswersFromTheQueue) {
+  suite::ScriptedMessages messages;
+  messages.Answer(kMsgYes);
+  messages.Answer(kMsgYes);
+  EXPECT_EQ(messages.Show(Notice("Aviso")), kMsgOK);  // takes no answer
+  EXPECT_EQ(messages.pending_answers(), 2u);
+  EXPECT_EQ(messages.Show(Question("¿A?", 2)), kMsgYes);
+  EXPECT_EQ(messages.Show({"¿B?", "c", MsgIcon::Question, MsgButtons::OKCancel, 1}), kMsgOK);
+  EXPECT_EQ(messages.Show(Question("¿C?")), kMsgNo);  // queue empty: default No
+  messages.DefaultAnswer(kMsgYes);
+  EXPECT_EQ(messages.Show(Question("¿D?")), kMsgYes);
+  messages.Answer(kMsgCancel);
+  EXPECT_EQ(messages.Show(Question("¿E?")), kMsgNo);  // Cancel is not a Yes / No button
+
+  ASSERT_EQ(messages.shown().size(), 6u);
+  const auto& second = messages.shown()[1];
+  EXPECT_EQ(second.request.text, "¿A?");
+  EXPECT_EQ(second.request.caption, "Movimientos Frecuentes");
+  EXPECT_EQ(second.request.icon, MsgIcon::Question);
+  EXPECT_EQ(second.request.buttons, MsgButtons::YesNo);
+  EXPECT_EQ(second.request.default_button, 2);
+  EXPECT_EQ(second.answer, kMsgYes);
+  EXPECT_EQ(messages.shown()[0].request.icon, MsgIcon::Exclamation);
+
+  messages.ShowHelp(305);
+  EXPECT_EQ(messages.help_topics(), std::vector<int>{305});
+  messages.Clear();
+  EXPECT_TRUE(messages.shown().empty());
+  EXPECT_TRUE(messages.help_topics().empty());
+}
+
+TEST(ScriptedInput, SkipsAnswersThatAreNotNumbers) {
+  suite::ScriptedInput input;
+  input.Answer(std::string("abc"));
+  input.Answer(std::string("12 pesos"));
+  input.Answer(std::string("42,5"));
+  input.Answer(std::nullopt);
+  EXPECT_EQ(input.PedirNumero("kivcalculator: Importe", "Pedir dato", 0), 42.5);
+  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), std::nullopt);  // queued cancel
+  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), std::nullopt);  // queue empty
+  input.AcceptProposedByDefault(true);
+  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), 3);
+  input.Answer(0.125);
+  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), 0.125);
+
+  ASSERT_EQ(input.asked().size(), 5u);
+  EXPECT_EQ(input.asked()[0].prompt, "kivcalculator: Importe");
+  EXPECT_EQ(input.asked()[0].caption, "Pedir dato");
+  EXPECT_EQ(input.asked()[0].refused, (std::vector<std::string>{"abc", "12 pesos"}));
+}
+
+TEST(Clock, FixedClockKeepsTheGivenDay) {
+  const Date day = suite::SerialOf(2005, 8, 2);
+  EXPECT_EQ(day.serial, 38566);
+  suite::FixedClock at_noon(Date{day.serial + 0.7}, 0.5);
+  EXPECT_EQ(at_noon.Today().serial, 38566);
+  EXPECT_EQ(at_noon.Now().serial, 38566.5);
+
+  suite::FixedClock running(day);
+  const double now = running.Now().serial;
+  EXPECT_GE(now, 38566);
+  EXPECT_LT(now, 38567);
+}
+
+TEST(Clock, SystemTodayIsTheDateOfNow) {
+  suite::SystemClock clock;
+  const double now = clock.Now().serial;
+  const double today = clock.Today().serial;
+  EXPECT_EQ(today, std::floor(today));
+  EXPECT_GT(today, suite::SerialOf(2020, 1, 1).serial);
+  // Midnight may pass between the two calls.
+  EXPECT_TRUE(today == std::floor(now) || today == std::floor(now) + 1) << now << " " << today;
+}
+
+}  // namespace
+}  // namespace kivmovfrec
