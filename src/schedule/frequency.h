@@ -1,0 +1,53 @@
+// Frequency codes: six-digit texts ("000000" format) whose first digit is the unit and whose
+// other five are the step, code = unit * 100000 + step. 000007 is every 7 days, 200003 every
+// three months, 300001 every year; 000000 means once only. The value -1 appears only in lists,
+// for a frequency the user composes ("Definido ...").
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kivmovfrec::schedule {
+
+// Units, numbered as enuTipoRecurrencia (Diaria 0, Semanal 1, Mensual 2, Anual 3).
+enum class FrequencyUnit : int { Days = 0, Weeks = 1, Months = 2, Years = 3 };
+
+struct Frequency {
+  FrequencyUnit unit = FrequencyUnit::Days;
+  int32_t step = 0;  // 0 = once only (whatever the unit)
+
+  bool once() const { return step == 0; }
+  int32_t code() const { return static_cast<int32_t>(unit) * 100000 + step; }
+  friend bool operator==(const Frequency&, const Frequency&) = default;
+};
+
+inline constexpr int32_t kMaxStep = 99999;
+inline constexpr int32_t kCodeUserDefined = -1;
+
+// Reads a code given as text: its first six characters (blanks around are ignored) must be
+// digits of a number whose unit is 0..3. "7" and "000007" are the same code. Nothing for
+// anything else, including "-1".
+std::optional<Frequency> ParseFrequency(std::string_view text);
+// Same for a numeric code.
+std::optional<Frequency> FrequencyFromCode(int32_t code);
+// The code written with six digits: 7 -> "000007".
+std::string FormatFrequencyCode(int32_t code);
+
+// One entry of the frequency list that the wizard and the task-list editor offer.
+struct FrequencyEntry {
+  int texto;     // catalogue number of the caption ("Sólo esta vez" ... "Definido ...")
+  int32_t code;  // item data; kCodeUserDefined for "Definido ..."
+};
+
+// The eleven entries in list order: once, daily, weekly, fortnightly, monthly, two-monthly,
+// quarterly, four-monthly, half-yearly, yearly, user-defined.
+std::span<const FrequencyEntry> FrequencyCatalogue();
+// Caption of an entry in the given language.
+std::string FrequencyCaption(const FrequencyEntry& entry, int idioma = 1);
+// Index of the list entry holding `code`, or nothing when the code is one of the user's own.
+std::optional<size_t> FindFrequencyEntry(int32_t code);
+
+}  // namespace kivmovfrec::schedule
