@@ -108,6 +108,7 @@ class Compiler {
       : lex_(src), max_depth_(max_depth), out_(out) {}
 
   void Run() {
+    lex_.SkipLeadingBreaks();
     Advance();
     if (tok_.kind != Tok::End) Expression(1);
     if (tok_.kind != Tok::End) throw CompileError{1025, tok_.pos};

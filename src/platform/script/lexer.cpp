@@ -254,6 +254,15 @@ Token Lexer::NextMemberName() {
   return Fail(1002, start);
 }
 
+void Lexer::SkipLeadingBreaks() {
+  uint32_t where = 0;
+  if (OnlyBlanksFrom(i_, &where)) {
+    i_ = static_cast<uint32_t>(src_.size());
+  } else {
+    i_ = where;
+  }
+}
+
 bool Lexer::OnlyBlanksFrom(uint32_t pos, uint32_t* where) const {
   uint32_t j = pos;
   while (j < src_.size()) {

@@ -78,6 +78,8 @@ class Lexer {
   // After '.': a member name, keywords allowed (`rs.EOF`, `x.Close`). Tok::Error (1002) when no
   // name follows at once.
   Token NextMemberName();
+  // Skips blanks, line breaks, ':' and comments before the first token.
+  void SkipLeadingBreaks();
   // True when nothing but blanks, line breaks, ':' and comments remains from `pos`; otherwise
   // `*where` receives the offset of the first thing that does.
   bool OnlyBlanksFrom(uint32_t pos, uint32_t* where) const;
