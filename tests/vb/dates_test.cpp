@@ -151,3 +151,33 @@ TEST(DateDiff, CountsBoundariesCrossed) {
 
 }  // namespace
 }  // namespace kivmovfrec::vb
+
+namespace kivmovfrec::vb {
+namespace {
+
+// Every day from 1850 to 2150: fields round-trip, consecutive serials are consecutive days and
+// weekdays cycle.
+TEST(Dates, ConsecutiveSerialsAreConsecutiveCalendarDays) {
+  const int64_t first = static_cast<int64_t>(D(1850, 1, 1).serial);
+  const int64_t last = static_cast<int64_t>(D(2150, 12, 31).serial);
+  DateParts prev = Split(Date{static_cast<double>(first)});
+  int prev_weekday = Weekday(Date{static_cast<double>(first)});
+  for (int64_t s = first + 1; s <= last; ++s) {
+    const Date d{static_cast<double>(s) + (s < 0 ? -0.5 : 0.5)};
+    const DateParts p = Split(d);
+    ASSERT_EQ(MakeDate(p), d) << s;
+    ASSERT_EQ(p.hour, 12) << s;
+    const bool next_in_month =
+        p.year == prev.year && p.month == prev.month && p.day == prev.day + 1;
+    const bool next_month = p.day == 1 && prev.day == DaysInMonth(prev.year, prev.month) &&
+                            (p.month == prev.month + 1 ||
+                             (p.month == 1 && prev.month == 12 && p.year == prev.year + 1));
+    ASSERT_TRUE(next_in_month || next_month) << s;
+    ASSERT_EQ(Weekday(d), prev_weekday % 7 + 1) << s;
+    prev = p;
+    prev_weekday = Weekday(d);
+  }
+}
+
+}  // namespace
+}  // namespace kivmovfrec::vb
