@@ -1,7 +1,7 @@
 // The dynamic value shared by the database layer and the script engine.
 //
 // Variant mirrors the VB/VBScript Variant: a tagged value with the subtypes below. Conversions
-// between subtypes follow VB rules and live in platform/vb (conversions.h); this header only
+// between subtypes follow VB rules and live in platform/vb (convert.h); this header only
 // holds the representation, construction and subtype inspection, so it can be used anywhere
 // without pulling in the conversion machinery.
 //
