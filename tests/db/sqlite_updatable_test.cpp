@@ -125,8 +125,8 @@ TEST_F(Updatable, OtherSetsAreReadOnly) {
       "Select MFrID, MFrNombre From genMovimientosFrecuentes Where MFrID = 1",
       "Select * From genMovimientosFrecuentes, cceEmpresas Where MFrID = 1",
       "Select * From genMovimientosFrecuentes LEFT JOIN cceEmpresas ON MFrID = EmpID",
-      "Select * From genMovimientosFrecuentes Where MFrID = 1 Union All "
-      "Select * From genMovimientosFrecuentes Where MFrID = 1",
+      ("Select * From genMovimientosFrecuentes Where MFrID = 1 Union All "
+       "Select * From genMovimientosFrecuentes Where MFrID = 1"),
   };
   for (const char* sql : read_only) {
     auto rs = cn->OpenResultset(sql);
