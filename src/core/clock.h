@@ -2,9 +2,10 @@
 //
 // A new header record stamps FechaEstado with the current moment, and records are created all
 // over the component (the façade, the wizard, the loaders) with no services at hand. They all
-// read the one process-wide clock kept here. It defaults to the system's local time; the façade
-// installs the suite's clock service when it is given its services, so a fixed "today" (the
-// CLI's --hoy, tests) reaches every record. Setting and reading are safe from any thread.
+// read the one process-wide clock kept here. It defaults to the suite's system clock (the machine's
+// local time); the façade installs the suite's clock service when it is given its services, so a
+// fixed "today" (the CLI's --hoy, tests) reaches every record. Setting and reading are safe from
+// any thread.
 #pragma once
 
 #include <memory>
@@ -22,9 +23,6 @@ std::shared_ptr<IClock> SetClock(std::shared_ptr<IClock> clock);
 // The current moment and today's date (midnight) from the installed clock.
 Date Now();
 Date Today();
-
-// Local date and time of the machine as a VB date, ignoring any installed clock.
-Date SystemNow();
 
 // Installs a clock for the lifetime of the guard and restores the previous one after.
 class ScopedClock {

@@ -130,7 +130,7 @@ TEST(EmpPrms, ValorNoNumericoOFueraDeRangoNoCambiaNada) {
   EXPECT_EQ(emp.TipoComprobante(), 6);
 }
 
-TEST(EmpPrms, SeQuitanTodasLasApariciones_YElUltimoManda) {
+TEST(EmpPrms, SeQuitanTodasLasAparicionesYElUltimoManda) {
   clsEmpresa emp;
   // Every "lib:" of the item is removed, whatever its case: "lib:Lib:8" reads as 8.
   emp.AplicarPrms("lib:2|lib:Lib:8");
