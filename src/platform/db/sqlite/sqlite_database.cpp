@@ -10,6 +10,7 @@
 #include "platform/db/dialect.h"
 #include "platform/db/iso_date.h"
 #include "platform/db/sql_tokens.h"
+#include "platform/db/sqlite/sqlite_like.h"
 
 namespace kivmovfrec::sqlite {
 
@@ -40,6 +41,7 @@ Database::Database(const std::string& path, int busy_timeout_ms) : in_memory_(pa
     // The first statement reads the file header: a file that is not a database fails here,
     // before anything is written to it.
     Exec("PRAGMA schema_version");
+    if (!RegisterLike(db_)) Fail("like()");
     if (!in_memory_) Exec("PRAGMA journal_mode=WAL");
   } catch (const DbError& e) {
     sqlite3_close_v2(db_);
