@@ -10,8 +10,8 @@
 //   * `+` in a chain of additions where one operand is a string literal is text concatenation:
 //     every `+` of that chain becomes `||`, and operands that are not a single term are put in
 //     parentheses (|| binds tighter than the other operators).
-//   * `Like` compares without regard to case: SQLite's LIKE already does (ASCII letters);
-//     PostgreSQL gets ILIKE.
+//   * `Like` compares without regard to case: PostgreSQL gets ILIKE; SQLite's LIKE already
+//     ignores case (the SQLite adapter installs one that folds accented letters too).
 #pragma once
 
 #include <cstddef>

@@ -20,7 +20,8 @@ struct Options {
 // opened or is not an SQLite database; the file is then left as it was.
 //
 // The connection:
-//   * translates every statement from the suite's dialect (sql::TranslateSql, SQLite target);
+//   * translates every statement from the suite's dialect (sql::TranslateSql, SQLite target)
+//     and replaces LIKE by one that also ignores the case of accented letters (sqlite_like.h);
 //   * reads all rows of a result set when it is opened (the component's sets are small), so
 //     rows can be deleted while walking a set and no statement stays open between calls;
 //   * maps values: INTEGER -> Long (Double when it does not fit 32 bits), REAL -> Double,
