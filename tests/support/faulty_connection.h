@@ -24,7 +24,7 @@ class FaultyConnection : public Connection {
   Engine engine() const override { return inner_->engine(); }
   std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
     Tick("open");
-    return std::make_unique<Set>(*this, inner_->OpenResultset(sql));
+    return std::make_unique<WrappedSet>(*this, inner_->OpenResultset(sql));
   }
   std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
     Tick("open");
@@ -44,9 +44,9 @@ class FaultyConnection : public Connection {
   std::string Translate(std::string_view sql) const override { return inner_->Translate(sql); }
 
  private:
-  class Set : public Resultset {
+  class WrappedSet : public Resultset {
    public:
-    Set(FaultyConnection& owner, std::unique_ptr<Resultset> inner)
+    WrappedSet(FaultyConnection& owner, std::unique_ptr<Resultset> inner)
         : owner_(owner), inner_(std::move(inner)) {}
     bool Eof() const override { return inner_->Eof(); }
     void MoveNext() override { inner_->MoveNext(); }
