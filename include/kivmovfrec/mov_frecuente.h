@@ -1,0 +1,153 @@
+// clsMovFrecuente: the class through which the host application uses the component.
+//
+// It holds the connection, the company number, the current movement (EstructuraMovFrec) and a
+// company context created on first need. Typical use:
+//
+//   kivmovfrec::clsMovFrecuente mf;
+//   mf.Servicios(kivmovfrec::SuiteServices::Defaults(cn));   // or scripted services
+//   mf.Connect(cn);
+//   mf.Empresa(1);
+//   if (mf.LoadMF(12)) { ... mf.EstructuraMovFrec()->MovFrecuente()->Nombre() ... }
+//
+// Contract shared by every member:
+// - Before Connect (or after Connect(nullptr)) every member does nothing and returns its zero
+//   value (0, false, nothing).
+// - Questions and refusals go through the message service (caption "Movimientos Frecuentes"
+//   unless said otherwise); a question's answer is compared with No (kMsgNo).
+// - Members that run their own transaction (SaveMovimientoFrecuenteConBloqueo,
+//   DeleteRegistroMFConfirmar, DarRealizadaFechaAgenda) roll back on any error and return
+//   0 / false; the tables are then exactly as before the call.
+// - SaveMovimientoFrecuente, LoadMF and DeleteMF run without a transaction and let every error
+//   (DbError, VbError, ComponentError, storage::TextoRechazado) reach the caller.
+// - The other members trap their errors, show the error's text (critical icon) and return
+//   their zero value.
+// - Services: what Servicios gave; any service left null is taken at Connect from
+//   SuiteServices::Defaults(cn) and a null date calculator is replaced by the suite's own
+//   (schedule::DateCalculator). Connect installs the clock service as the process clock.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "kivmovfrec/db.h"
+#include "kivmovfrec/empresa.h"
+#include "kivmovfrec/enums.h"
+#include "kivmovfrec/mf_tipo.h"
+#include "kivmovfrec/services.h"
+
+namespace kivmovfrec {
+
+class clsMovFrecuente {
+ public:
+  clsMovFrecuente();
+  ~clsMovFrecuente();
+  clsMovFrecuente(const clsMovFrecuente&) = delete;
+  clsMovFrecuente& operator=(const clsMovFrecuente&) = delete;
+
+  // ---- Host wiring (not members of the suite's type library) ------------------------------
+
+  // Services the component asks of the suite. Call before Connect; calling it after Connect
+  // replaces them (null ones are filled again from the defaults).
+  void Servicios(SuiteServices s);
+  const SuiteServices& Servicios() const { return servicios_; }
+  // True between a Connect with a connection and the next Connect(nullptr).
+  bool Conectado() const { return cn_ != nullptr; }
+
+  // ---- Properties ------------------------------------------------------------------------
+
+  // The current movement. Set replaces it (null throws std::invalid_argument); get hands out
+  // the object itself, so edits through it are edits of the façade's movement.
+  std::shared_ptr<clsMFTipo> EstructuraMovFrec() const { return estructura_; }
+  void EstructuraMovFrec(std::shared_ptr<clsMFTipo> v);
+  // When true a movement without due date is computed as of today; when false as of
+  // 01/01/1958. Default false.
+  bool FechaHoyCalculoFx() const { return fecha_hoy_calculo_fx_; }
+  void FechaHoyCalculoFx(bool v) { fecha_hoy_calculo_fx_ = v; }
+  // Company number; nothing else happens (the company context is loaded on first need).
+  void Empresa(int32_t v);
+  // Keeps the connection; fills missing services; installs the clock; reads the language
+  // ("Idioma" through DBFncs) and the database parameters (date literal, multi-user flag).
+  // A database error while reading the parameters propagates, and the façade then stays
+  // unconnected. nullptr disconnects.
+  void Connect(std::shared_ptr<Connection> cn);
+
+  // ---- Methods ---------------------------------------------------------------------------
+
+  // Replaces the current movement by a new empty one.
+  void CleanEstructura();
+
+  // Saves the current movement (schedule, link order, default journal, header, lines) with the
+  // company's default journal, without a transaction. Returns the movement ID; errors reach
+  // the caller.
+  int32_t SaveMovimientoFrecuente();
+
+  // The same save inside one transaction. A new once-only schedule (ID 0, CadaCuanto 0,
+  // CantidadVeces 1) whose occurrence number is above 1 is reset to occurrence 1 first (only
+  // this save does so). Any error rolls back and returns 0; no message is shown whatever
+  // bDisplayMsgError says (the caller reports).
+  int32_t SaveMovimientoFrecuenteConBloqueo(bool bDisplayMsgError = true);
+
+  // Loads movement lIDMF into the current movement. Returns false, leaving the current
+  // movement as it was, when there is no such movement; errors reach the caller.
+  bool LoadMF(int32_t lIDMF);
+
+  // Deletes movement lIDMF with its lines and schedule: no question, no rights check, no
+  // transaction; errors reach the caller. The current movement in memory is not touched.
+  void DeleteMF(int32_t lIDMF);
+
+  // Changes the state of movement lIDMF (header only) to iEstado and FechaEstado to now.
+  // - bDisplayMsgQuestion true: asks 807 (to the bin) or 808 (other states) first; No → false.
+  //   (The suite passes it by reference; the member only reads it.)
+  // - A notice (Tipo 3) needs no rights and may change even when linked.
+  // - Other kinds need the letter "E" (to the bin) or "M" (other states) on the option of
+  //   their kind, compared without regard to case; without it message 870 + "Consulte con el
+  //   administrador del sistema." (caption: the title of the kind, exclamation) → false.
+  // - A linked one (MovVinculado ≥ 1) is refused with 871 (same caption and icon) → false.
+  // Returns true when the state was written; false for a movement that does not exist.
+  bool CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado, bool bDisplayMsgQuestion = true);
+
+  // Deletes movement lIDMF for good (from the bin): needs the letter "e" on "Papelera"
+  // (without regard to case; otherwise 870 with the title of the kind as caption), asks 806
+  // with No as default button, then deletes in one transaction. True when deleted; false when
+  // refused, answered No, not found, or on any error (rolled back).
+  bool DeleteRegistroMFConfirmar(int32_t lIDMF);
+
+  // Marks the current occurrence of scheduled movement lIDMF as done, in ONE transaction:
+  // - The schedule's next due date is ProximaFecha(code, FechaProxima) of the date
+  //   calculator; the occurrence number grows by one. A time of day in FechaProxima is kept
+  //   ("dd/mm/yyyy hh:nn").
+  // - No occurrence remains when: the code is once-only (000000); or SinVencimiento is 0 and
+  //   either the next date falls after the last date (RecFechaFinal, compared by day) or the
+  //   new occurrence number exceeds the count (CantidadVeces, or when 0 the count that the
+  //   calculator derives from the start and last dates). SinVencimiento 1 never ends.
+  //   Then the schedule is left on its last occurrence and the header becomes Realizado with
+  //   FechaEstado now; otherwise the advanced schedule is saved.
+  // - A notice (Tipo 3) also marks the other pending notices of its modality as seen
+  //   (MFrVista = 2).
+  // - Chain: when lIDMF heads a group of linked movements (other movements carry its ID in
+  //   MFrMovVinculado), the others are then processed in MFrMVOrden order by the same rules.
+  //   A member with its own schedule advances (or ends) as above; a member without schedule
+  //   has no occurrence of its own and is left unchanged; a member not pending (Estado ≠ 0) is
+  //   skipped. Each movement is processed at most once per call.
+  // bPorUnicaVez is output only: true when lIDMF has just used up its last occurrence (it is
+  // now Realizado), false when it moved to a next due date or nothing was done.
+  // Returns true when the occurrence was recorded. False, changing nothing, when the movement
+  // does not exist, is not pending (Estado ≠ 0 — so an occurrence is never counted twice),
+  // has no schedule, or on any error (rolled back and reported).
+  bool DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez);
+  bool DarRealizadaFechaAgenda(int32_t lIDMF);
+
+ private:
+  void Reportar(const std::exception& e);
+  clsEmpresa& EmpresaContexto();
+  IDateCalculator& Calendario();
+
+  SuiteServices servicios_;
+  std::shared_ptr<Connection> cn_;
+  std::shared_ptr<clsMFTipo> estructura_;
+  bool fecha_hoy_calculo_fx_ = false;
+  int32_t empresa_ = 0;
+  std::unique_ptr<clsEmpresa> empresa_ctx_;
+};
+
+}  // namespace kivmovfrec
