@@ -195,6 +195,11 @@ TEST(Shape, StatementsSplitOutsideQuotesAndComments) {
   ASSERT_EQ(parts.size(), 2u);
   EXPECT_EQ(parts[0], "create table t (a text default ';')");
   EXPECT_EQ(parts[1], "insert into t values ('x;y')");
+  auto trigger = SplitStatements(
+      "Create Temp Trigger tr After Insert On t Begin Update t Set a = Case When 1 Then 'x' "
+      "End; Delete From u; End; Select 1");
+  ASSERT_EQ(trigger.size(), 2u);
+  EXPECT_EQ(trigger[1], "Select 1");
   EXPECT_EQ(LeadingKeyword("  /* x */ with q as (select 1) select * from q"), "WITH");
   EXPECT_TRUE(IsBlankSql(" ; -- nothing\n"));
   EXPECT_FALSE(IsBlankSql("; select 1"));

@@ -339,24 +339,44 @@ bool IsBlankSql(std::string_view sql) {
 
 std::vector<std::string> SplitStatements(std::string_view script) {
   const auto list = Tokenize(script);
+  const auto& t = list.tokens;
   std::vector<std::string> out;
   size_t first = SIZE_MAX;
   size_t last = 0;
+  // A trigger's body (BEGIN ... END) holds semicolons of its own; CASE ... END inside it does
+  // not close it.
+  bool trigger = false;
+  bool in_body = false;
+  int case_depth = 0;
   auto flush = [&] {
     if (first != SIZE_MAX) {
-      const Token& a = list.tokens[first];
-      const Token& b = list.tokens[last];
-      out.emplace_back(script.substr(a.offset, b.offset + b.text.size() - a.offset));
+      out.emplace_back(
+          script.substr(t[first].offset, t[last].offset + t[last].text.size() - t[first].offset));
     }
     first = SIZE_MAX;
+    trigger = in_body = false;
+    case_depth = 0;
   };
-  for (size_t i = 0; i < list.tokens.size(); ++i) {
-    if (IsSymbol(list.tokens[i], ";")) {
+  for (size_t i = 0; i < t.size(); ++i) {
+    if (IsSymbol(t[i], ";") && !in_body) {
       flush();
       continue;
     }
     if (first == SIZE_MAX) first = i;
     last = i;
+    if (i - first <= 2 && IsKeyword(t[first], "CREATE") && IsKeyword(t[i], "TRIGGER")) {
+      trigger = true;
+    } else if (trigger && !in_body && IsKeyword(t[i], "BEGIN")) {
+      in_body = true;
+    } else if (in_body && IsKeyword(t[i], "CASE")) {
+      ++case_depth;
+    } else if (in_body && IsKeyword(t[i], "END")) {
+      if (case_depth > 0) {
+        --case_depth;
+      } else {
+        in_body = false;
+      }
+    }
   }
   flush();
   return out;

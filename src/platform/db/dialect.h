@@ -43,8 +43,9 @@ std::string LeadingKeyword(std::string_view sql);
 // True when the text holds nothing but blanks, comments and semicolons.
 bool IsBlankSql(std::string_view sql);
 
-// Splits a script into its statements at the semicolons outside quotes and comments; empty
-// statements are dropped. For running DDL files statement by statement.
+// Splits a script into its statements at the semicolons outside quotes, comments and trigger
+// bodies (CREATE TRIGGER ... BEGIN ... END); empty statements are dropped. For running DDL files
+// statement by statement.
 std::vector<std::string> SplitStatements(std::string_view script);
 
 }  // namespace kivmovfrec::sql
