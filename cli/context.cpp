@@ -1,0 +1,32 @@
+#include <ostream>
+
+#include "command.h"
+
+namespace kivmovfrec::cli {
+
+Context::Context(GlobalOptions options, std::ostream& out, std::ostream& err)
+    : options_(std::move(options)), out_(out), err_(err) {}
+
+Context::~Context() = default;
+
+std::shared_ptr<Connection> Context::connection() {
+  if (!cn_) cn_ = OpenConnection(options_.db);
+  return cn_;
+}
+
+SuiteServices& Context::services() {
+  if (!services_) {
+    DefaultServiceOptions opts;
+    opts.respuesta = options_.responder;
+    opts.hoy = options_.hoy;
+    services_ = std::make_unique<SuiteServices>(
+        SuiteServices::Defaults(connection(), options_.usuario, opts));
+  }
+  return *services_;
+}
+
+void Context::PrintJson(const nlohmann::ordered_json& value) {
+  out_ << value.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace kivmovfrec::cli

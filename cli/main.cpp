@@ -1,0 +1,165 @@
+// movfrec: the command-line host of the frequent-movements component.
+//
+// Parses the global options, hands the rest of the command line to the registered commands
+// (command.h) and runs the one chosen. Every failure ends here with a Spanish message on stderr
+// and exit status 1 (refused or failed) or 2 (wrong command line); nothing escapes main.
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <map>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "args.h"
+#include "command.h"
+#include "kivmovfrec/errors.h"
+
+namespace kivmovfrec::cli {
+
+// Whether a database message says that a table is missing (SQLite or PostgreSQL wording).
+bool MissingTable(const std::string& message) {
+  return message.find("no such table") != std::string::npos ||
+         (message.find("relation") != std::string::npos &&
+          message.find("does not exist") != std::string::npos);
+}
+
+namespace {
+
+// The text after the first ": " of a CLI11 message (the arguments it names).
+std::string Detail(const std::string& message) {
+  const size_t colon = message.find(": ");
+  return colon == std::string::npos ? message : message.substr(colon + 2);
+}
+
+// A CLI11 parse error in Spanish.
+std::string SpanishParseError(const CLI::ParseError& e, bool command_chosen) {
+  const std::string what = e.what();
+  if (dynamic_cast<const CLI::ExtrasError*>(&e)) {
+    return (command_chosen ? "argumento no esperado: " : "comando desconocido: ") + Detail(what);
+  }
+  if (dynamic_cast<const CLI::RequiredError*>(&e)) {
+    if (what.find("subcommand") != std::string::npos) {
+      return "falta el comando (use --help para ver la lista)";
+    }
+    const size_t is = what.find(" is required");
+    return "falta un dato obligatorio: " + (is == std::string::npos ? what : what.substr(0, is));
+  }
+  if (dynamic_cast<const CLI::ValidationError*>(&e)) return what;  // our validators: Spanish
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&e)) {
+    return "cantidad de valores incorrecta: " + what;
+  }
+  if (dynamic_cast<const CLI::ConversionError*>(&e)) return "valor no válido: " + Detail(what);
+  return "línea de comandos no válida: " + what;
+}
+
+void Spanish(CLI::App& app) {
+  auto formatter = app.get_formatter();
+  formatter->label("Usage", "Uso");
+  formatter->label("OPTIONS", "OPCIONES");
+  formatter->label("SUBCOMMAND", "COMANDO");
+  formatter->label("SUBCOMMANDS", "COMANDOS");
+  formatter->label("POSITIONALS", "ARGUMENTOS");
+  formatter->label("Positionals", "Argumentos");
+  formatter->label("REQUIRED", "OBLIGATORIO");
+  formatter->label("Env", "Variable");
+  formatter->label("Needs", "Requiere");
+  formatter->label("Excludes", "Excluye");
+  formatter->column_width(34);
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app{
+      "movfrec: movimientos frecuentes (asientos, comprobantes, avisos y listas de "
+      "tareas) de la empresa.",
+      "movfrec"};
+  Spanish(app);
+  app.option_defaults()->group("Opciones");  // inherited by the commands
+  app.set_help_flag("-h,--help", "Muestra la ayuda y termina");
+  app.require_subcommand(1);
+  app.fallthrough(false);
+
+  GlobalOptions options;
+  if (const char* env = std::getenv("MOVFREC_DB"); env != nullptr && *env != '\0') {
+    options.db = env;
+  }
+  std::string hoy;
+  std::string responder;
+  app.add_option("--db", options.db,
+                 "Base de datos: sqlite:ARCHIVO, sqlite::memory: o postgresql://... "
+                 "(si falta, MOVFREC_DB; si no, sqlite:movfrec.db)")
+      ->type_name("URI");
+  app.add_option("--empresa", options.empresa, "Empresa (1 si falta)")
+      ->type_name("N")
+      ->check(EnteroEntre(1, INT32_MAX));
+  app.add_option("--usuario", options.usuario, "Usuario (1 si falta)")
+      ->type_name("N")
+      ->check(EnteroEntre(0, INT32_MAX));
+  app.add_option("--hoy", hoy, "Fija la fecha de hoy para toda la ejecución")
+      ->type_name("AAAA-MM-DD")
+      ->check(FechaValida());
+  app.add_option("--responder", responder,
+                 "Responde si o no a toda pregunta (sin terminal se responde no)")
+      ->type_name("si|no")
+      ->check(SiNo());
+  app.add_flag("--json", options.json, "Resultado en JSON por la salida estándar");
+
+  std::map<const CLI::App*, Action> actions;
+  for (const CommandSpec& spec : RegisteredCommands()) {
+    CLI::App* sub = app.add_subcommand(spec.name, spec.description);
+    sub->group("Comandos");
+    sub->set_help_flag("-h,--help", "Muestra la ayuda del comando y termina");
+    actions[sub] = spec.setup(*sub);
+  }
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& e) {
+    return app.exit(e, std::cout, std::cerr);
+  } catch (const CLI::CallForAllHelp& e) {
+    return app.exit(e, std::cout, std::cerr);
+  } catch (const CLI::ParseError& e) {
+    std::string message = SpanishParseError(e, !app.get_subcommands().empty());
+    // A word that is no command leaves the command missing; name the word instead.
+    if (app.get_subcommands().empty() && !app.remaining().empty()) {
+      message = "comando desconocido: " + app.remaining().front();
+    }
+    std::cerr << "movfrec: " << message << '\n' << "Use «movfrec --help» para ver la ayuda.\n";
+    return kExitUsage;
+  }
+  if (!hoy.empty()) options.hoy = ParseFecha(hoy);
+  if (!responder.empty()) options.responder = ParseSiNo(responder);
+
+  const CLI::App* chosen = app.get_subcommands().front();
+  Context ctx(options, std::cout, std::cerr);
+  try {
+    return actions.at(chosen)(ctx);
+  } catch (const UsageError& e) {
+    std::cerr << "movfrec " << chosen->get_name() << ": " << e.what() << '\n';
+    return kExitUsage;
+  }
+}
+
+}  // namespace
+}  // namespace kivmovfrec::cli
+
+int main(int argc, char** argv) {
+  using namespace kivmovfrec;
+  try {
+    return cli::Run(argc, argv);
+  } catch (const DbError& e) {
+    std::cerr << "movfrec: error de base de datos: " << e.what() << '\n';
+    if (cli::MissingTable(e.what())) {
+      std::cerr << "Si la base de datos es nueva, cree las tablas con «movfrec init».\n";
+    }
+  } catch (const ComponentError& e) {
+    std::cerr << "movfrec: error " << e.number() << " (" << e.source() << "): " << e.what() << '\n';
+  } catch (const VbError& e) {
+    std::cerr << "movfrec: error " << e.number() << ": " << e.what() << '\n';
+  } catch (const std::exception& e) {
+    std::cerr << "movfrec: error: " << e.what() << '\n';
+  } catch (...) {
+    std::cerr << "movfrec: error desconocido\n";
+  }
+  return cli::kExitFailed;
+}

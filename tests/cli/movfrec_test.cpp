@@ -1,0 +1,176 @@
+// The movfrec binary, run as a person or a script would run it.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+struct Result {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+std::string Slurp(const std::string& path) {
+  std::ifstream in(path);
+  std::ostringstream text;
+  text << in.rdbuf();
+  std::remove(path.c_str());
+  return text.str();
+}
+
+std::string Quote(const std::string& arg) {
+  std::string q = "'";
+  for (char c : arg) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+
+class Movfrec : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    static int serial = 0;
+    base_ = ::testing::TempDir() + "movfrec_cli_" + std::to_string(getpid()) + "_" +
+            std::to_string(serial++);
+    db_ = "sqlite:" + base_ + ".db";
+  }
+  void TearDown() override {
+    for (const char* suffix :
+         {".db", ".db-wal", ".db-shm", ".otra.db", ".otra.db-wal", ".otra.db-shm"}) {
+      std::remove((base_ + suffix).c_str());
+    }
+  }
+
+  // Runs movfrec with `args`, standard input closed, MOVFREC_DB as given ("" = unset).
+  Result Run(const std::vector<std::string>& args, const std::string& env_db = "") {
+    std::string cmd =
+        env_db.empty() ? "env -u MOVFREC_DB " : "env MOVFREC_DB=" + Quote(env_db) + " ";
+    cmd += Quote(std::string(KMF_BINARY_DIR) + "/cli/movfrec");
+    for (const auto& a : args) cmd += " " + Quote(a);
+    const std::string out = base_ + ".out";
+    const std::string err = base_ + ".err";
+    cmd += " < /dev/null > " + Quote(out) + " 2> " + Quote(err);
+    const int raw = std::system(cmd.c_str());
+    Result r;
+    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    r.out = Slurp(out);
+    r.err = Slurp(err);
+    return r;
+  }
+
+  nlohmann::ordered_json Listar(const std::vector<std::string>& filters) {
+    std::vector<std::string> args = {"--db", db_, "--json", "listar"};
+    args.insert(args.end(), filters.begin(), filters.end());
+    const Result r = Run(args);
+    EXPECT_EQ(r.status, 0) << r.err;
+    return nlohmann::ordered_json::parse(r.out);
+  }
+
+  std::string base_;
+  std::string db_;
+};
+
+TEST_F(Movfrec, InitDemoThenListAsJson) {
+  const Result init = Run({"--db", db_, "init", "--demo"});
+  ASSERT_EQ(init.status, 0) << init.err;
+
+  const nlohmann::ordered_json all = Listar({});
+  ASSERT_TRUE(all.is_array());
+  ASSERT_FALSE(all.empty());
+  const std::regex date(R"(\d\d/\d\d/\d{4}( \d\d:\d\d(:\d\d)?)?)");
+  int previous = 0;
+  bool some_date = false;
+  for (const auto& m : all) {
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : m.items()) keys.push_back(key);
+    EXPECT_EQ(keys, (std::vector<std::string>{"ID", "Tipo", "Nombre", "Estado", "FechaProxima"}));
+    EXPECT_GT(m["ID"].get<int>(), previous);
+    previous = m["ID"].get<int>();
+    EXPECT_NE(m["Tipo"].get<int>(), 6);  // task-list items only with --tipo 6
+    if (m["FechaProxima"].is_string()) {
+      some_date = true;
+      EXPECT_TRUE(std::regex_match(m["FechaProxima"].get<std::string>(), date)) << m;
+    } else {
+      EXPECT_TRUE(m["FechaProxima"].is_null()) << m;
+    }
+  }
+  EXPECT_TRUE(some_date);
+
+  for (const auto& m : Listar({"--tipo", "3", "--estado", "0"})) {
+    EXPECT_EQ(m["Tipo"], 3);
+    EXPECT_EQ(m["Estado"], 0);
+  }
+  const nlohmann::ordered_json items = Listar({"--tipo", "6"});
+  for (const auto& m : items) EXPECT_EQ(m["Tipo"], 6);
+
+  // A second init changes nothing.
+  ASSERT_EQ(Run({"--db", db_, "init", "--demo"}).status, 0);
+  EXPECT_EQ(Listar({}), all);
+}
+
+TEST_F(Movfrec, TextTableAndDatabaseFromTheEnvironment) {
+  ASSERT_EQ(Run({"init", "--demo"}, db_).status, 0);
+  const Result r = Run({"listar", "--tipo", "1"}, db_);
+  ASSERT_EQ(r.status, 0) << r.err;
+  std::istringstream lines(r.out);
+  std::string header;
+  std::getline(lines, header);
+  EXPECT_EQ(header.rfind("ID  Tipo", 0), 0u) << header;
+  EXPECT_NE(r.out.find("1 Asiento"), std::string::npos) << r.out;
+  EXPECT_EQ(r.out.find("2 Comprobante"), std::string::npos) << r.out;
+
+  // --db wins over MOVFREC_DB: the other database is empty.
+  const std::string other = "sqlite:" + base_ + ".otra.db";
+  ASSERT_EQ(Run({"--db", other, "init"}, db_).status, 0);
+  const Result empty = Run({"--db", other, "--json", "listar"}, db_);
+  EXPECT_EQ(nlohmann::ordered_json::parse(empty.out), nlohmann::ordered_json::array());
+}
+
+TEST_F(Movfrec, UsageErrorsExitTwoInSpanish) {
+  struct Case {
+    std::vector<std::string> args;
+    std::string message;
+  };
+  const std::vector<Case> cases = {
+      {{}, "falta el comando"},
+      {{"volar"}, "comando desconocido: volar"},
+      {{"--empresa", "uno", "listar"}, "--empresa: se esperaba un número entero"},
+      {{"--hoy", "2024-02-30", "listar"}, "no es una fecha válida"},
+      {{"--responder", "quizás", "listar"}, "se esperaba «si» o «no»"},
+      {{"listar", "--tipo", "7"}, "fuera del rango 1 a 6"},
+      {{"listar", "--estado", "3"}, "el estado debe ser 0"},
+      {{"listar", "sobra"}, "argumento no esperado: sobra"},
+  };
+  for (const Case& c : cases) {
+    std::vector<std::string> args = {"--db", db_};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const Result r = Run(args);
+    EXPECT_EQ(r.status, 2) << c.message << "\n" << r.err;
+    EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
+    EXPECT_TRUE(r.out.empty()) << r.out;
+  }
+  const Result help = Run({"listar", "--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_NE(help.out.find("--estado"), std::string::npos);
+}
+
+TEST_F(Movfrec, DatabaseErrorsExitOne) {
+  const Result missing_dir = Run({"--db", "sqlite:/no/existe/movfrec.db", "listar"});
+  EXPECT_EQ(missing_dir.status, 1);
+  EXPECT_NE(missing_dir.err.find("error de base de datos"), std::string::npos) << missing_dir.err;
+
+  const Result no_tables = Run({"--db", db_, "listar"});
+  EXPECT_EQ(no_tables.status, 1);
+  EXPECT_NE(no_tables.err.find("movfrec init"), std::string::npos) << no_tables.err;
+}
+
+}  // namespace
