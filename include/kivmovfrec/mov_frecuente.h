@@ -10,8 +10,9 @@
 //   if (mf.LoadMF(12)) { ... mf.EstructuraMovFrec()->MovFrecuente()->Nombre() ... }
 //
 // Contract shared by every member:
-// - Before Connect (or after Connect(nullptr)) every member does nothing and returns its zero
-//   value (0, false, nothing).
+// - Before Connect (or after Connect(nullptr)) every method does nothing and returns its zero
+//   value (0, false, nothing). The properties (EstructuraMovFrec, FechaHoyCalculoFx, Empresa)
+//   only keep values and work at any time.
 // - Questions and refusals go through the message service (caption "Movimientos Frecuentes"
 //   unless said otherwise); a question's answer is compared with No (kMsgNo).
 // - Members that run their own transaction (SaveMovimientoFrecuenteConBloqueo,
@@ -27,6 +28,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 
 #include "kivmovfrec/db.h"
@@ -121,7 +123,8 @@ class clsMovFrecuente {
   //   new occurrence number exceeds the count (CantidadVeces, or when 0 the count that the
   //   calculator derives from the start and last dates). SinVencimiento 1 never ends.
   //   Then the schedule is left on its last occurrence and the header becomes Realizado with
-  //   FechaEstado now; otherwise the advanced schedule is saved.
+  //   FechaEstado now; otherwise the advanced schedule is saved (its Postergado cleared: a
+  //   postponement belongs to the occurrence it delayed).
   // - A notice (Tipo 3) also marks the other pending notices of its modality as seen
   //   (MFrVista = 2).
   // - Chain: when lIDMF heads a group of linked movements (other movements carry its ID in
@@ -138,9 +141,13 @@ class clsMovFrecuente {
   bool DarRealizadaFechaAgenda(int32_t lIDMF);
 
  private:
+  // Shows a trapped error (its text, critical icon, caption "Movimientos Frecuentes").
   void Reportar(const std::exception& e);
+  // The company context, loaded with the company number on first need.
   clsEmpresa& EmpresaContexto();
+  // The injected date calculator, or the suite's own.
   IDateCalculator& Calendario();
+  int Idioma() const;
 
   SuiteServices servicios_;
   std::shared_ptr<Connection> cn_;
@@ -148,6 +155,7 @@ class clsMovFrecuente {
   bool fecha_hoy_calculo_fx_ = false;
   int32_t empresa_ = 0;
   std::unique_ptr<clsEmpresa> empresa_ctx_;
+  std::unique_ptr<IDateCalculator> calendario_propio_;
 };
 
 }  // namespace kivmovfrec

@@ -1,0 +1,67 @@
+// Marking a scheduled occurrence done: the work behind clsMovFrecuente::DarRealizadaFechaAgenda.
+//
+// The caller owns the transaction; this class only reads and writes through the connection it
+// is given and lets every error through (DbError, VbError for a FechaProxima that is not a date,
+// ComponentError from a counter, an unreadable frequency code from the calculator).
+//
+// Rules for one movement:
+// - Only a pending movement (Estado 0) with a stored schedule has an occurrence to mark.
+// - Next due date: ProximaFecha(code, FechaProxima). The time of day of FechaProxima is kept and
+//   written "dd/mm/yyyy hh:nn"; a due date without time is written "dd/mm/yyyy".
+// - The schedule ends (no occurrence remains) when the code is once-only (000000) — whatever
+//   SinVencimiento says, since a once-only code has no next date —, or when SinVencimiento is 0
+//   and either the next date falls after the last date (by day) or the new occurrence number
+//   exceeds the count. The count is CantidadVeces when set, otherwise what CalcularFinal derives
+//   from the start date (cut to midnight) and the last date. SinVencimiento 1 never ends.
+// - Advancing: FechaProxima = the next date, occurrence number + 1, Postergado cleared (a
+//   postponement belongs to the occurrence it delayed); the schedule row is saved.
+// - Ending: the schedule row is left on its last occurrence; the header becomes Realizado with
+//   FechaEstado now.
+// - The header row is saved in both cases. For a notice (Tipo 3) the other pending movements of
+//   the same modality are marked as seen (MFrVista = 2).
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "kivmovfrec/db.h"
+#include "kivmovfrec/services.h"
+
+namespace kivmovfrec::api {
+
+enum class ResultadoOcurrencia {
+  NoAplica,   // missing, not pending, or without a stored schedule: nothing written
+  Avanzada,   // moved to the next due date
+  Terminada,  // that was the last occurrence: now Realizado
+};
+
+class AvanceAgenda {
+ public:
+  AvanceAgenda(Connection& cn, IDBFncs& dbf, IDateCalculator& calendario)
+      : cn_(cn), dbf_(dbf), cal_(calendario) {}
+
+  // Marks the current occurrence of movement `id` done (rules above). A movement already
+  // processed by this object is not processed again (NoAplica).
+  ResultadoOcurrencia Realizar(int32_t id);
+
+  // The other members of the group headed by `id`, in MFrMVOrden order: empty when `id` is
+  // linked to another movement (it does not head a group) or nobody is linked to it.
+  std::vector<int32_t> MiembrosDelGrupo(int32_t id);
+
+  // "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> " + id +
+  // " And MFrEstado = 0 And MFrModalidad = " + modalidad
+  static std::string SqlMarcarAvisosVistos(int32_t id, int16_t modalidad);
+  // "Select * from genMovimientosFrecuentes Where MFrMovVinculado = " + grupo +
+  // " And MFrID <> " + id + " Order By MFrMVOrden"
+  static std::string SqlGrupoEnOrden(int32_t grupo, int32_t id);
+
+ private:
+  Connection& cn_;
+  IDBFncs& dbf_;
+  IDateCalculator& cal_;
+  std::set<int32_t> hechos_;
+};
+
+}  // namespace kivmovfrec::api

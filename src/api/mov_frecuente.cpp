@@ -1,0 +1,284 @@
+#include "kivmovfrec/mov_frecuente.h"
+
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "api/avance_agenda.h"
+#include "api/derechos.h"
+#include "core/clock.h"
+#include "platform/vb/convert.h"
+#include "resources/catalogue.h"
+#include "resources/msg.h"
+#include "schedule/date_calculator.h"
+#include "storage/parametros.h"
+#include "storage/tabla_movimientos.h"
+
+namespace kivmovfrec {
+namespace {
+
+// Values of the current movement's records, to put back after a rolled-back save: the save
+// writes keys, positions and line numbers into the records as it goes, and those would
+// otherwise point at rows the rollback removed.
+class CopiaEstructura {
+ public:
+  explicit CopiaEstructura(const clsMFTipo& mf)
+      : mov_(mf.MovFrecuente()), rec_(mf.Recurrencia()), mov_valor_(*mov_), rec_valor_(*rec_) {
+    const auto& renglones = *mf.Renglones();
+    for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+      auto r = renglones.Renglon(i);
+      lineas_.emplace_back(r, *r);
+    }
+  }
+  void Restaurar() const {
+    *mov_ = mov_valor_;
+    *rec_ = rec_valor_;
+    for (const auto& [r, valor] : lineas_) *r = valor;
+  }
+
+ private:
+  std::shared_ptr<clsRegMovimientoFrecuente> mov_;
+  std::shared_ptr<clsRegRecurrencia> rec_;
+  clsRegMovimientoFrecuente mov_valor_;
+  clsRegRecurrencia rec_valor_;
+  std::vector<std::pair<std::shared_ptr<clsRegRenglonMF>, clsRegRenglonMF>> lineas_;
+};
+
+// Rolls back a transaction this code began, never one it did not; a failing rollback (lost
+// connection) must not hide the error being handled.
+void Deshacer(Connection& cn, bool iniciada) {
+  if (!iniciada) return;
+  try {
+    cn.RollbackTrans();
+  } catch (const std::exception&) {
+  }
+}
+
+// The schedule as the save needs it: a start date that is not a date takes the next due date.
+void CompletarRecurrencia(clsRegRecurrencia& rec) {
+  if (!rec.FechaProxima().empty() && !vb::IsDate(Variant(rec.FechaInicio()))) {
+    rec.FechaInicio(rec.FechaProxima());
+  }
+}
+
+}  // namespace
+
+clsMovFrecuente::clsMovFrecuente() : estructura_(std::make_shared<clsMFTipo>()) {}
+
+clsMovFrecuente::~clsMovFrecuente() = default;
+
+void clsMovFrecuente::Servicios(SuiteServices s) {
+  servicios_ = std::move(s);
+  if (!cn_) return;
+  const SuiteServices& s_ = servicios_;
+  if (!s_.db || !s_.rights || !s_.messages || !s_.input || !s_.clock || !s_.balance) {
+    const SuiteServices defecto = SuiteServices::Defaults(cn_);
+    if (!servicios_.db) servicios_.db = defecto.db;
+    if (!servicios_.rights) servicios_.rights = defecto.rights;
+    if (!servicios_.messages) servicios_.messages = defecto.messages;
+    if (!servicios_.input) servicios_.input = defecto.input;
+    if (!servicios_.clock) servicios_.clock = defecto.clock;
+    if (!servicios_.balance) servicios_.balance = defecto.balance;
+  }
+  core::SetClock(servicios_.clock);
+}
+
+void clsMovFrecuente::EstructuraMovFrec(std::shared_ptr<clsMFTipo> v) {
+  if (!v) throw std::invalid_argument("clsMovFrecuente: EstructuraMovFrec nula");
+  estructura_ = std::move(v);
+}
+
+void clsMovFrecuente::Empresa(int32_t v) {
+  if (v != empresa_) empresa_ctx_.reset();
+  empresa_ = v;
+}
+
+void clsMovFrecuente::Connect(std::shared_ptr<Connection> cn) {
+  cn_.reset();
+  if (!cn) return;
+  cn_ = cn;
+  Servicios(std::move(servicios_));  // fills the missing services over the new connection
+  try {
+    storage::LeerIdioma(*servicios_.db);
+    storage::CargarParametros(*cn);
+  } catch (...) {
+    cn_.reset();
+    throw;
+  }
+  empresa_ctx_.reset();
+}
+
+int clsMovFrecuente::Idioma() const {
+  return storage::Parametros().idioma;
+}
+
+void clsMovFrecuente::Reportar(const std::exception& e) {
+  if (!servicios_.messages) return;
+  try {
+    servicios_.messages->Show(
+        {e.what(), std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
+         MsgIcon::Critical, MsgButtons::OK, 1});
+  } catch (const std::exception&) {
+  }
+}
+
+clsEmpresa& clsMovFrecuente::EmpresaContexto() {
+  if (!empresa_ctx_) {
+    auto ctx = std::make_unique<clsEmpresa>();
+    ctx->Load(empresa_, *cn_);
+    empresa_ctx_ = std::move(ctx);
+  }
+  return *empresa_ctx_;
+}
+
+IDateCalculator& clsMovFrecuente::Calendario() {
+  if (servicios_.calendar) return *servicios_.calendar;
+  if (!calendario_propio_) calendario_propio_ = std::make_unique<schedule::DateCalculator>();
+  return *calendario_propio_;
+}
+
+void clsMovFrecuente::CleanEstructura() {
+  if (!cn_) return;
+  estructura_ = std::make_shared<clsMFTipo>();
+}
+
+int32_t clsMovFrecuente::SaveMovimientoFrecuente() {
+  if (!cn_) return 0;
+  CompletarRecurrencia(*estructura_->Recurrencia());
+  const int16_t libro = EmpresaContexto().Libro();
+  return estructura_->Save(*cn_, *servicios_.db, libro);
+}
+
+int32_t clsMovFrecuente::SaveMovimientoFrecuenteConBloqueo(bool /*bDisplayMsgError*/) {
+  if (!cn_) return 0;
+  const CopiaEstructura copia(*estructura_);
+  bool iniciada = false;
+  try {
+    clsRegRecurrencia& rec = *estructura_->Recurrencia();
+    CompletarRecurrencia(rec);
+    cn_->BeginTrans();
+    iniciada = true;
+    if (rec.ID() == 0 && rec.CadaCuanto() == 0 && rec.CantidadVeces() == 1 &&
+        rec.NumOcurrencia() > 1) {
+      rec.NumOcurrencia(1);
+    }
+    const int16_t libro = EmpresaContexto().Libro();
+    const int32_t id = estructura_->Save(*cn_, *servicios_.db, libro);
+    cn_->CommitTrans();
+    return id;
+  } catch (const std::exception&) {
+    Deshacer(*cn_, iniciada);
+    copia.Restaurar();
+    return 0;
+  }
+}
+
+bool clsMovFrecuente::LoadMF(int32_t lIDMF) {
+  if (!cn_) return false;
+  return estructura_->Load(*cn_, lIDMF);
+}
+
+void clsMovFrecuente::DeleteMF(int32_t lIDMF) {
+  if (!cn_) return;
+  clsMFTipo::Delete(*cn_, lIDMF);
+}
+
+bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
+                                      bool bDisplayMsgQuestion) {
+  if (!cn_) return false;
+  try {
+    const int idioma = Idioma();
+    const std::string titulo(resources::Texto(msg::kTituloMovimientosFrecuentes, idioma));
+    if (bDisplayMsgQuestion) {
+      const int pregunta = iEstado == enuEstadoMF::Papelera ? msg::kConfirmaEnviarPapelera
+                                                            : msg::kConfirmaCambiarEstado;
+      if (servicios_.messages->Show({std::string(resources::Texto(pregunta, idioma)), titulo,
+                                     MsgIcon::Question, MsgButtons::YesNo, 1}) == kMsgNo) {
+        return false;
+      }
+    }
+    clsRegMovimientoFrecuente mov;
+    if (!storage::CargarMovimiento(*cn_, lIDMF, mov)) return false;
+    const int16_t tipo = ToInt(mov.Tipo());
+    if (mov.Tipo() != enuTipoMovFrec::Calendario) {
+      const char letra = iEstado == enuEstadoMF::Papelera ? 'E' : 'M';
+      if (!api::TieneDerecho(*servicios_.rights, empresa_, api::OpcionDeTipo(tipo), letra)) {
+        api::MostrarSinDerechos(*servicios_.messages, tipo, idioma);
+        return false;
+      }
+      if (mov.MovVinculado() >= 1) {
+        servicios_.messages->Show({std::string(resources::Texto(msg::kNoEliminarVinculado, idioma)),
+                                   std::string(resources::Texto(msg::TituloDeTipo(tipo), idioma)),
+                                   MsgIcon::Exclamation, MsgButtons::OK, 1});
+        return false;
+      }
+    }
+    mov.Estado(iEstado);
+    mov.FechaEstado(core::Now());
+    storage::GuardarMovimiento(*cn_, *servicios_.db, mov);
+    return true;
+  } catch (const std::exception& e) {
+    Reportar(e);
+    return false;
+  }
+}
+
+bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
+  if (!cn_) return false;
+  bool iniciada = false;
+  try {
+    const int idioma = Idioma();
+    clsRegMovimientoFrecuente mov;
+    if (!storage::CargarMovimiento(*cn_, lIDMF, mov)) return false;
+    if (!api::TieneDerecho(*servicios_.rights, empresa_, "Papelera", 'e')) {
+      api::MostrarSinDerechos(*servicios_.messages, ToInt(mov.Tipo()), idioma);
+      return false;
+    }
+    if (servicios_.messages->Show(
+            {std::string(resources::Texto(msg::kConfirmaEliminarRegistro, idioma)),
+             std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, idioma)),
+             MsgIcon::Question, MsgButtons::YesNo, 2}) == kMsgNo) {
+      return false;
+    }
+    cn_->BeginTrans();
+    iniciada = true;
+    clsMFTipo::Delete(*cn_, lIDMF);
+    cn_->CommitTrans();
+    return true;
+  } catch (const std::exception& e) {
+    Deshacer(*cn_, iniciada);
+    Reportar(e);
+    return false;
+  }
+}
+
+bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez) {
+  bPorUnicaVez = false;
+  if (!cn_) return false;
+  bool iniciada = false;
+  try {
+    cn_->BeginTrans();
+    iniciada = true;
+    api::AvanceAgenda avance(*cn_, *servicios_.db, Calendario());
+    const api::ResultadoOcurrencia r = avance.Realizar(lIDMF);
+    if (r == api::ResultadoOcurrencia::NoAplica) {
+      Deshacer(*cn_, iniciada);
+      return false;
+    }
+    for (int32_t miembro : avance.MiembrosDelGrupo(lIDMF)) avance.Realizar(miembro);
+    cn_->CommitTrans();
+    bPorUnicaVez = r == api::ResultadoOcurrencia::Terminada;
+    return true;
+  } catch (const std::exception& e) {
+    Deshacer(*cn_, iniciada);
+    Reportar(e);
+    return false;
+  }
+}
+
+bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF) {
+  bool por_unica_vez = false;
+  return DarRealizadaFechaAgenda(lIDMF, por_unica_vez);
+}
+
+}  // namespace kivmovfrec
