@@ -1,0 +1,193 @@
+// The schedule row (genRecurrencias) against a real SQLite database with demo data, and the
+// summary texts shown beside a schedule.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "core/resumen_recurrencia.h"
+#include "fakes.h"
+#include "install/demo_db.h"
+#include "kivmovfrec/errors.h"
+#include "kivmovfrec/records.h"
+#include "platform/vb/convert.h"
+#include "storage/parametros.h"
+#include "storage/tabla_recurrencias.h"
+
+namespace kivmovfrec {
+namespace {
+
+using namespace storage;
+using testing::CountRows;
+using testing::FakeDBFncs;
+using testing::Scalar;
+
+Date D(const char* texto) {
+  return *vb::ParseDate(texto);
+}
+
+class Recurrencias : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    cn = testing::OpenInstalledDb();
+    Parametros() = ParametrosBD{};
+  }
+  void TearDown() override { Parametros() = ParametrosBD{}; }
+  Variant Col(int32_t id, const std::string& columna) {
+    return Scalar(
+        *cn, "Select " + columna + " From genRecurrencias Where RecID = " + std::to_string(id));
+  }
+  std::shared_ptr<Connection> cn;
+};
+
+TEST_F(Recurrencias, NuevaGuardaNulosYCompletaInicioYOcurrencia) {
+  FakeDBFncs dbf;
+  dbf.siguiente = 700;
+  clsRegRecurrencia rec;
+  rec.Frecuencia("200001");
+  rec.FechaProxima("10/01/2027 18:30");
+  rec.NumOcurrencia(0);  // stored as 1
+
+  EXPECT_EQ(GuardarRecurrencia(*cn, dbf, rec), 700);
+  EXPECT_EQ(rec.ID(), 700);
+  EXPECT_EQ(dbf.tablas, std::vector<std::string>{"genRecurrencias"});
+  EXPECT_EQ(rec.FechaInicio(), "10/01/2027 18:30");  // copied from FechaProxima
+  EXPECT_EQ(vb::CLng(Col(700, "RecNumOcurrencia")), 1);
+  EXPECT_EQ(vb::CDate(Col(700, "RecFechaInicio")), D("10/01/2027 18:30"));
+  EXPECT_EQ(vb::CDate(Col(700, "RecFechaProxima")), D("10/01/2027 18:30"));
+  EXPECT_EQ(vb::CStr(Col(700, "RecFrecuencia")), "200001");
+  for (const char* nula :
+       {"RecFechaFinal", "RecPostergado", "RecNotificar", "RecEraNotificacion"}) {
+    EXPECT_TRUE(Col(700, nula).IsNull()) << nula;
+  }
+}
+
+TEST_F(Recurrencias, ValoresPositivosSeGuardanYSeLeenIgual) {
+  FakeDBFncs dbf;
+  clsRegRecurrencia rec;
+  rec.Frecuencia("000007");
+  rec.FechaInicio("02/10/2026 09:00");
+  rec.FechaProxima("13/11/2026 09:00");
+  rec.FechaFinal("31/12/2026");
+  rec.NumOcurrencia(7);
+  rec.Postergado(2.0f);
+  rec.NotificarDias(3.0f);
+  rec.SinVencimiento(0);
+  rec.EraNotificacion("10/11/2026 09:00");
+  const int32_t id = GuardarRecurrencia(*cn, dbf, rec);
+
+  clsRegRecurrencia leida;
+  leida.ID(id);
+  ASSERT_TRUE(CargarRecurrencia(*cn, leida));
+  EXPECT_EQ(leida.Frecuencia(), "000007");
+  EXPECT_EQ(leida.FechaInicio(), "02/10/2026 09:00:00");
+  EXPECT_EQ(leida.FechaProxima(), "13/11/2026 09:00:00");
+  EXPECT_EQ(leida.FechaFinal(), "31/12/2026");
+  EXPECT_EQ(leida.NumOcurrencia(), 7);
+  EXPECT_FLOAT_EQ(leida.Postergado(), 2.0f);
+  EXPECT_FLOAT_EQ(leida.NotificarDias(), 3.0f);
+  EXPECT_EQ(leida.EraNotificacion(), "10/11/2026 09:00:00");
+
+  // A second save edits the same row.
+  leida.NumOcurrencia(8);
+  EXPECT_EQ(GuardarRecurrencia(*cn, dbf, leida), id);
+  EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias Where RecID = " + std::to_string(id)), 1);
+  EXPECT_EQ(vb::CLng(Col(id, "RecNumOcurrencia")), 8);
+}
+
+TEST_F(Recurrencias, FormatoSinHoraCortaLasFechasDeAgendaPeroNoLaNotificacionAnterior) {
+  Parametros().formato_fecha = "yyyy-mm-dd";
+  FakeDBFncs dbf;
+  clsRegRecurrencia rec;
+  rec.Frecuencia("200001");
+  rec.FechaProxima("20/11/2026 10:00");
+  rec.FechaFinal("20/12/2026 10:00");
+  rec.EraNotificacion("17/11/2026 10:00");
+  const int32_t id = GuardarRecurrencia(*cn, dbf, rec);
+  EXPECT_EQ(vb::CDate(Col(id, "RecFechaProxima")), D("20/11/2026"));
+  EXPECT_EQ(vb::CDate(Col(id, "RecFechaInicio")), D("20/11/2026"));
+  EXPECT_EQ(vb::CDate(Col(id, "RecFechaFinal")), D("20/12/2026"));
+  EXPECT_EQ(vb::CDate(Col(id, "RecEraNotificacion")), D("17/11/2026 10:00"));
+}
+
+TEST_F(Recurrencias, LeeLaFilaDeDemostracion) {
+  clsRegRecurrencia rec;
+  rec.ID(5);
+  rec.CantidadVeces(4);  // no column: kept
+  ASSERT_TRUE(CargarRecurrencia(*cn, rec));
+  EXPECT_EQ(rec.FechaProxima(), "20/11/2026 10:00:00");
+  EXPECT_EQ(rec.FechaInicio(), "20/07/2026 10:00:00");
+  EXPECT_EQ(rec.FechaFinal(), "");
+  EXPECT_FLOAT_EQ(rec.Postergado(), 1.0f);
+  EXPECT_FLOAT_EQ(rec.NotificarDias(), 3.0f);
+  EXPECT_EQ(rec.SinVencimiento(), 1);
+  EXPECT_EQ(rec.EraNotificacion(), "17/11/2026 10:00:00");
+  EXPECT_EQ(rec.CantidadVeces(), 4);
+
+  clsRegRecurrencia ninguna;
+  ninguna.ID(999);
+  ninguna.Frecuencia("x");
+  EXPECT_FALSE(CargarRecurrencia(*cn, ninguna));
+  EXPECT_EQ(ninguna.Frecuencia(), "x");
+}
+
+TEST_F(Recurrencias, ContadorFallidoNoEscribeNada) {
+  FakeDBFncs dbf(/*falla=*/true);
+  clsRegRecurrencia rec;
+  rec.FechaProxima("01/12/2026");
+  const int antes = CountRows(*cn, "Select * From genRecurrencias");
+  try {
+    GuardarRecurrencia(*cn, dbf, rec);
+    FAIL() << "se esperaba el error del contador";
+  } catch (const ComponentError& e) {
+    EXPECT_EQ(e.number(), 8000);
+    EXPECT_EQ(e.source(), "DBFncs");
+    EXPECT_STREQ(e.what(), "Resultado de la función get_TableCounter = -1");
+  }
+  EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias"), antes);
+  EXPECT_EQ(rec.ID(), 0);
+}
+
+TEST_F(Recurrencias, ProximaQueNoEsFechaSeRechazaSinEscribir) {
+  FakeDBFncs dbf;
+  clsRegRecurrencia rec;
+  rec.FechaProxima("pronto");
+  const int antes = CountRows(*cn, "Select * From genRecurrencias");
+  EXPECT_THROW(GuardarRecurrencia(*cn, dbf, rec), VbError);
+  EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias"), antes);
+}
+
+TEST_F(Recurrencias, BorrarQuitaLaFilaYSinFilaNoEsError) {
+  BorrarRecurrencia(*cn, 3);
+  EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias Where RecID = 3"), 0);
+  EXPECT_NO_THROW(BorrarRecurrencia(*cn, 3));
+  EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias"), 10);
+}
+
+clsRegRecurrencia Agenda(const char* codigo, const char* inicio, const char* proxima, int n) {
+  clsRegRecurrencia rec;
+  rec.Frecuencia(codigo);
+  rec.FechaInicio(inicio);
+  rec.FechaProxima(proxima);
+  rec.NumOcurrencia(n);
+  return rec;
+}
+
+TEST(ResumenRecurrencia, TextosYCuandoSeMuestraYaOcurrio) {
+  const auto tercera = Agenda("200001", "10/01/2026", "10/03/2026", 3);
+  EXPECT_EQ(core::TextoSeInicio(tercera), "Se inició el Sábado, 10 de Enero de 2026");
+  EXPECT_EQ(core::TextoYaOcurrio(tercera), "Ya ocurrió 2 veces.");
+  EXPECT_TRUE(core::MostrarYaOcurrio(tercera));
+
+  // First occurrence of a repeating schedule still on its start date: nothing to tell.
+  EXPECT_FALSE(core::MostrarYaOcurrio(Agenda("200001", "10/01/2026", "2026-01-10", 1)));
+  // Repeating, start date moved away from the next due date.
+  EXPECT_TRUE(core::MostrarYaOcurrio(Agenda("200001", "10/01/2026", "10/02/2026", 1)));
+  // Once only: only the occurrence number counts.
+  EXPECT_FALSE(core::MostrarYaOcurrio(Agenda("000000", "10/01/2026", "10/02/2026", 1)));
+  EXPECT_TRUE(core::MostrarYaOcurrio(Agenda("000000", "10/01/2026", "10/01/2026", 2)));
+  EXPECT_EQ(core::TextoSeInicio(Agenda("200001", "", "10/02/2026", 1)), "");
+}
+
+}  // namespace
+}  // namespace kivmovfrec
