@@ -175,13 +175,7 @@ std::optional<std::string> clsFormulaMF::TextoLinea(int32_t movimiento,
   return texto;
 }
 
-std::optional<ClaveLinea> clsFormulaMF::BuscarLinea(int32_t movimiento,
-                                                    std::string_view texto) const {
-  if (movimiento == ctx_.id_mov) {
-    for (const LineaVisible& l : lineas_) {
-      if (MismoTexto(l.Texto(), texto)) return l.clave;
-    }
-  }
+std::optional<std::vector<ClaveLinea>> clsFormulaMF::LineasGuardadas(int32_t movimiento) const {
   if (!cn_) return std::nullopt;
   std::vector<ClaveLinea> guardadas;
   try {
@@ -196,11 +190,32 @@ std::optional<ClaveLinea> clsFormulaMF::BuscarLinea(int32_t movimiento,
   } catch (const std::exception&) {
     return std::nullopt;
   }
-  for (const ClaveLinea& c : guardadas) {
+  return guardadas;
+}
+
+std::optional<ClaveLinea> clsFormulaMF::BuscarLinea(int32_t movimiento,
+                                                    std::string_view texto) const {
+  if (movimiento == ctx_.id_mov) {
+    for (const LineaVisible& l : lineas_) {
+      if (MismoTexto(l.Texto(), texto)) return l.clave;
+    }
+  }
+  auto guardadas = LineasGuardadas(movimiento);
+  if (!guardadas) return std::nullopt;
+  for (const ClaveLinea& c : *guardadas) {
     auto t = TextoLinea(movimiento, c);
     if (t && MismoTexto(*t, texto)) return c;
   }
   return std::nullopt;
+}
+
+bool clsFormulaMF::LineaExiste(int32_t movimiento, const ClaveLinea& linea) const {
+  if (movimiento == ctx_.id_mov && !lineas_.empty()) {
+    return std::any_of(lineas_.begin(), lineas_.end(),
+                       [&](const LineaVisible& l) { return l.clave == linea; });
+  }
+  auto guardadas = LineasGuardadas(movimiento);
+  return guardadas && std::find(guardadas->begin(), guardadas->end(), linea) != guardadas->end();
 }
 
 // ---- Stored -> display -----------------------------------------------------------------------
@@ -474,14 +489,8 @@ bool clsFormulaMF::ArgumentosValidos(std::string_view guardada) const {
             args.begin() + static_cast<long>(k), args.begin() + static_cast<long>(k + n)));
         k += n;
         if (!clave) return false;
-        if (e->id == kFxCuentaIngresada && !lineas_.empty()) {
-          bool hay = std::any_of(lineas_.begin(), lineas_.end(),
-                                 [&](const LineaVisible& l) { return l.clave == *clave; });
-          if (!hay) return false;
-        } else {
-          int32_t mov = e->id == kFxCuentaIngresada ? ctx_.id_mov : pre_id;
-          if (!TextoLinea(mov, *clave)) return false;
-        }
+        int32_t mov = e->id == kFxCuentaIngresada ? ctx_.id_mov : pre_id;
+        if (!LineaExiste(mov, *clave)) return false;
       }
     }
     if (k < args.size()) return false;

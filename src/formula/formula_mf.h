@@ -125,6 +125,10 @@ class clsFormulaMF {
   // The line of movement `movimiento` shown as `texto`.
   std::optional<ClaveLinea> BuscarLinea(int32_t movimiento, std::string_view texto) const;
 
+  // True when movement `movimiento` has that line (the in-memory lines when it is the movement
+  // being edited and they were given, else the stored ones).
+  bool LineaExiste(int32_t movimiento, const ClaveLinea& linea) const;
+
   // True when every reference of a stored formula names a catalogue entry and every argument
   // still names an existing row: lookups found by id, lines found in their movement (for
   // "Cuenta Ingresada" among the in-memory lines when given, else the stored ones).
@@ -136,6 +140,7 @@ class clsFormulaMF {
                                    int32_t departamento);
 
  private:
+  std::optional<std::vector<ClaveLinea>> LineasGuardadas(int32_t movimiento) const;
   std::string MostrarReferencia(const EntradaFx& e, const std::vector<std::string>& args) const;
 
   std::shared_ptr<Connection> cn_;

@@ -1,9 +1,9 @@
 #include "formula/leyenda.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
-#include <optional>
 
 #include "core/clock.h"
 #include "platform/vb/convert.h"

@@ -136,21 +136,18 @@ CotizacionDirecta clsMonedas::BuscarCotizacionDirecta(int16_t a, int16_t b, int3
     // Column 1 is named differently in the two branches: read it by position.
     Currency tasa = vb::CCur(rs->Get(1));
     Date f = vb::CDate(rs->Get(0));
-    bool invertida = false;
     rs->MoveNext();
     if (!rs->Eof()) {
       Date f2 = vb::CDate(rs->Get(0));
       if (f < f2) {
         tasa = vb::CCur(rs->Get(1));
         f = f2;
-        invertida = true;
       }
     }
     rs->Close();
     r.encontrada = true;
     r.tasa = tasa;
     r.fecha = f;
-    r.invertida = invertida;
   } catch (const std::exception&) {
     return CotizacionDirecta{};
   }
@@ -165,7 +162,6 @@ CotizacionUsada clsMonedas::Cotizacion(int16_t a, int16_t b, int32_t t, Date fec
     u.tasa = d.tasa;
     u.fecha = d.fecha;
     u.directa = true;
-    u.invertida = d.invertida;
     return u;
   }
   Currency producto = Currency::FromUnits(Currency::kScale);

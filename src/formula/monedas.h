@@ -57,9 +57,8 @@ enum class CampoMoneda : int {
 // One direct look-up.
 struct CotizacionDirecta {
   bool encontrada = false;
-  Currency tasa{};         // A in B
-  Date fecha{};            // date of the quotation used
-  bool invertida = false;  // the quotation stored as B in A won
+  Currency tasa{};  // A in B
+  Date fecha{};     // date of the quotation used
 };
 
 // The effective rate with where it came from (for traces).
@@ -67,7 +66,6 @@ struct CotizacionUsada {
   Currency tasa{};
   Date fecha{};                  // date of the rate used (the requested date on fall-back)
   bool directa = false;          // step 2 found it
-  bool invertida = false;        // ... from the quotation stored the other way round
   bool por_escala = false;       // step 3 found it
   int16_t intermedia = 0;        // the currency of the hop (when por_escala)
   Currency tasa_a_intermedia{};  // A in C (when por_escala)

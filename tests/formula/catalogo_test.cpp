@@ -1,0 +1,145 @@
+// The function catalogue: order, texts, lookups as stored, and what the lookups offer.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "formula/catalogo_fx.h"
+#include "formula_db.h"
+#include "platform/vb/convert.h"
+#include "platform/vb/text.h"
+#include "storage/consulta_lookup.h"
+
+namespace kivmovfrec::formula {
+namespace {
+
+TEST(CatalogoFx, EntriesInTableOrderWithParentsAndCodes) {
+  clsFxMovFrec c;
+  ASSERT_EQ(c.Cantidad(), 22);
+  std::vector<int> ids, padres;
+  std::vector<std::string> codigos;
+  for (int i = 0; i < c.Cantidad(); ++i) {
+    ids.push_back(c.Id(i));
+    padres.push_back(c.Padre(i));
+    codigos.emplace_back(c.Codigo(i));
+  }
+  EXPECT_EQ(ids, (std::vector<int>{1, 11, 15, 16, 10, 14, 17, 18, 12, 13, 8,
+                                   7, 6,  21, 22, 5,  3,  4,  2,  9,  19, 20}));
+  EXPECT_EQ(padres, (std::vector<int>{0,  0,  0,  0,  0,  0,  0,  0,  0,  15, 15,
+                                      15, 15, 15, 15, 16, 16, 16, 17, 17, 18, 18}));
+  EXPECT_EQ(codigos, (std::vector<std::string>{
+                         "CI",     "Valor",   "",          "",       "xDif",     "ImpTotal",
+                         "",       "",        "Ocurr",     "CotHoy", "CotAyer",  "CotMesAnt",
+                         "IndHoy", "IndAyer", "IndMesAnt", "SCta",   "SCtaAyer", "SCtaMesAnt",
+                         "CAF",    "CCF",     "CAA",       "CCA"}));
+  // Every id once.
+  EXPECT_EQ(std::set<int>(ids.begin(), ids.end()).size(), 22u);
+}
+
+TEST(CatalogoFx, CaptionsHelpAndWords) {
+  clsFxMovFrec c;
+  int i = c.Buscar(13);
+  ASSERT_EQ(i, 9);
+  EXPECT_EQ(c.Titulo(i), "Cotización del día");
+  EXPECT_EQ(c.Ayuda(i),
+            "Retorna la cotización para el tipo y moneda seleccionada al día del movimiento.");
+  EXPECT_EQ(c.Palabra(i), "[CotizacionMonedaHoy]");
+  EXPECT_EQ(c.Titulo(c.Buscar(15)), "Cotizaciones o Índices");
+  EXPECT_TRUE(c.Entrada(c.Buscar(15)).EsGrupo());
+  EXPECT_EQ(c.Palabra(c.Buscar(22)), "[IndiceMes]");
+  EXPECT_EQ(c.Palabra(c.Buscar(4)), "[SaldoCtaMesAnterior]");
+  EXPECT_EQ(c.Consulta2(c.Buscar(10)), "[RestoCuenta]");
+  EXPECT_EQ(c.Palabra(c.Buscar(10)), "");
+  EXPECT_EQ(c.Consulta2(c.Buscar(1)), "[CuentaMovFrecuente]");
+  EXPECT_EQ(c.Consulta2(c.Buscar(20)), "[CuentaProyectoCentroCosto]");
+  EXPECT_EQ(c.Palabra(c.Buscar(12)),
+            "[query]Select RecNumOcurrencia From genMovimientosFrecuentes, genRecurrencias Where "
+            "MFrID = [pIDMov] And MFrRecurrencia = RecID[/query]");
+  EXPECT_EQ(c.Buscar(99), -1);
+  EXPECT_EQ(c.BuscarEntrada(0), nullptr);
+  EXPECT_EQ(c.Id(22), 0);  // outside the table: an empty entry
+  EXPECT_EQ(c.BuscarTitulo("SALDO AL DÍA DE HOY"), c.Buscar(5));
+  EXPECT_EQ(c.BuscarTitulo("saldo de una cuenta"), -1);  // a group is not a function
+}
+
+TEST(CatalogoFx, LookupQueriesAsStored) {
+  clsFxMovFrec c;
+  EXPECT_EQ(c.Consulta1(c.Buscar(13)),
+            "Select TCMCodigo, TCMNombre, TCMNombre From genTipoCotizacionMoneda Where (TCMCodigo "
+            "[pFindID] or TCMNombre [pFindKey]) And (TCMIndice = 0 or TCMIndice Is Null) Order by "
+            "TCMNombre");
+  EXPECT_EQ(c.Consulta2(c.Buscar(8)),
+            "Select MonID, RTrim(MonSimbolo), MonNombre + ' (' + RTrim(MonSimbolo) + ')' From "
+            "genMonedas Where MonTipo = 1 And (MonID [pFindID] or MonSimbolo [pFindKey]) Order by "
+            "MonNombre");
+  EXPECT_EQ(c.Consulta2(c.Buscar(21)),
+            "Select MonID, RTrim(MonSimbolo), MonNombre + ' (' + RTrim(MonSimbolo) + ')' From "
+            "genMonedas Where MonTipo = 2 And (MonID [pFindID] or MonSimbolo [pFindKey]) Order by "
+            "MonNombre");
+  EXPECT_EQ(c.Consulta1(c.Buscar(6)), "");
+  EXPECT_EQ(c.Consulta2(c.Buscar(3)),
+            "Select CueID, [pCodCta]CueNombre, [pCodCta]CueNombre From cceCuentas Where "
+            "CueIDEmpresa = [pEmp] And (CueID [pFindID] or [pCodCta]CueNombre [pFindKey]) And "
+            "CueEsCarpeta = 0 Order by CueNombre");
+  const std::string cabeza =
+      "Select MFrID, MFrNombre as Key, MFrNombre From genMovimientosFrecuentes Where MFrTipo = ";
+  EXPECT_EQ(c.Consulta1(c.Buscar(2)),
+            cabeza +
+                "1 And MFrID <> [pIDMov] And  (MFrNombre [pFindKey] or MFrID [pFindID]) And "
+                "MFrEstado = 0 And MFrEmpresa = [pEmp] And MFrRecurrencia Is Null Order by "
+                "MFrNombre");
+  EXPECT_EQ(c.Consulta1(c.Buscar(9)),
+            cabeza +
+                "2 And MFrID <> [pIDMov] And (MFrNombre [pFindKey] or MFrID [pFindID]) And "
+                "MFrEstado = 0 And MFrEmpresa = [pEmp] And MFrRecurrencia Is Null Order by "
+                "MFrNombre");
+  EXPECT_EQ(c.Consulta1(c.Buscar(19)),
+            cabeza +
+                "1 And MFrID <> [pIDMov] And  (MFrNombre [pFindKey] or MFrID [pFindID]) And "
+                "MFrEstado = 0 And MFrEmpresa = [pEmp] And MFrRecurrencia Is Not Null Order "
+                "by MFrNombre");
+  EXPECT_EQ(c.Consulta1(c.Buscar(20)),
+            cabeza +
+                "2 And MFrID <> [pIDMov] And (MFrNombre [pFindKey] or MFrID [pFindID]) And "
+                "MFrEstado = 0 And MFrEmpresa = [pEmp] And MFrRecurrencia Is not Null Order "
+                "by MFrNombre");
+}
+
+// Every id a lookup offers when it is run over all its rows.
+std::set<int> Ofrecidos(Connection& cn, std::string_view consulta, int empresa, int id_mov) {
+  std::string sql = storage::ReemplazarContexto(consulta, {empresa, id_mov, 0, true});
+  sql = vb::Replace(sql, "[pFindID]", " Is Not Null");
+  sql = vb::Replace(sql, "[pFindKey]", storage::kNoCoincide);
+  std::set<int> ids;
+  for (auto rs = cn.OpenResultset(sql); !rs->Eof(); rs->MoveNext())
+    ids.insert(vb::CLng(rs->Get(0)));
+  return ids;
+}
+
+TEST(CatalogoFx, MovementLookupsOfferOnlyActiveMovementsOfTheCompanyButNotTheOneEdited) {
+  auto cn = testing::DemoDb();
+  clsFxMovFrec c;
+  // Frequent entries of company 1: 2, 5, 16, 17, 18, 26; 20 is in the bin, 19 is a system entry
+  // and 23 belongs to company 2.
+  EXPECT_EQ(Ofrecidos(*cn, c.Consulta1(c.Buscar(2)), 1, 0), (std::set<int>{2, 5, 16, 17, 18, 26}));
+  // Editing 16: it is never offered to itself.
+  EXPECT_EQ(Ofrecidos(*cn, c.Consulta1(c.Buscar(2)), 1, 16), (std::set<int>{2, 5, 17, 18, 26}));
+  EXPECT_EQ(Ofrecidos(*cn, c.Consulta1(c.Buscar(2)), 2, 0), (std::set<int>{23}));
+  EXPECT_EQ(Ofrecidos(*cn, c.Consulta1(c.Buscar(9)), 1, 0), (std::set<int>{7, 24}));
+  EXPECT_EQ(Ofrecidos(*cn, c.Consulta1(c.Buscar(19)), 1, 3), (std::set<int>{1, 4, 25}));
+  EXPECT_EQ(Ofrecidos(*cn, c.Consulta1(c.Buscar(20)), 1, 0), (std::set<int>{6}));
+}
+
+TEST(CatalogoFx, OtherLookupsLeaveOutIndexTypesFoldersAndOtherCompanies) {
+  auto cn = testing::DemoDb();
+  clsFxMovFrec c;
+  EXPECT_EQ(Ofrecidos(*cn, c.Consulta1(c.Buscar(13)), 1, 0), (std::set<int>{1, 2}));
+  EXPECT_EQ(Ofrecidos(*cn, c.Consulta2(c.Buscar(13)), 1, 0), (std::set<int>{1, 2, 3, 4}));
+  EXPECT_EQ(Ofrecidos(*cn, c.Consulta2(c.Buscar(6)), 1, 0), (std::set<int>{5}));
+  auto cuentas = Ofrecidos(*cn, c.Consulta2(c.Buscar(5)), 2, 0);
+  EXPECT_EQ(cuentas, (std::set<int>{201, 202, 203, 204, 205}));
+}
+
+}  // namespace
+}  // namespace kivmovfrec::formula
