@@ -1,0 +1,192 @@
+// DarRealizadaFechaAgenda: advancing and ending schedules, notices, linked chains and the one
+// transaction around it all.
+#include <memory>
+#include <string>
+
+#include "fachada_fixture.h"
+#include "platform/vb/dates.h"
+#include "schedule/date_calculator.h"
+
+namespace kivmovfrec::testing {
+namespace {
+
+// The suite's calculator, counting the calls and failing on the n-th ProximaFecha when asked.
+class CalendarioEspia : public IDateCalculator {
+ public:
+  std::string EditarFrecuencia() override { return real_.EditarFrecuencia(); }
+  void CalcularFinal(std::string_view code, Date inicio, int32_t& cantidad, Date& final_) override {
+    inicios.push_back(inicio);
+    real_.CalcularFinal(code, inicio, cantidad, final_);
+  }
+  Date ProximaFecha(std::string_view code, Date fecha) override {
+    if (++proximas == falla_en) throw VbError(5);
+    return real_.ProximaFecha(code, fecha);
+  }
+  std::string DescribirFrecuencia(std::string_view code) override {
+    return real_.DescribirFrecuencia(code);
+  }
+  int proximas = 0;
+  int falla_en = 0;
+  std::vector<Date> inicios;
+
+ private:
+  schedule::DateCalculator real_;
+};
+
+class Agendas : public Fachada {
+ protected:
+  // A new scheduled entry saved through the façade.
+  int32_t NuevoAgendado(const std::string& inicio, const std::string& final_,
+                        uint8_t sin_vencimiento) {
+    mf.CleanEstructura();
+    auto e = mf.EstructuraMovFrec();
+    e->MovFrecuente()->Empresa(1);
+    e->MovFrecuente()->Tipo(enuTipoMovFrec::Asiento);
+    e->MovFrecuente()->Nombre("Cuota del préstamo");
+    e->Recurrencia()->Frecuencia("200001");
+    e->Recurrencia()->FechaProxima(inicio);
+    e->Recurrencia()->FechaFinal(final_);
+    e->Recurrencia()->SinVencimiento(sin_vencimiento);
+    auto linea = std::make_shared<clsRegRenglonMF>();
+    linea->Cuenta(117);
+    linea->AlDebe(true);
+    e->Renglones()->AddRenglon(linea);
+    const int32_t id = mf.SaveMovimientoFrecuenteConBloqueo();
+    EXPECT_GT(id, 0);
+    return id;
+  }
+  // Marks `veces` occurrences; checks each call succeeded and returns the last bPorUnicaVez.
+  bool Realizar(int32_t id, int veces) {
+    bool ultima = false;
+    for (int i = 0; i < veces; ++i) EXPECT_TRUE(mf.DarRealizadaFechaAgenda(id, ultima)) << i;
+    return ultima;
+  }
+};
+
+TEST_F(Agendas, TresOcurrenciasTerminanEnRealizadoConNumeroTres) {
+  const int32_t id = NuevoAgendado("10/01/2027", "10/03/2027 18:00", 0);
+  EXPECT_FALSE(Realizar(id, 1));
+  EXPECT_EQ(Agenda(id).FechaProxima(), "10/02/2027");
+  EXPECT_EQ(Agenda(id).NumOcurrencia(), 2);
+  EXPECT_FALSE(Realizar(id, 1));
+  EXPECT_EQ(Estado(id), 0);
+  EXPECT_TRUE(Realizar(id, 1));  // the third was the last
+
+  EXPECT_EQ(Estado(id), ToInt(enuEstadoMF::Realizado));
+  EXPECT_EQ(vb::DateOnly(vb::CDate(Mov(id, "MFrFechaEstado"))), kHoy);
+  EXPECT_EQ(Agenda(id).NumOcurrencia(), 3);
+  EXPECT_EQ(Agenda(id).FechaProxima(), "10/03/2027");
+
+  // Done is done: a fourth call finds nothing pending and changes nothing.
+  const auto antes = Tablas();
+  bool ultima = true;
+  EXPECT_FALSE(mf.DarRealizadaFechaAgenda(id, ultima));
+  EXPECT_FALSE(ultima);
+  EXPECT_EQ(Tablas(), antes);
+}
+
+TEST_F(Agendas, UltimaFechaEntreOcurrenciasTerminaTrasLaTercera) {
+  auto calendario = std::make_shared<CalendarioEspia>();
+  auto servicios = sv.Bundle();
+  servicios.calendar = calendario;
+  mf.Servicios(servicios);
+  const int32_t id = NuevoAgendado("10/01/2027 18:30", "25/03/2027", 0);
+  Realizar(id, 2);
+  EXPECT_EQ(Agenda(id).FechaProxima(), "10/03/2027 18:30:00");  // time of day kept
+  EXPECT_EQ(Estado(id), 0);
+  EXPECT_TRUE(Realizar(id, 1));
+  EXPECT_EQ(Estado(id), ToInt(enuEstadoMF::Realizado));
+  EXPECT_EQ(Agenda(id).NumOcurrencia(), 3);
+  // The injected calculator did the stepping, and got the start date without its time.
+  EXPECT_EQ(calendario->proximas, 3);
+  ASSERT_FALSE(calendario->inicios.empty());
+  EXPECT_EQ(calendario->inicios.front(), suite::SerialOf(2027, 1, 10));
+}
+
+TEST_F(Agendas, SinVencimientoNuncaTermina) {
+  // Demo movement 1: monthly, no end, next 10/11/2026, occurrence 11.
+  for (int i = 0; i < 10; ++i) EXPECT_FALSE(Realizar(1, 1));
+  EXPECT_EQ(Estado(1), 0);
+  EXPECT_EQ(Agenda(1).NumOcurrencia(), 21);
+  EXPECT_EQ(Agenda(1).FechaProxima(), "10/09/2027");
+}
+
+TEST_F(Agendas, AvisoUnicoTerminaYMarcaVistosLosDeSuModalidad) {
+  bool ultima = false;
+  ASSERT_TRUE(mf.DarRealizadaFechaAgenda(9, ultima));  // notice, once, modality 1
+  EXPECT_TRUE(ultima);
+  EXPECT_EQ(Estado(9), ToInt(enuEstadoMF::Realizado));
+  EXPECT_EQ(vb::CLng(Mov(8, "MFrVista")), 2);   // pending, modality 1
+  EXPECT_EQ(vb::CLng(Mov(22, "MFrVista")), 0);  // modality 2
+  EXPECT_EQ(vb::CLng(Mov(9, "MFrVista")), 0);   // itself
+}
+
+TEST_F(Agendas, AvisoSemanalConservaLaHora) {
+  ASSERT_TRUE(mf.DarRealizadaFechaAgenda(22));
+  const auto rec = Agenda(22);
+  EXPECT_EQ(rec.FechaProxima(), "20/11/2026 09:00:00");
+  EXPECT_EQ(rec.NumOcurrencia(), 8);
+  EXPECT_EQ(Estado(22), 0);
+}
+
+TEST_F(Agendas, PostergacionSeBorraAlAvanzar) {
+  ASSERT_TRUE(mf.DarRealizadaFechaAgenda(8));  // postponed one day
+  EXPECT_TRUE(Scalar(*cn, "Select RecPostergado From genRecurrencias Where RecID = 5").IsNull());
+}
+
+TEST_F(Agendas, SinAgendaONoPendienteNoHaceNada) {
+  const auto antes = Tablas();
+  EXPECT_FALSE(mf.DarRealizadaFechaAgenda(2));     // frequent entry, no schedule
+  EXPECT_FALSE(mf.DarRealizadaFechaAgenda(21));    // notice already done
+  EXPECT_FALSE(mf.DarRealizadaFechaAgenda(4242));  // does not exist
+  EXPECT_EQ(Tablas(), antes);
+  EXPECT_TRUE(Mensajes().empty());
+}
+
+TEST_F(Agendas, CadenaVinculadaAvanzaEnSuOrdenYElMiembroNoArrastraAlGrupo) {
+  // Give member 26 (order 2 in group 25) a weekly schedule of its own.
+  ASSERT_TRUE(mf.LoadMF(26));
+  mf.EstructuraMovFrec()->Recurrencia()->Frecuencia("000007");
+  mf.EstructuraMovFrec()->Recurrencia()->FechaProxima("12/11/2026");
+  mf.EstructuraMovFrec()->Recurrencia()->SinVencimiento(1);
+  ASSERT_GT(mf.SaveMovimientoFrecuenteConBloqueo(), 0);
+
+  ASSERT_TRUE(mf.DarRealizadaFechaAgenda(25));
+  EXPECT_EQ(Agenda(25).FechaProxima(), "10/12/2026");
+  EXPECT_EQ(Agenda(26).FechaProxima(), "19/11/2026");
+
+  // Marking the member alone moves only the member.
+  ASSERT_TRUE(mf.DarRealizadaFechaAgenda(26));
+  EXPECT_EQ(Agenda(25).FechaProxima(), "10/12/2026");
+  EXPECT_EQ(Agenda(26).FechaProxima(), "26/11/2026");
+
+  // A member in the bin is skipped.
+  cn->Execute("Update genMovimientosFrecuentes Set MFrEstado = 9 Where MFrID = 26");
+  ASSERT_TRUE(mf.DarRealizadaFechaAgenda(25));
+  EXPECT_EQ(Agenda(25).FechaProxima(), "10/01/2027");
+  EXPECT_EQ(Agenda(26).FechaProxima(), "26/11/2026");
+}
+
+TEST_F(Agendas, FalloEnUnMiembroDeshaceTodaLaCadena) {
+  ASSERT_TRUE(mf.LoadMF(26));
+  mf.EstructuraMovFrec()->Recurrencia()->Frecuencia("000007");
+  mf.EstructuraMovFrec()->Recurrencia()->FechaProxima("12/11/2026");
+  ASSERT_GT(mf.SaveMovimientoFrecuenteConBloqueo(), 0);
+
+  auto calendario = std::make_shared<CalendarioEspia>();
+  calendario->falla_en = 2;  // the head steps, the member fails
+  auto servicios = sv.Bundle();
+  servicios.calendar = calendario;
+  mf.Servicios(servicios);
+  const auto antes = Tablas();
+  bool ultima = true;
+  EXPECT_FALSE(mf.DarRealizadaFechaAgenda(25, ultima));
+  EXPECT_FALSE(ultima);
+  EXPECT_EQ(Tablas(), antes);
+  ASSERT_EQ(Mensajes().size(), 1u);  // reported
+  EXPECT_EQ(Mensajes()[0].request.icon, MsgIcon::Critical);
+  EXPECT_EQ(Mensajes()[0].request.caption, "Movimientos Frecuentes");
+}
+
+}  // namespace
+}  // namespace kivmovfrec::testing

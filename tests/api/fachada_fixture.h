@@ -1,0 +1,58 @@
+// Shared setup of the façade tests: the demo database in memory, scripted services with
+// "today" fixed at 10/11/2026, and a connected façade for company 1.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "core/clock.h"
+#include "install/demo_db.h"
+#include "kivmovfrec/kivmovfrec.h"
+#include "platform/suite/clock.h"
+#include "platform/suite/rights.h"
+#include "platform/suite/scripted.h"
+#include "platform/vb/convert.h"
+#include "storage/parametros.h"
+#include "support/db_snapshot.h"
+
+namespace kivmovfrec::testing {
+
+inline const Date kHoy = suite::SerialOf(2026, 11, 10);
+
+class Fachada : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    cn = OpenInstalledDb();
+    sv = suite::ScriptedServices::Make(cn, kHoy);
+    mf.Servicios(sv.Bundle());
+    mf.Connect(cn);
+    mf.Empresa(1);
+  }
+  void TearDown() override {
+    storage::Parametros() = storage::ParametrosBD{};
+    core::SetClock(nullptr);
+  }
+
+  // One column of one movement.
+  Variant Mov(int32_t id, const std::string& columna) {
+    return Scalar(*cn, "Select " + columna +
+                           " From genMovimientosFrecuentes Where MFrID = " + std::to_string(id));
+  }
+  int32_t Estado(int32_t id) { return vb::CLng(Mov(id, "MFrEstado")); }
+  // The schedule of a movement as stored.
+  clsRegRecurrencia Agenda(int32_t id) {
+    clsMFTipo leido;
+    EXPECT_TRUE(leido.Load(*cn, id));
+    return *leido.Recurrencia();
+  }
+  Snapshot Tablas() { return TakeSnapshot(*cn, MovementTables()); }
+  const std::vector<suite::ScriptedMessages::Shown>& Mensajes() { return sv.messages->shown(); }
+
+  std::shared_ptr<Connection> cn;
+  suite::ScriptedServices sv;
+  clsMovFrecuente mf;
+};
+
+}  // namespace kivmovfrec::testing
