@@ -66,4 +66,10 @@ void TempDatabase::InstallSchema() const {
   RunSqlFile(*cn, std::string(KMF_SOURCE_DIR) + "/schema/sqlite/schema.sql");
 }
 
+void TempDatabase::InstallDemo() const {
+  InstallSchema();
+  auto cn = Open();
+  RunSqlFile(*cn, std::string(KMF_SOURCE_DIR) + "/schema/sqlite/demo.sql");
+}
+
 }  // namespace kivmovfrec::testing

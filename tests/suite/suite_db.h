@@ -26,6 +26,8 @@ class TempDatabase {
   std::shared_ptr<Connection> Open() const { return OpenConnection(uri()); }
   // Creates the suite tables from schema/sqlite/schema.sql.
   void InstallSchema() const;
+  // The tables and the demo company (schema/sqlite/demo.sql).
+  void InstallDemo() const;
 
  private:
   std::string path_;
