@@ -1,6 +1,7 @@
 #include "formula/monedas.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 
 #include "core/clock.h"
@@ -31,8 +32,17 @@ Currency TresDecimales(Currency c) {
   return vb::CCur(Variant(t));
 }
 
+// a × b exactly, rounded half to even at the fourth decimal. Throws VbError(6) on overflow.
 Currency Producto(Currency a, Currency b) {
-  return Currency::FromDouble(a.ToDouble() * b.ToDouble());
+  __extension__ typedef __int128 Ancho;
+  const Ancho p = static_cast<Ancho>(a.units) * b.units;
+  Ancho q = p / Currency::kScale;
+  Ancho r = p % Currency::kScale;
+  if (r < 0) r = -r;
+  const int signo = p < 0 ? -1 : 1;
+  if (r * 2 > Currency::kScale || (r * 2 == Currency::kScale && (q % 2) != 0)) q += signo;
+  if (q > INT64_MAX || q < INT64_MIN) throw VbError(6);
+  return Currency::FromUnits(static_cast<int64_t>(q));
 }
 
 }  // namespace

@@ -131,14 +131,12 @@ ResultadoRegla ReglaImportesCero(std::span<const LineaRegla> lineas) {
 }
 
 ResultadoRegla ValidarFormulas(std::span<const LineaRegla> lineas, const clsFormulaMF* formulas) {
-  for (auto regla : {ReglaMismaCuenta, ReglaDiferenciaSola, ReglaUnaDiferencia,
-                     ReglaReferenciaCruzada, ReglaDiferenciaEImporteMismaColumna}) {
-    if (auto f = regla(lineas)) return f;
-    if (regla == ReglaMismaCuenta) {
-      if (auto f = ReglaReferenciasValidas(lineas, formulas)) return f;
-    }
-  }
-  return std::nullopt;
+  if (auto f = ReglaMismaCuenta(lineas)) return f;
+  if (auto f = ReglaReferenciasValidas(lineas, formulas)) return f;
+  if (auto f = ReglaDiferenciaSola(lineas)) return f;
+  if (auto f = ReglaUnaDiferencia(lineas)) return f;
+  if (auto f = ReglaReferenciaCruzada(lineas)) return f;
+  return ReglaDiferenciaEImporteMismaColumna(lineas);
 }
 
 }  // namespace kivmovfrec::formula
