@@ -18,8 +18,8 @@ struct InstallOptions {
 // Everything runs in one transaction on `cn`: on failure it is rolled back, nothing of the run
 // remains, and DbError is thrown naming the script and the line of the statement that failed
 // together with the engine's message. The connection must not be inside a transaction already
-// (DbError otherwise). Only SQLite databases are supported for now; any other engine gets
-// DbError before anything is written.
+// (DbError otherwise). SQLite and PostgreSQL each get their own DDL (schema/<engine>/); the demo
+// data is the same on both.
 void InstallSchema(Connection& cn, const InstallOptions& opts = {});
 
 }  // namespace kivmovfrec

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "kivmovfrec/db.h"
+#include "platform/db/postgres/pg_connection.h"
 #include "platform/db/sql_tokens.h"
 #include "platform/db/sqlite/sqlite_connection.h"
 
@@ -43,9 +44,7 @@ std::shared_ptr<Connection> OpenSqliteUri(std::string_view rest) {
 std::shared_ptr<Connection> OpenConnection(std::string_view uri) {
   if (StartsWithNoCase(uri, "sqlite:")) return OpenSqliteUri(uri.substr(7));
   if (StartsWithNoCase(uri, "postgresql://") || StartsWithNoCase(uri, "postgres://")) {
-    throw DbError(
-        "Esta compilación todavía no incluye el soporte de PostgreSQL; use una base SQLite "
-        "(sqlite:<ruta del archivo>)");
+    return postgres::OpenPostgres(std::string(uri));
   }
   throw DbError(fmt::format("Dirección de base de datos no reconocida: '{}'. Formas aceptadas: {}",
                             uri, kAcceptedForms));

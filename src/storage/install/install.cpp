@@ -19,18 +19,16 @@ bool CompanyExists(Connection& cn, int id) {
 }
 
 void Install(Connection& cn, const InstallOptions& opts) {
-  install::RunScript(cn, "schema.sql", embedded::schema_sqlite);
+  const bool pg = cn.engine() == Engine::PostgreSQL;
+  install::RunScript(cn, "schema.sql", pg ? embedded::schema_postgresql : embedded::schema_sqlite);
   if (opts.demo && !CompanyExists(cn, 1)) {
-    install::RunScript(cn, "demo.sql", embedded::demo_sqlite);
+    install::RunScript(cn, "demo.sql", pg ? embedded::demo_postgresql : embedded::demo_sqlite);
   }
 }
 
 }  // namespace
 
 void InstallSchema(Connection& cn, const InstallOptions& opts) {
-  if (cn.engine() != Engine::SQLite) {
-    throw DbError("InstallSchema: the suite tables can only be created on SQLite for now");
-  }
   if (cn.InTransaction()) {
     throw DbError("InstallSchema: the connection is already inside a transaction");
   }

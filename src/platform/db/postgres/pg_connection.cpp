@@ -1,0 +1,152 @@
+#include "platform/db/postgres/pg_connection.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+
+#include "platform/db/dialect.h"
+#include "platform/db/postgres/pg_dialect.h"
+#include "platform/db/postgres/pg_resultset.h"
+#include "platform/db/postgres/pg_session.h"
+#include "platform/db/sql_tokens.h"
+
+namespace kivmovfrec::postgres {
+
+namespace {
+
+// The table's columns and primary key, by the name as written (unquoted names fold to lower
+// case, as in any statement).
+constexpr const char* kTableQuery =
+    "SELECT c.oid::regclass::text, c.relkind, a.attname, "
+    "coalesce(a.attnum = ANY (i.indkey), false) "
+    "FROM pg_class c "
+    "JOIN pg_attribute a ON a.attrelid = c.oid AND a.attnum > 0 AND NOT a.attisdropped "
+    "LEFT JOIN pg_index i ON i.indrelid = c.oid AND i.indisprimary "
+    "WHERE c.oid = to_regclass($1) ORDER BY a.attnum";
+
+class PgConnection final : public Connection {
+ public:
+  PgConnection(const std::string& conninfo, const Options& options)
+      : session_(std::make_shared<Session>(conninfo, options.lock_timeout_ms)) {}
+
+  Engine engine() const override { return Engine::PostgreSQL; }
+
+  std::string Translate(std::string_view sql) const override { return TranslateForPostgres(sql); }
+
+  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
+    const std::string run = Translate(sql);
+    if (auto shape = sql::MatchSingleTableSelect(run)) {
+      if (auto target = Target(run, shape->table)) {
+        std::string text = run;
+        if (target->key.empty()) {
+          text.insert(shape->star_offset, fmt::format("ctid AS {}, ", kCtidAlias));
+        }
+        Result r = session_->Run(text, {}, run);
+        return MakeResultset(session_, r.get(), std::move(target));
+      }
+    }
+    Result r = session_->Run(run, {}, run);
+    return MakeResultset(session_, r.get(), std::nullopt);
+  }
+
+  std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
+    const std::string run = Translate(sql);
+    const std::string first = sql::LeadingKeyword(run);
+    if (first != "SELECT" && first != "WITH" && first != "VALUES") RefuseWrite(run);
+    const bool nested = session_->InTransaction();
+    session_->Command(nested ? "SAVEPOINT kmf_read_only; SET LOCAL transaction_read_only = on"
+                             : "BEGIN READ ONLY");
+    Result r;
+    try {
+      r = session_->Send(run, {}, run);
+    } catch (...) {
+      try {
+        EndReadOnly(nested);
+      } catch (const DbError&) {
+        // The connection itself failed; the statement's own error says more.
+      }
+      throw;
+    }
+    EndReadOnly(nested);
+    if (SqlState(r.get()) == "25006") RefuseWrite(run);  // read_only_sql_transaction
+    session_->Check(r.get(), run);
+    return MakeResultset(session_, r.get(), std::nullopt);
+  }
+
+  int64_t Execute(std::string_view sql) override {
+    const std::string run = Translate(sql);
+    Result r = session_->Run(run, {}, run);
+    const std::string_view tag = PQcmdStatus(r.get());
+    for (std::string_view writer : {"INSERT", "UPDATE", "DELETE", "MERGE"}) {
+      if (tag.substr(0, writer.size()) == writer) return std::atoll(PQcmdTuples(r.get()));
+    }
+    return 0;
+  }
+
+  void BeginTrans() override {
+    if (InTransaction()) {
+      throw DbError("Ya hay una transacción en curso: las transacciones no se anidan");
+    }
+    session_->Command("BEGIN ISOLATION LEVEL READ COMMITTED");
+  }
+
+  void CommitTrans() override {
+    if (!InTransaction()) throw DbError("No hay ninguna transacción en curso para confirmar");
+    if (session_->Command("COMMIT") == "ROLLBACK") {
+      throw DbError("La transacción había fallado y se deshizo en lugar de confirmarse");
+    }
+  }
+
+  void RollbackTrans() override {
+    if (!InTransaction()) return;  // e.g. the server already ended it
+    session_->Command("ROLLBACK");
+  }
+
+  bool InTransaction() const override { return session_->InTransaction(); }
+
+ private:
+  // The table behind `Select * from <table>` when its rows can be written: a table with a
+  // primary key, or a plain table (ctid). Nothing for a view, an unknown name and the like.
+  std::optional<WriteTarget> Target(const std::string& run, const std::string& table) {
+    // The name as written, quotes included, so the server folds it as it does in the query.
+    const auto tokens = sql::Tokenize(run);
+    const std::string written(tokens.tokens.at(3).text);
+    Result r = session_->Run(kTableQuery, {written}, "pg_attribute");
+    const int n = PQntuples(r.get());
+    if (n == 0) return std::nullopt;
+    WriteTarget target;
+    target.table = table;
+    target.qualified = PQgetvalue(r.get(), 0, 0);
+    const std::string_view kind = PQgetvalue(r.get(), 0, 1);
+    for (int i = 0; i < n; ++i) {
+      target.columns.emplace_back(PQgetvalue(r.get(), i, 2));
+      if (std::string_view(PQgetvalue(r.get(), i, 3)) == "t") {
+        target.key.push_back(static_cast<size_t>(i));
+      }
+    }
+    if (target.key.empty() && kind != "r") return std::nullopt;
+    return target;
+  }
+
+  void EndReadOnly(bool nested) {
+    session_->Command(nested ? "ROLLBACK TO SAVEPOINT kmf_read_only; "
+                               "RELEASE SAVEPOINT kmf_read_only"
+                             : "ROLLBACK");
+  }
+
+  [[noreturn]] static void RefuseWrite(const std::string& run) {
+    throw DbError(fmt::format(
+        "La consulta solo puede leer datos y esta sentencia modificaría la base de datos: {}",
+        run));
+  }
+
+  std::shared_ptr<Session> session_;
+};
+
+}  // namespace
+
+std::shared_ptr<Connection> OpenPostgres(const std::string& conninfo, const Options& options) {
+  return std::make_shared<PgConnection>(conninfo, options);
+}
+
+}  // namespace kivmovfrec::postgres

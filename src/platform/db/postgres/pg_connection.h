@@ -1,0 +1,42 @@
+// The PostgreSQL adapter's entry point. This header does not expose libpq-fe.h; only the .cpp
+// files of this folder include it.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "kivmovfrec/db.h"
+
+namespace kivmovfrec::postgres {
+
+struct Options {
+  // How long a statement waits for a lock another connection holds (a row being saved, the
+  // table counter being drawn) before failing with DbError. Long enough for another saver's
+  // transaction to finish.
+  int lock_timeout_ms = 10000;
+};
+
+// Connects with a libpq connection string ("postgresql://user@host:port/db?options=...").
+// Throws DbError with the server's message when it cannot be reached or refuses the login.
+//
+// The connection:
+//   * translates every statement from the suite's dialect (TranslateForPostgres: the shared
+//     translation plus the rewrites of pg_dialect.h);
+//   * reads all rows of a result set when it is opened; columns are found by name without
+//     regard to case (PostgreSQL reports unquoted names in lower case), values mapped by type
+//     as pg_values.h describes;
+//   * makes `Select * from T ...` sets updatable, identifying rows by T's primary key, or by
+//     ctid when T has none (pg_resultset.h); values are sent as parameters, never as SQL text,
+//     and after Update the set holds the row as stored (RETURNING *);
+//   * BeginTrans opens a READ COMMITTED transaction. There is no database-wide write lock:
+//     two savers serialise on the rows they both write (the table counter row first), the
+//     second waiting up to lock_timeout_ms. Inside a transaction each statement runs under a
+//     savepoint, so a failed statement undoes only itself and the transaction goes on (the
+//     caller decides whether to roll back), as on SQLite;
+//   * OpenReadOnly runs the query in a read-only transaction (BEGIN READ ONLY, or inside a
+//     transaction a savepoint with transaction_read_only set), always rolled back afterwards:
+//     the server refuses any write, nothing the query did remains, and an enclosing
+//     transaction goes on unharmed.
+std::shared_ptr<Connection> OpenPostgres(const std::string& conninfo, const Options& options = {});
+
+}  // namespace kivmovfrec::postgres

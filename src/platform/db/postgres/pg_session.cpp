@@ -1,0 +1,151 @@
+#include "platform/db/postgres/pg_session.h"
+
+#include <fmt/format.h>
+
+#include <limits>
+
+#include "kivmovfrec/db.h"
+#include "platform/db/dialect.h"
+
+namespace kivmovfrec::postgres {
+
+namespace {
+
+// libpq messages end with a line break (and sometimes carry tab-indented hints).
+std::string Tidy(const char* message) {
+  std::string text = message ? message : "";
+  while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
+  for (char& c : text) {
+    if (c == '\n' || c == '\t') c = ' ';
+  }
+  return text;
+}
+
+void IgnoreNotice(void*, const char*) {}
+
+}  // namespace
+
+Session::Session(const std::string& conninfo, int lock_timeout_ms) {
+  conn_ = PQconnectdb(conninfo.c_str());
+  if (conn_ == nullptr) throw DbError("No se pudo crear la conexión con PostgreSQL");
+  if (PQstatus(conn_) != CONNECTION_OK) {
+    std::string msg = Tidy(PQerrorMessage(conn_));
+    PQfinish(conn_);
+    conn_ = nullptr;
+    throw DbError(fmt::format("No se pudo conectar con el servidor PostgreSQL: {}", msg));
+  }
+  // "relation already exists, skipping" and the like would otherwise go to stderr.
+  PQsetNoticeProcessor(conn_, IgnoreNotice, nullptr);
+  try {
+    if (PQsetClientEncoding(conn_, "UTF8") != 0) {
+      throw DbError(
+          fmt::format("PostgreSQL: no se pudo usar UTF-8: {}", Tidy(PQerrorMessage(conn_))));
+    }
+    Command(fmt::format("SET DateStyle = 'ISO, YMD'; SET standard_conforming_strings = on; "
+                        "SET client_min_messages = warning; SET lock_timeout = {}",
+                        lock_timeout_ms)
+                .c_str());
+  } catch (...) {
+    PQfinish(conn_);
+    conn_ = nullptr;
+    throw;
+  }
+}
+
+Session::~Session() {
+  PQfinish(conn_);
+}
+
+bool Session::InTransaction() const {
+  const PGTransactionStatusType st = PQtransactionStatus(conn_);
+  return st == PQTRANS_INTRANS || st == PQTRANS_INERROR || st == PQTRANS_ACTIVE;
+}
+
+Result Session::Send(std::string_view sql, const Params& params, std::string_view shown) {
+  if (sql::IsBlankSql(sql)) throw DbError("La sentencia SQL está vacía");
+  if (sql::SplitStatements(sql).size() > 1) {
+    throw DbError(fmt::format("Se admite una sola sentencia SQL por llamada: {}", shown));
+  }
+  if (params.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {
+    throw DbError("Demasiados parámetros en la sentencia SQL");
+  }
+  std::vector<const char*> values;
+  values.reserve(params.size());
+  for (const auto& p : params) values.push_back(p ? p->c_str() : nullptr);
+  const std::string text(sql);
+  Result r(PQexecParams(conn_, text.c_str(), static_cast<int>(params.size()), nullptr,
+                        values.data(), nullptr, nullptr, 0));
+  if (!r) {
+    throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})",
+                              Tidy(PQerrorMessage(conn_)), shown));
+  }
+  return r;
+}
+
+void Session::Check(const PGresult* result, std::string_view shown) const {
+  const ExecStatusType st = PQresultStatus(result);
+  if (st == PGRES_EMPTY_QUERY) throw DbError("La sentencia SQL está vacía");
+  if (st == PGRES_COMMAND_OK || st == PGRES_TUPLES_OK) return;
+  Fail(result, shown);
+}
+
+Result Session::Run(std::string_view sql, const Params& params, std::string_view shown) {
+  const bool guarded = PQtransactionStatus(conn_) == PQTRANS_INTRANS;
+  if (guarded) Command("SAVEPOINT kmf_statement");
+  Result r;
+  try {
+    r = Send(sql, params, shown);
+    Check(r.get(), shown);
+  } catch (...) {
+    if (guarded && PQtransactionStatus(conn_) != PQTRANS_IDLE) {
+      try {
+        Command("ROLLBACK TO SAVEPOINT kmf_statement; RELEASE SAVEPOINT kmf_statement");
+      } catch (const DbError&) {
+        // The connection itself failed; the statement's own error says more.
+      }
+    }
+    throw;
+  }
+  // A statement may have ended the transaction itself (COMMIT sent through Execute).
+  if (guarded && PQtransactionStatus(conn_) == PQTRANS_INTRANS) {
+    Command("RELEASE SAVEPOINT kmf_statement");
+  }
+  return r;
+}
+
+std::string Session::Command(const char* sql) {
+  Result r(PQexec(conn_, sql));
+  if (!r) {
+    throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})",
+                              Tidy(PQerrorMessage(conn_)), sql));
+  }
+  const ExecStatusType st = PQresultStatus(r.get());
+  if (st != PGRES_COMMAND_OK && st != PGRES_TUPLES_OK) Fail(r.get(), sql);
+  return PQcmdStatus(r.get());
+}
+
+void Session::Fail(const PGresult* result, std::string_view shown) const {
+  std::string msg = Tidy(PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY));
+  if (msg.empty()) msg = Tidy(PQresultErrorMessage(result));
+  if (msg.empty()) msg = Tidy(PQerrorMessage(conn_));
+  const char* detail = PQresultErrorField(result, PG_DIAG_MESSAGE_DETAIL);
+  if (detail != nullptr && *detail != '\0') msg += " (" + Tidy(detail) + ")";
+  throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})", msg, shown));
+}
+
+std::string SqlState(const PGresult* result) {
+  const char* code = PQresultErrorField(result, PG_DIAG_SQLSTATE);
+  return code ? code : "";
+}
+
+std::string QuoteName(std::string_view name) {
+  std::string out = "\"";
+  for (char c : name) {
+    out += c;
+    if (c == '"') out += '"';
+  }
+  out += '"';
+  return out;
+}
+
+}  // namespace kivmovfrec::postgres
