@@ -85,8 +85,9 @@ class clsMovFrecuente {
 
   // The same save inside one transaction. A new once-only schedule (ID 0, CadaCuanto 0,
   // CantidadVeces 1) whose occurrence number is above 1 is reset to occurrence 1 first (only
-  // this save does so). Any error rolls back and returns 0; no message is shown whatever
-  // bDisplayMsgError says (the caller reports).
+  // this save does so). Any error rolls back and returns 0, and the current movement's records
+  // get back the values they had before the call (keys, positions, line numbers); no message
+  // is shown whatever bDisplayMsgError says (the caller reports).
   int32_t SaveMovimientoFrecuenteConBloqueo(bool bDisplayMsgError = true);
 
   // Loads movement lIDMF into the current movement. Returns false, leaving the current
