@@ -7,6 +7,7 @@
 
 #include "db/temp_dir.h"
 #include "kivmovfrec/db.h"
+#include "support/db_engines.h"
 
 namespace kivmovfrec {
 namespace {
@@ -52,8 +53,25 @@ TEST(OpenConnection, MalformedUrisAreRefusedWithTheAcceptedForms) {
     std::string error = ErrorOf(uri);
     EXPECT_NE(error.find("sqlite:"), std::string::npos) << uri << ": " << error;
   }
-  std::string pg = ErrorOf("postgresql://kmf@127.0.0.1:5432/suite");
-  EXPECT_NE(pg.find("PostgreSQL"), std::string::npos) << pg;
+}
+
+TEST(OpenConnection, AnUnreachablePostgresServerIsNamed) {
+  // Port 1 on the loopback: nothing listens there.
+  std::string pg = ErrorOf("postgresql://kmf@127.0.0.1:1/suite?connect_timeout=5");
+  EXPECT_NE(pg.find("No se pudo conectar con el servidor PostgreSQL"), std::string::npos) << pg;
+  EXPECT_NE(pg.find("127.0.0.1"), std::string::npos) << pg;
+  EXPECT_NE(ErrorOf("postgresql://kmf@127.0.0.1:1/suite?no_such_option=1"), "");
+}
+
+TEST(OpenConnection, PostgresUrisOpenThePostgresAdapter) {
+  const auto uri = testing::PostgresUri();
+  if (!uri) GTEST_SKIP() << testing::kPostgresSkipMessage;
+  auto cn = OpenConnection(*uri);
+  EXPECT_EQ(cn->engine(), Engine::PostgreSQL);
+  EXPECT_EQ(cn->OpenResultset("Select 1 + 1 As dos")->Get("DOS"), Variant(int32_t{2}));
+  // The other spelling of the scheme, in capitals.
+  std::string other = "POSTGRES" + uri->substr(uri->find("://"));
+  EXPECT_EQ(OpenConnection(other)->engine(), Engine::PostgreSQL);
 }
 
 TEST(OpenConnection, AFileThatIsNotADatabaseIsRefusedAndLeftAlone) {

@@ -43,8 +43,11 @@ std::shared_ptr<Connection> OpenSqliteUri(std::string_view rest) {
 
 std::shared_ptr<Connection> OpenConnection(std::string_view uri) {
   if (StartsWithNoCase(uri, "sqlite:")) return OpenSqliteUri(uri.substr(7));
-  if (StartsWithNoCase(uri, "postgresql://") || StartsWithNoCase(uri, "postgres://")) {
-    return postgres::OpenPostgres(std::string(uri));
+  for (std::string_view scheme : {"postgresql://", "postgres://"}) {
+    // libpq knows the scheme in lower case only.
+    if (StartsWithNoCase(uri, scheme)) {
+      return postgres::OpenPostgres(std::string(scheme) + std::string(uri.substr(scheme.size())));
+    }
   }
   throw DbError(fmt::format("Dirección de base de datos no reconocida: '{}'. Formas aceptadas: {}",
                             uri, kAcceptedForms));

@@ -16,6 +16,18 @@ namespace {
 
 // The table's columns and primary key, by the name as written (unquoted names fold to lower
 // case, as in any statement).
+// A query: SELECT, WITH or VALUES first, possibly inside parentheses (a compound whose
+// branches were limited one by one). Transaction control, SET and the like are not queries
+// even when the server would run them in a read-only transaction.
+bool IsQuery(const std::string& run) {
+  const auto list = sql::Tokenize(run);
+  for (const auto& t : list.tokens) {
+    if (sql::IsSymbol(t, "(")) continue;
+    return sql::IsKeyword(t, "SELECT") || sql::IsKeyword(t, "WITH") || sql::IsKeyword(t, "VALUES");
+  }
+  return false;
+}
+
 constexpr const char* kTableQuery =
     "SELECT c.oid::regclass::text, c.relkind, a.attname, "
     "coalesce(a.attnum = ANY (i.indkey), false) "
@@ -51,8 +63,7 @@ class PgConnection final : public Connection {
 
   std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
     const std::string run = Translate(sql);
-    const std::string first = sql::LeadingKeyword(run);
-    if (first != "SELECT" && first != "WITH" && first != "VALUES") RefuseWrite(run);
+    if (!IsQuery(run)) RefuseWrite(run);
     const bool nested = session_->InTransaction();
     session_->Command(nested ? "SAVEPOINT kmf_read_only; SET LOCAL transaction_read_only = on"
                              : "BEGIN READ ONLY");

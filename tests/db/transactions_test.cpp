@@ -1,0 +1,140 @@
+// Read-only statements and transactions, on every engine.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "kivmovfrec/db.h"
+#include "support/db_engines.h"
+
+namespace kivmovfrec {
+namespace {
+
+class Transactions : public testing::EngineTest {
+ protected:
+  void SetUpDatabase() override {
+    cn->Execute("Create Table genRecurrencias (RecID INTEGER, RecFrecuencia VARCHAR(10))");
+    cn->Execute("Insert Into genRecurrencias Values (1, '000007')");
+  }
+
+  static int Count(Connection& c) {
+    return c.OpenResultset("Select count(*) From genRecurrencias")->Get(0).AsLong();
+  }
+
+  bool TableExists(const std::string& table) {
+    try {
+      cn->OpenResultset("Select * From " + table);
+      return true;
+    } catch (const DbError&) {
+      return false;
+    }
+  }
+};
+
+const char* const kWriters[] = {
+    "Insert Into genRecurrencias Values (2, '000001')",
+    "Update genRecurrencias Set RecFrecuencia = '000000'",
+    "Delete From genRecurrencias",
+    "Create Table Otra (a INTEGER)",
+    "Drop Table genRecurrencias",
+    "Select RecID From genRecurrencias; Delete From genRecurrencias",
+    "Begin",
+    "Commit",
+    "With x As (Select 1) Delete From genRecurrencias",
+    "Select RecID Into Copia From genRecurrencias",
+};
+
+TEST_P(Transactions, ReadOnlyRefusesEveryStatementThatCouldWrite) {
+  for (const char* sql : kWriters) {
+    EXPECT_THROW(cn->OpenReadOnly(sql), DbError) << sql;
+    EXPECT_FALSE(cn->InTransaction()) << sql;
+  }
+  EXPECT_EQ(Count(*cn), 1);
+  auto rs = cn->OpenResultset("Select RecFrecuencia From genRecurrencias Where RecID = 1");
+  EXPECT_EQ(rs->Get(0), Variant("000007"));
+  EXPECT_FALSE(TableExists("Otra"));
+  EXPECT_FALSE(TableExists("Copia"));
+}
+
+// Inside a transaction the refusal leaves the transaction and what it wrote alone.
+TEST_P(Transactions, ReadOnlyInsideATransactionKeepsTheTransaction) {
+  cn->BeginTrans();
+  cn->Execute("Insert Into genRecurrencias Values (2, '000001')");
+  for (const char* sql : kWriters) {
+    EXPECT_THROW(cn->OpenReadOnly(sql), DbError) << sql;
+    EXPECT_TRUE(cn->InTransaction()) << sql;
+  }
+  // Queries see the transaction's own rows, and the transaction can still write.
+  EXPECT_EQ(cn->OpenReadOnly("Select count(*) From genRecurrencias")->Get(0), Variant(int32_t{2}));
+  cn->Execute("Insert Into genRecurrencias Values (3, '000002')");
+  cn->CommitTrans();
+  EXPECT_EQ(Count(*OpenAnother()), 3);
+  EXPECT_FALSE(TableExists("Otra"));
+}
+
+TEST_P(Transactions, ReadOnlyRunsQueriesAndTheirSetsCannotWrite) {
+  auto rs = cn->OpenReadOnly(
+      "Select Top 1 RecNumero From (Select RecID As RecNumero From genRecurrencias) As t");
+  EXPECT_EQ(rs->Get("recnumero"), Variant(int32_t{1}));
+  auto star = cn->OpenReadOnly("Select * From genRecurrencias Where RecID = 1");
+  EXPECT_THROW(star->Delete(), DbError);
+  EXPECT_THROW(star->Edit(), DbError);
+  EXPECT_EQ(Count(*cn), 1);
+  EXPECT_THROW(cn->OpenReadOnly("Select NoExiste From genRecurrencias"), DbError);
+  EXPECT_FALSE(cn->InTransaction());
+}
+
+TEST_P(Transactions, RollbackRestoresAndCommitKeeps) {
+  cn->BeginTrans();
+  EXPECT_TRUE(cn->InTransaction());
+  cn->Execute("Insert Into genRecurrencias Values (2, '000001')");
+  auto rs = cn->OpenResultset("Select * From genRecurrencias Where RecID = 1");
+  rs->Delete();
+  EXPECT_EQ(Count(*cn), 1);
+  cn->RollbackTrans();
+  EXPECT_FALSE(cn->InTransaction());
+  EXPECT_EQ(Count(*cn), 1);
+  EXPECT_FALSE(cn->OpenResultset("Select * From genRecurrencias Where RecID = 1")->Eof());
+
+  cn->BeginTrans();
+  cn->Execute("Insert Into genRecurrencias Values (3, '100001')");
+  EXPECT_EQ(Count(*OpenAnother()), 1);  // not visible to others before the commit
+  cn->CommitTrans();
+  EXPECT_EQ(Count(*OpenAnother()), 2);
+}
+
+TEST_P(Transactions, TransactionsDoNotNest) {
+  cn->BeginTrans();
+  EXPECT_THROW(cn->BeginTrans(), DbError);
+  EXPECT_TRUE(cn->InTransaction());  // the outer transaction is still there
+  cn->CommitTrans();
+  EXPECT_THROW(cn->CommitTrans(), DbError);
+  cn->RollbackTrans();  // nothing to roll back: no error
+  EXPECT_FALSE(cn->InTransaction());
+}
+
+// A failing statement undoes only itself: the transaction goes on and can still commit (the
+// caller decides). PostgreSQL would otherwise refuse everything until the rollback.
+TEST_P(Transactions, AFailedStatementInsideATransactionUndoesOnlyItself) {
+  cn->Execute("Create Unique Index ixRec On genRecurrencias (RecID)");
+  cn->BeginTrans();
+  cn->Execute("Insert Into genRecurrencias Values (2, '000001')");
+  EXPECT_THROW(cn->Execute("Insert Into genRecurrencias Values (1, 'repetida')"), DbError);
+  EXPECT_THROW(cn->OpenResultset("Select NoExiste From genRecurrencias"), DbError);
+  auto rs = cn->OpenResultset("Select * From genRecurrencias Where RecID = 2");
+  rs->Edit();
+  rs->Set("RecID", int32_t{1});  // taken
+  EXPECT_THROW(rs->Update(), DbError);
+  EXPECT_TRUE(cn->InTransaction());
+  cn->Execute("Insert Into genRecurrencias Values (3, '000002')");
+  cn->CommitTrans();
+  auto all = cn->OpenResultset("Select RecID, RecFrecuencia From genRecurrencias Order By RecID");
+  std::string seen;
+  for (; !all->Eof(); all->MoveNext()) seen += std::to_string(all->Get(0).AsLong()) + " ";
+  EXPECT_EQ(seen, "1 2 3 ");
+}
+
+KMF_INSTANTIATE_ENGINES(Transactions);
+
+}  // namespace
+}  // namespace kivmovfrec

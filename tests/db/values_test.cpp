@@ -1,0 +1,157 @@
+// Values through every engine's adapter: each Variant subtype written and read back, NULLs,
+// dates, names resolved without regard to case, errors that carry the statement.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+
+#include "kivmovfrec/db.h"
+#include "support/db_engines.h"
+
+namespace kivmovfrec {
+namespace {
+
+constexpr double kAug2nd2005 = 38566;  // 2005-08-02 as a VB date
+
+class Values : public testing::EngineTest {
+ protected:
+  void SetUpDatabase() override {
+    cn->Execute(
+        "Create Table Valores (ValID INTEGER, ValEntero INTEGER, ValGrande BIGINT, "
+        "ValReal DOUBLE PRECISION, ValTexto TEXT, ValFecha TIMESTAMP, ValNumero NUMERIC)");
+  }
+
+  // Writes `value` into `column` of a new row through an updatable set and reads it back.
+  Variant RoundTrip(const char* column, const Variant& value) {
+    int id = ++last_id;
+    auto rs = cn->OpenResultset("Select * from Valores Where ValID = " + std::to_string(id));
+    EXPECT_TRUE(rs->Eof());
+    rs->AddNew();
+    rs->Set("ValID", int32_t{id});
+    rs->Set(column, value);
+    rs->Update();
+    auto back = cn->OpenResultset("Select * From Valores Where ValID = " + std::to_string(id));
+    EXPECT_FALSE(back->Eof());
+    return back->Get(column);
+  }
+
+  int last_id = 0;
+};
+
+TEST_P(Values, EverySubtypeRoundTrips) {
+  EXPECT_EQ(RoundTrip("ValEntero", true), Variant(int32_t{1}));
+  EXPECT_EQ(RoundTrip("ValEntero", false), Variant(int32_t{0}));
+  EXPECT_EQ(RoundTrip("ValEntero", uint8_t{200}), Variant(int32_t{200}));
+  EXPECT_EQ(RoundTrip("ValEntero", int16_t{-5}), Variant(int32_t{-5}));
+  EXPECT_EQ(RoundTrip("ValEntero", int32_t{2147483647}), Variant(int32_t{2147483647}));
+  EXPECT_EQ(RoundTrip("ValEntero", 7.0), Variant(int32_t{7}));  // a whole double fits
+  EXPECT_EQ(RoundTrip("ValReal", 1.5f), Variant(1.5));
+  EXPECT_EQ(RoundTrip("ValReal", 0.1), Variant(0.1));
+  EXPECT_EQ(RoundTrip("ValReal", 1.0 / 3), Variant(1.0 / 3));  // every bit kept
+  EXPECT_EQ(RoundTrip("ValReal", Currency::FromUnits(123456)), Variant(12.3456));
+  EXPECT_EQ(RoundTrip("ValReal", Currency::FromUnits(-5)), Variant(-0.0005));
+  EXPECT_EQ(RoundTrip("ValTexto", "Año ñandú, O'Higgins"), Variant("Año ñandú, O'Higgins"));
+  EXPECT_EQ(RoundTrip("ValTexto", ""), Variant(""));
+  const Date when{kAug2nd2005 + (13 * 3600 + 45 * 60 + 10) / 86400.0};
+  EXPECT_EQ(RoundTrip("ValFecha", when), Variant(when));
+  EXPECT_EQ(RoundTrip("ValFecha", Date{kAug2nd2005}), Variant(Date{kAug2nd2005}));
+  EXPECT_EQ(RoundTrip("ValFecha", "2005-08-02 12:00:00"), Variant(Date{kAug2nd2005 + 0.5}));
+}
+
+TEST_P(Values, NullAndEmptyAreStoredAsNullAndReadAsNull) {
+  EXPECT_TRUE(RoundTrip("ValTexto", Variant::Null()).IsNull());
+  EXPECT_TRUE(RoundTrip("ValEntero", Variant()).IsNull());
+  auto rs = cn->OpenResultset("Select count(*) As n From Valores Where ValTexto Is Null");
+  EXPECT_EQ(rs->Get("n"), Variant(int32_t{2}));
+  // A column never assigned is NULL too.
+  auto row = cn->OpenResultset("Select ValFecha, ValReal From Valores Where ValID = 1");
+  EXPECT_TRUE(row->Get(0).IsNull());
+  EXPECT_TRUE(row->Get("ValReal").IsNull());
+}
+
+TEST_P(Values, LargeIntegersAndNumericColumnsReadAsDouble) {
+  cn->Execute("Insert Into Valores (ValID, ValGrande, ValNumero) Values (9, 3000000000, 2.5)");
+  auto rs = cn->OpenResultset("Select ValGrande, ValNumero, ValID From Valores Where ValID = 9");
+  EXPECT_EQ(rs->Get("ValGrande"), Variant(3000000000.0));
+  EXPECT_EQ(rs->Get("ValNumero"), Variant(2.5));
+  EXPECT_EQ(rs->Get("ValID"), Variant(int32_t{9}));
+  // Aggregates: a count is a whole number, a sum of doubles a double.
+  auto agg = cn->OpenResultset("Select count(*), sum(ValNumero) From Valores");
+  EXPECT_EQ(agg->Get(0), Variant(int32_t{1}));
+  EXPECT_EQ(agg->Get(1), Variant(2.5));
+}
+
+TEST_P(Values, DateLiteralsCompareWithStoredDates) {
+  RoundTrip("ValFecha", Date{kAug2nd2005 + 0.5});
+  RoundTrip("ValFecha", Date{kAug2nd2005 + 1});
+  auto cmp =
+      cn->OpenResultset("Select count(*) From Valores Where ValFecha <= '2005-08-02 12:00:00'");
+  EXPECT_EQ(cmp->Get(0), Variant(int32_t{1}));
+  // An expression over a date column: PostgreSQL knows its type, SQLite only has the text.
+  auto max = cn->OpenResultset("Select Max(ValFecha) As Ultima From Valores");
+  EXPECT_EQ(max->Get("ultima"),
+            postgres() ? Variant(Date{kAug2nd2005 + 1}) : Variant("2005-08-03 00:00:00"));
+}
+
+TEST_P(Values, NamesResolveWithoutRegardToCase) {
+  cn->Execute("insert into VALORES (valid, VALTEXTO) values (1, 'x')");
+  auto rs = cn->OpenResultset("select VALID, valtexto from valores");
+  EXPECT_EQ(rs->ColumnCount(), 2);
+  EXPECT_EQ(rs->Get("ValTexto"), Variant("x"));
+  EXPECT_EQ(rs->Get("VALTEXTO"), Variant("x"));
+  EXPECT_TRUE(rs->HasColumn("Valid"));
+  EXPECT_FALSE(rs->HasColumn("ValFecha"));
+  EXPECT_THROW(rs->Get("ValFecha"), DbError);
+  EXPECT_THROW(rs->Get(2), DbError);
+  EXPECT_THROW(rs->Get(-1), DbError);
+  // The table name written in another case still gives a set that can write.
+  auto upper = cn->OpenResultset("Select * From VALORES Where ValID = 1");
+  upper->Edit();
+  upper->Set("VALTEXTO", "y");
+  upper->Update();
+  EXPECT_EQ(upper->Get("valtexto"), Variant("y"));
+}
+
+TEST_P(Values, ReadingPastTheEndOrAfterCloseIsAnError) {
+  auto rs = cn->OpenResultset("Select * From Valores");
+  EXPECT_TRUE(rs->Eof());
+  EXPECT_THROW(rs->Get(0), DbError);
+  rs->MoveNext();  // harmless at the end
+  EXPECT_TRUE(rs->Eof());
+  rs->Close();
+  EXPECT_THROW(rs->Eof(), DbError);
+  rs->Close();
+}
+
+TEST_P(Values, ExecuteCountsChangedRowsAndRunsOneStatement) {
+  EXPECT_EQ(cn->Execute("Insert Into Valores (ValID) Values (1)"), 1);
+  cn->Execute("Insert Into Valores (ValID) Values (2)");
+  EXPECT_EQ(cn->Execute("Update Valores Set ValTexto = 'a' + 'b' Where ValID > 0"), 2);
+  EXPECT_EQ(cn->OpenResultset("Select ValTexto From Valores")->Get(0), Variant("ab"));
+  EXPECT_EQ(cn->Execute("Delete From Valores Where ValID = 99"), 0);
+  EXPECT_EQ(cn->Execute("Create Index ixValores On Valores (ValID)"), 0);
+  EXPECT_EQ(cn->Execute("Select ValID From Valores"), 0);  // a query changes nothing
+  EXPECT_THROW(cn->Execute("Delete From Valores; Delete From Valores"), DbError);
+  EXPECT_EQ(cn->OpenResultset("Select count(*) From Valores")->Get(0), Variant(int32_t{2}));
+}
+
+TEST_P(Values, EngineErrorsCarryTheMessageAndTheStatement) {
+  try {
+    cn->OpenResultset("Select NoSuchColumn From Valores");
+    FAIL() << "expected DbError";
+  } catch (const DbError& e) {
+    std::string what = e.what();
+    const char* message =
+        postgres() ? "column \"nosuchcolumn\" does not exist" : "no such column: NoSuchColumn";
+    EXPECT_NE(what.find(message), std::string::npos) << what;
+    EXPECT_NE(what.find("Select NoSuchColumn From Valores"), std::string::npos) << what;
+  }
+  EXPECT_THROW(cn->Execute("Insert Into Missing Values (1)"), DbError);
+  EXPECT_THROW(cn->Execute("   "), DbError);
+  EXPECT_THROW(cn->OpenResultset("-- nada"), DbError);
+}
+
+KMF_INSTANTIATE_ENGINES(Values);
+
+}  // namespace
+}  // namespace kivmovfrec
