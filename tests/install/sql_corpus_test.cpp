@@ -1,19 +1,35 @@
-// Every statement the component sends runs against the installed tables and the demo data.
+// Every statement the component sends runs against the installed tables and the demo data, on
+// every engine.
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <tuple>
+
 #include "install/demo_db.h"
 #include "install/sql_corpus.h"
+#include "support/db_engines.h"
 #include "support/db_snapshot.h"
 
 namespace kivmovfrec::testing {
 namespace {
 
-class SqlCorpusTest : public ::testing::TestWithParam<CorpusEntry> {};
+class SqlCorpusTest : public ::testing::TestWithParam<std::tuple<Engine, CorpusEntry>> {
+ protected:
+  void SetUp() override {
+    const Engine engine = std::get<0>(GetParam());
+    if (engine == Engine::PostgreSQL && !PostgresUri()) GTEST_SKIP() << kPostgresSkipMessage;
+    db_.emplace(engine);
+    cn = db_->Open();
+    InstallSchema(*cn, {.demo = true});
+  }
+
+  std::optional<TestDatabase> db_;
+  std::shared_ptr<Connection> cn;
+};
 
 TEST_P(SqlCorpusTest, RunsAgainstTheDemoData) {
-  const CorpusEntry& entry = GetParam();
-  auto cn = OpenInstalledDb();
+  const CorpusEntry& entry = std::get<1>(GetParam());
   SCOPED_TRACE(entry.sql);
   SCOPED_TRACE(cn->Translate(entry.sql));
 
@@ -50,16 +66,23 @@ TEST_P(SqlCorpusTest, RunsAgainstTheDemoData) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(AllStatements, SqlCorpusTest, ::testing::ValuesIn(SqlCorpus()),
-                         [](const ::testing::TestParamInfo<CorpusEntry>& info) {
-                           return info.param.name;
+INSTANTIATE_TEST_SUITE_P(AllStatements, SqlCorpusTest,
+                         ::testing::Combine(::testing::ValuesIn(AllEngines()),
+                                            ::testing::ValuesIn(SqlCorpus())),
+                         [](const ::testing::TestParamInfo<std::tuple<Engine, CorpusEntry>>& info) {
+                           return EngineName(std::get<0>(info.param)) + "_" +
+                                  std::get<1>(info.param).name;
                          });
 
 // Rows of the three movement tables are written through result sets, column by column: every
 // column the records map must exist and keep what is written (codes with leading zeros stay
 // text, dates come back as dates, NULLs stay NULL).
-TEST(SqlCorpusWrites, MovementRowsWriteThroughResultSets) {
-  auto cn = OpenInstalledDb();
+class SqlCorpusWrites : public EngineTest {
+ protected:
+  void SetUpDatabase() override { InstallSchema(*cn, {.demo = true}); }
+};
+
+TEST_P(SqlCorpusWrites, MovementRowsWriteThroughResultSets) {
   const auto before = TakeSnapshot(*cn, MovementTables());
   cn->BeginTrans();
 
@@ -144,6 +167,8 @@ TEST(SqlCorpusWrites, MovementRowsWriteThroughResultSets) {
   EXPECT_EQ(TakeSnapshot(*cn, MovementTables()), before);
   EXPECT_FALSE(Scalar(*cn, "Select EntOwner From genEntes Where EntID = 2").IsNull());
 }
+
+KMF_INSTANTIATE_ENGINES(SqlCorpusWrites);
 
 }  // namespace
 }  // namespace kivmovfrec::testing
