@@ -1,0 +1,264 @@
+// movfrec agenda [--desde F] [--hasta F] [--ics ARCHIVO]: every due date and notice date in a
+// range, for every pending scheduled movement, notice and task list of the company.
+//
+// Occurrences are stepped from the stored FechaProxima with the suite's date calculator by the
+// same rules that DarRealizadaFechaAgenda applies when an occurrence is marked done: the next
+// date is ProximaFecha(code, date) with the time of day kept; a once-only code has one
+// occurrence; unless SinVencimiento, the schedule ends after the last date (by day) or after
+// the count (CantidadVeces, or what CalcularFinal derives from the start and last dates). The
+// notice of an occurrence falls NotificarDias before its due date; the current occurrence's
+// notice is put off by Postergado days. Dates before --desde are stepped over, not listed.
+#include <algorithm>
+#include <fstream>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+#include "args.h"
+#include "command.h"
+#include "fachada.h"
+#include "icalendar.h"
+#include "kivmovfrec/records.h"
+#include "movement_json.h"
+#include "output.h"
+#include "platform/vb/convert.h"
+#include "platform/vb/dates.h"
+#include "platform/vb/format.h"
+#include "schedule/date_calculator.h"
+#include "storage/tabla_recurrencias.h"
+
+namespace kivmovfrec::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Stepping stops here even for a daily schedule without end over a huge range.
+constexpr int kMaxOcurrencias = 100000;
+
+struct Args {
+  std::string desde, hasta, ics;
+};
+
+struct Evento {
+  Date fecha;
+  bool aviso = false;  // notice date (else due date)
+  int32_t id = 0;
+  int tipo = 0;
+  std::string nombre;
+  std::string memo;
+  int32_t ocurrencia = 0;
+  Date vencimiento;  // the due date the event belongs to
+};
+
+struct Agendado {
+  int32_t id = 0;
+  int tipo = 0;
+  std::string nombre;
+  std::string memo;
+  clsRegRecurrencia rec;
+};
+
+std::string Sql(int32_t empresa) {
+  return "Select * From genMovimientosFrecuentes Inner Join genRecurrencias On "
+         "genRecurrencias.RecID = genMovimientosFrecuentes.MFrRecurrencia Where MFrEmpresa = " +
+         std::to_string(empresa) + " And MFrEstado = 0 Order By MFrID";
+}
+
+std::vector<Agendado> Leer(Connection& cn, int32_t empresa) {
+  std::vector<Agendado> lista;
+  auto rs = cn.OpenResultset(Sql(empresa));
+  for (; !rs->Eof(); rs->MoveNext()) {
+    Agendado a;
+    a.id = vb::CLng(rs->Get("MFrID"));
+    const Variant tipo = rs->Get("MFrTipo");
+    a.tipo = tipo.IsNull() ? 0 : vb::CInt(tipo);
+    const Variant nombre = rs->Get("MFrNombre");
+    a.nombre = nombre.IsNull() ? "" : vb::CStr(nombre);
+    const Variant memo = rs->Get("MFrMemo");
+    a.memo = memo.IsNull() ? "" : vb::CStr(memo);
+    storage::LeerRecurrencia(*rs, a.rec);
+    lista.push_back(std::move(a));
+  }
+  return lista;
+}
+
+// A start date handed to CalcularFinal: the day only.
+Date SinHora(Date d) {
+  return vb::DateOnly(d);
+}
+
+// The occurrences of one schedule whose due or notice date falls in [desde, hasta] (by day).
+void Ocurrencias(const Agendado& a, Date desde, Date hasta, IDateCalculator& cal,
+                 std::vector<Evento>& eventos, std::ostream& err) {
+  const clsRegRecurrencia& r = a.rec;
+  const auto proxima = vb::ParseDate(r.FechaProxima());
+  if (!proxima) {
+    err << fmt::format(
+        "movfrec agenda: el movimiento {} tiene una próxima fecha ilegible («{}»); "
+        "se omite\n",
+        a.id, r.FechaProxima());
+    return;
+  }
+  const std::string& codigo = r.Frecuencia();
+  const bool una_vez = vb::Val(codigo) == 0;
+  const auto final_ = vb::ParseDate(r.FechaFinal());
+  int32_t cantidad = r.CantidadVeces();
+  if (!una_vez && r.SinVencimiento() == 0 && cantidad <= 0 && final_) {
+    if (const auto inicio = vb::ParseDate(r.FechaInicio())) {
+      Date f = *final_;
+      cantidad = 0;
+      try {
+        cal.CalcularFinal(codigo, SinHora(*inicio), cantidad, f);
+      } catch (const std::exception&) {
+        cantidad = 0;
+      }
+    }
+  }
+  const double antelacion = r.NotificarDias() > 0 ? r.NotificarDias() : 0.0;
+
+  Date d = *proxima;
+  int32_t n = r.NumOcurrencia() < 1 ? 1 : r.NumOcurrencia();
+  for (int paso = 0; paso < kMaxOcurrencias; ++paso) {
+    const bool actual = paso == 0;
+    const std::optional<Date> aviso =
+        antelacion > 0
+            ? std::optional<Date>(Date{d.serial - antelacion + (actual ? r.Postergado() : 0.0)})
+            : std::nullopt;
+    const Date dia = vb::DateOnly(d);
+    auto en_rango = [&](Date x) {
+      const Date xd = vb::DateOnly(x);
+      return xd >= desde && xd <= hasta;
+    };
+    if (en_rango(d)) eventos.push_back({d, false, a.id, a.tipo, a.nombre, a.memo, n, d});
+    if (aviso && en_rango(*aviso)) {
+      eventos.push_back({*aviso, true, a.id, a.tipo, a.nombre, a.memo, n, d});
+    }
+    if (dia > hasta && (!aviso || vb::DateOnly(*aviso) > hasta)) break;
+    if (una_vez) break;
+
+    Date siguiente;
+    try {
+      const Date paso_dia = cal.ProximaFecha(codigo, d);
+      siguiente = Date{vb::DateOnly(paso_dia).serial + (d.serial - dia.serial)};
+    } catch (const std::exception&) {
+      err << fmt::format(
+          "movfrec agenda: el movimiento {} tiene la frecuencia ilegible «{}»; solo "
+          "se muestra su próximo vencimiento\n",
+          a.id, codigo);
+      break;
+    }
+    if (siguiente <= d) break;
+    if (r.SinVencimiento() == 0) {
+      if (final_ && vb::DateOnly(siguiente) > vb::DateOnly(*final_)) break;
+      if (cantidad > 0 && n + 1 > cantidad) break;
+    }
+    d = siguiente;
+    ++n;
+  }
+}
+
+std::string EventoTexto(const Evento& e) {
+  return e.aviso ? "Notificación" : "Vencimiento";
+}
+
+Json EventoJson(const Evento& e) {
+  return {{"Fecha", FechaTexto(e.fecha)},
+          {"Evento", EventoTexto(e)},
+          {"ID", e.id},
+          {"Tipo", e.tipo},
+          {"Nombre", e.nombre},
+          {"NumOcurrencia", e.ocurrencia},
+          {"FechaVencimiento", FechaTexto(e.vencimiento)}};
+}
+
+EventoIcs EventoCalendario(const Evento& e, int32_t empresa) {
+  EventoIcs ics;
+  ics.uid = fmt::format("mf{}-{}-{}-e{}@movfrec.kivmovfrec", e.id, e.ocurrencia,
+                        e.aviso ? "aviso" : "vto", empresa);
+  ics.inicio = e.fecha;
+  ics.resumen =
+      e.aviso ? fmt::format("Notificación: {} (vence el {})", e.nombre, FechaTexto(e.vencimiento))
+              : fmt::format("Vencimiento: {}", e.nombre);
+  ics.descripcion = e.memo;
+  if (!ics.descripcion.empty()) ics.descripcion += "\n";
+  ics.descripcion += fmt::format("{} {}, ocurrencia {}", TipoTexto(e.tipo), e.id, e.ocurrencia);
+  return ics;
+}
+
+Date Fecha(const std::string& texto) {
+  // Validated by FechaValida when parsed.
+  return *ParseFecha(texto);
+}
+
+Action Setup(CLI::App& app) {
+  auto args = std::make_shared<Args>();
+  app.add_option("--desde", args->desde, "Primer día (hoy si falta)")
+      ->type_name("FECHA")
+      ->check(FechaValida());
+  app.add_option("--hasta", args->hasta, "Último día (30 días después de --desde si falta)")
+      ->type_name("FECHA")
+      ->check(FechaValida());
+  app.add_option("--ics", args->ics, "Escribe también un archivo iCalendar")->type_name("ARCHIVO");
+  app.footer(
+      "Lista los vencimientos y las fechas de notificación de los movimientos, avisos y\n"
+      "listas de tareas agendados en proceso, desde su próximo vencimiento en adelante. Las\n"
+      "fechas se escriben dd/mm/aaaa o aaaa-mm-dd.");
+  return [args](Context& ctx) {
+    const Date hoy = vb::DateOnly(ctx.services().clock->Today());
+    const Date desde = args->desde.empty() ? hoy : Fecha(args->desde);
+    const Date hasta = args->hasta.empty() ? Date{desde.serial + 30} : Fecha(args->hasta);
+    if (hasta < desde) {
+      throw UsageError(fmt::format("--hasta ({}) es anterior a --desde ({})", FechaTexto(hasta),
+                                   FechaTexto(desde)));
+    }
+
+    schedule::DateCalculator calculadora;
+    std::vector<Evento> eventos;
+    for (const Agendado& a : Leer(*ctx.connection(), ctx.options().empresa)) {
+      Ocurrencias(a, desde, hasta, calculadora, eventos, ctx.err());
+    }
+    std::stable_sort(eventos.begin(), eventos.end(), [](const Evento& x, const Evento& y) {
+      return std::tuple(x.fecha, x.id, !x.aviso) < std::tuple(y.fecha, y.id, !y.aviso);
+    });
+
+    if (!args->ics.empty()) {
+      std::vector<EventoIcs> ics;
+      for (const Evento& e : eventos) ics.push_back(EventoCalendario(e, ctx.options().empresa));
+      std::ofstream out(args->ics, std::ios::binary | std::ios::trunc);
+      out << Calendario(ics, SelloUtcAhora());
+      out.close();
+      if (!out) return Rechazo(ctx, "agenda", "no se pudo escribir el archivo " + args->ics);
+    }
+
+    if (ctx.json()) {
+      Json lista = Json::array();
+      for (const Evento& e : eventos) lista.push_back(EventoJson(e));
+      ctx.PrintJson(lista);
+    } else if (eventos.empty()) {
+      ctx.out() << "No hay vencimientos ni avisos entre el " << FechaTexto(desde) << " y el "
+                << FechaTexto(hasta) << ".\n";
+    } else {
+      TextTable tabla{{"Fecha", "Evento", "ID", "Tipo", "Nombre", "Ocurrencia", "Vence"},
+                      {},
+                      {false, false, true, false, false, true, false}};
+      for (const Evento& e : eventos) {
+        tabla.rows.push_back({FechaTexto(e.fecha), EventoTexto(e), std::to_string(e.id),
+                              TipoTexto(e.tipo), e.nombre, std::to_string(e.ocurrencia),
+                              e.aviso ? FechaTexto(e.vencimiento) : ""});
+      }
+      tabla.Print(ctx.out());
+    }
+    return kExitOk;
+  };
+}
+
+const bool registered = RegisterCommand(
+    {"agenda", "Vencimientos y notificaciones de un período (--desde, --hasta, --ics)", 60, Setup});
+
+}  // namespace
+}  // namespace kivmovfrec::cli

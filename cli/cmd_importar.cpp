@@ -1,0 +1,209 @@
+// movfrec importar ARCHIVO: creates or updates movements from the JSON that exportar writes.
+//
+// All or nothing. Every movement of the file is read and checked first (movement_json.h lists
+// the checks; here also: the company, that an ID above 0 names an existing movement of that
+// company, and that no ID appears twice). Any problem: every problem found is listed and
+// nothing is written. Then the movements are saved, one after the other, through the façade's
+// locked save, all inside ONE transaction of the import: the locked save's own begin and
+// commit join that transaction (see UnaTransaccion below), so a save that fails midway rolls
+// back the ones before it as well, and the table counters too.
+#include <fstream>
+#include <memory>
+#include <ostream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+#include "command.h"
+#include "fachada.h"
+#include "movement_json.h"
+
+namespace kivmovfrec::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// A connection that runs inside a transaction the import already holds on `base`: a
+// BeginTrans / CommitTrans of the code it is handed to is absorbed into that transaction, and
+// a RollbackTrans is remembered so the import rolls the whole transaction back. Everything
+// else goes straight to `base`.
+class UnaTransaccion final : public Connection {
+ public:
+  explicit UnaTransaccion(std::shared_ptr<Connection> base) : base_(std::move(base)) {}
+
+  bool Deshecha() const { return deshecha_; }
+
+  Engine engine() const override { return base_->engine(); }
+  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
+    return base_->OpenResultset(sql);
+  }
+  std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
+    return base_->OpenReadOnly(sql);
+  }
+  int64_t Execute(std::string_view sql) override { return base_->Execute(sql); }
+  void BeginTrans() override {
+    if (!base_->InTransaction())
+      throw DbError("importar: la transacción de la importación no está abierta");
+    if (abierta_) throw DbError("importar: transacción ya iniciada");
+    abierta_ = true;
+  }
+  void CommitTrans() override {
+    if (!abierta_) throw DbError("importar: no hay transacción que confirmar");
+    abierta_ = false;
+  }
+  void RollbackTrans() override {
+    if (abierta_) deshecha_ = true;
+    abierta_ = false;
+  }
+  bool InTransaction() const override { return abierta_; }
+  std::string Translate(std::string_view sql) const override { return base_->Translate(sql); }
+
+ private:
+  std::shared_ptr<Connection> base_;
+  bool abierta_ = false;
+  bool deshecha_ = false;
+};
+
+struct Entrada {
+  MovimientoLeido leido;
+  std::string ruta;
+  int32_t recurrencia_guardada = 0;  // schedule key of the stored movement (updates)
+};
+
+// Checks against the database: company, existence, duplicates. Fills recurrencia_guardada.
+void Comprobar(Context& ctx, std::vector<Entrada>& entradas, std::vector<std::string>& errores) {
+  const int32_t empresa = ctx.options().empresa;
+  std::set<int32_t> vistos;
+  for (Entrada& e : entradas) {
+    clsRegMovimientoFrecuente& m = *e.leido.mf->MovFrecuente();
+    if (m.Empresa() == 0) {
+      m.Empresa(static_cast<int16_t>(empresa));
+    } else if (m.Empresa() != empresa) {
+      errores.push_back(fmt::format(
+          "{}.MovFrecuente.Empresa: el movimiento es de la empresa {} y se importa en la "
+          "empresa {} (use --empresa o ponga 0)",
+          e.ruta, m.Empresa(), empresa));
+    }
+    if (m.ID() == 0) continue;
+    if (!vistos.insert(m.ID()).second) {
+      errores.push_back(fmt::format("{}.MovFrecuente.ID: el movimiento {} aparece más de una vez",
+                                    e.ruta, m.ID()));
+      continue;
+    }
+    const auto guardado = MovimientoGuardado(ctx, m.ID());
+    if (!guardado) {
+      errores.push_back(fmt::format("{}.MovFrecuente.ID: {} (use ID 0 para crear uno nuevo)",
+                                    e.ruta, NoExiste(m.ID())));
+      continue;
+    }
+    if (guardado->MovFrecuente()->Empresa() != empresa) {
+      errores.push_back(fmt::format("{}.MovFrecuente.ID: el movimiento {} es de la empresa {}",
+                                    e.ruta, m.ID(), guardado->MovFrecuente()->Empresa()));
+    }
+    e.recurrencia_guardada = guardado->Recurrencia()->ID();
+  }
+}
+
+// The keys tying the header to its schedule come from the database: a new movement gets a new
+// schedule row; an existing one keeps its row (or loses it when the file has no Recurrencia).
+void EnlazarAgenda(Entrada& e) {
+  clsRegMovimientoFrecuente& m = *e.leido.mf->MovFrecuente();
+  clsRegRecurrencia& r = *e.leido.mf->Recurrencia();
+  r.ID(e.recurrencia_guardada);
+  m.Recurrencia(e.leido.con_agenda ? e.recurrencia_guardada : 0);
+}
+
+Action Setup(CLI::App& app) {
+  auto archivo = std::make_shared<std::string>();
+  app.add_option("ARCHIVO", *archivo, "Archivo JSON: un movimiento o una lista (como exportar)")
+      ->required();
+  app.footer(
+      "Un movimiento con \"ID\": 0 se crea; con otro ID se reemplaza el movimiento existente\n"
+      "(cabecera, agenda y renglones; una clave que falta toma el valor de un registro nuevo).\n"
+      "Se ignoran al leer: los campos de la cuenta, proyecto y departamento de los renglones\n"
+      "(CuentaCodigo, CuentaNombre, ProyectoAbreviacion, DepartamentoAbreviacion, Moneda),\n"
+      "idMF, Posponer y las claves de la agenda (MovFrecuente.Recurrencia, Recurrencia.ID),\n"
+      "que se toman de la base de datos.\n"
+      "Todo o nada: primero se revisa el archivo entero y, si algún movimiento tiene un error,\n"
+      "se listan todos los errores y no se graba ninguno. Después se graban todos dentro de\n"
+      "una sola transacción: si uno falla no queda grabado ninguno.\n"
+      "Muestra los números de los movimientos grabados, en el orden del archivo.");
+  return [archivo](Context& ctx) {
+    std::ifstream in(*archivo, std::ios::binary);
+    if (!in) return Rechazo(ctx, "importar", "no se puede leer el archivo " + *archivo);
+    std::ostringstream texto;
+    texto << in.rdbuf();
+    Json j;
+    try {
+      j = Json::parse(texto.str());
+    } catch (const Json::parse_error& e) {
+      return Rechazo(ctx, "importar",
+                     fmt::format("{} no es JSON válido (byte {}): {}", *archivo, e.byte, e.what()));
+    }
+
+    std::vector<Entrada> entradas;
+    std::vector<std::string> errores;
+    if (j.is_array()) {
+      for (size_t i = 0; i < j.size(); ++i) {
+        const std::string ruta = fmt::format("$[{}]", i);
+        entradas.push_back({LeerMovimiento(j[i], ruta, errores), ruta, 0});
+      }
+    } else {
+      entradas.push_back({LeerMovimiento(j, "$", errores), "$", 0});
+    }
+    if (errores.empty()) Comprobar(ctx, entradas, errores);
+    if (!errores.empty()) {
+      for (const std::string& e : errores) ctx.err() << "movfrec importar: " << e << '\n';
+      return Rechazo(ctx, "importar",
+                     fmt::format("{} error{} en {}; no se importó ningún movimiento",
+                                 errores.size(), errores.size() == 1 ? "" : "es", *archivo));
+    }
+
+    auto base = ctx.connection();
+    auto conexion = std::make_shared<UnaTransaccion>(base);
+    auto fachada = AbrirFachada(ctx, conexion);
+    std::vector<std::pair<int32_t, bool>> guardados;
+    base->BeginTrans();
+    try {
+      for (Entrada& e : entradas) {
+        EnlazarAgenda(e);
+        const bool nuevo = e.leido.mf->MovFrecuente()->ID() == 0;
+        fachada->EstructuraMovFrec(e.leido.mf);
+        const int32_t id = fachada->SaveMovimientoFrecuenteConBloqueo(false);
+        if (id == 0 || conexion->Deshecha()) {
+          base->RollbackTrans();
+          return Rechazo(ctx, "importar",
+                         fmt::format("no se pudo grabar el movimiento {} ({}); se deshizo la "
+                                     "importación y no se grabó ninguno",
+                                     e.ruta, e.leido.mf->MovFrecuente()->Nombre()));
+        }
+        guardados.emplace_back(id, nuevo);
+      }
+      base->CommitTrans();
+    } catch (...) {
+      base->RollbackTrans();
+      throw;
+    }
+
+    if (ctx.json()) {
+      Json lista = Json::array();
+      for (const auto& [id, nuevo] : guardados) lista.push_back({{"ID", id}, {"Nuevo", nuevo}});
+      ctx.PrintJson(lista);
+    } else {
+      for (const auto& [id, nuevo] : guardados) {
+        ctx.out() << "Movimiento " << id << (nuevo ? " creado" : " actualizado") << ".\n";
+      }
+    }
+    return kExitOk;
+  };
+}
+
+const bool registered = RegisterCommand(
+    {"importar", "Crea o actualiza movimientos desde un archivo JSON (todo o nada)", 32, Setup});
+
+}  // namespace
+}  // namespace kivmovfrec::cli

@@ -1,0 +1,99 @@
+#include "icalendar.h"
+
+#include <chrono>
+#include <ctime>
+
+#include <fmt/format.h>
+
+#include "platform/vb/dates.h"
+
+namespace kivmovfrec::cli {
+namespace {
+
+std::string Inicio(Date d) {
+  const vb::DateParts p = vb::Split(d);
+  if (p.hour == 0 && p.minute == 0 && p.second == 0) {
+    return fmt::format("DTSTART;VALUE=DATE:{:04}{:02}{:02}", p.year, p.month, p.day);
+  }
+  return fmt::format("DTSTART:{:04}{:02}{:02}T{:02}{:02}{:02}", p.year, p.month, p.day, p.hour,
+                     p.minute, p.second);
+}
+
+}  // namespace
+
+std::string EscaparTexto(std::string_view texto) {
+  std::string out;
+  for (size_t i = 0; i < texto.size(); ++i) {
+    const char c = texto[i];
+    switch (c) {
+      case '\\':
+        out += "\\\\";
+        break;
+      case ';':
+        out += "\\;";
+        break;
+      case ',':
+        out += "\\,";
+        break;
+      case '\r':
+        if (i + 1 < texto.size() && texto[i + 1] == '\n') ++i;
+        out += "\\n";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
+}
+
+std::string Plegar(std::string_view linea) {
+  std::string out;
+  size_t usados = 0;  // octets on the current physical line
+  size_t i = 0;
+  while (i < linea.size()) {
+    // Length of the UTF-8 character starting at i.
+    const unsigned char c = static_cast<unsigned char>(linea[i]);
+    size_t n = c < 0x80 ? 1 : (c >> 5) == 0x6 ? 2 : (c >> 4) == 0xE ? 3 : (c >> 3) == 0x1E ? 4 : 1;
+    if (i + n > linea.size()) n = linea.size() - i;
+    if (usados + n > 75) {
+      out += "\r\n ";
+      usados = 1;
+    }
+    out.append(linea.substr(i, n));
+    usados += n;
+    i += n;
+  }
+  return out + "\r\n";
+}
+
+std::string SelloUtcAhora() {
+  const std::time_t t = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  std::tm utc{};
+  gmtime_r(&t, &utc);
+  return fmt::format("{:04}{:02}{:02}T{:02}{:02}{:02}Z", utc.tm_year + 1900, utc.tm_mon + 1,
+                     utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec);
+}
+
+std::string Calendario(const std::vector<EventoIcs>& eventos, std::string_view sello) {
+  std::string out;
+  out += Plegar("BEGIN:VCALENDAR");
+  out += Plegar("VERSION:2.0");
+  out += Plegar("PRODID:-//kivMovFrec//movfrec agenda//ES");
+  out += Plegar("CALSCALE:GREGORIAN");
+  for (const EventoIcs& e : eventos) {
+    out += Plegar("BEGIN:VEVENT");
+    out += Plegar("UID:" + e.uid);
+    out += Plegar("DTSTAMP:" + std::string(sello));
+    out += Plegar(Inicio(e.inicio));
+    out += Plegar("SUMMARY:" + EscaparTexto(e.resumen));
+    if (!e.descripcion.empty()) out += Plegar("DESCRIPTION:" + EscaparTexto(e.descripcion));
+    out += Plegar("END:VEVENT");
+  }
+  out += Plegar("END:VCALENDAR");
+  return out;
+}
+
+}  // namespace kivmovfrec::cli

@@ -1,0 +1,73 @@
+// A frequent movement as JSON, both ways, for ver / exportar (writing) and importar (reading).
+//
+// Shape: {"MovFrecuente": {...}, "Recurrencia": {...} | null, "Renglones": [{...}, ...]}.
+// Keys are the records' property names in property order:
+//   MovFrecuente  Estado FechaEstado Vista Detalle Imagen ID Empresa Tipo DelSistema Nombre Memo
+//                 Ente Modalidad TipoImporte Moneda Recurrencia MovVinculado OrdenMovVinculado
+//                 UsuarioAlta UsuarioAutoriza
+//   Recurrencia   ID NotificarDias Notificar SinVencimiento FechaProxima CantidadVeces CadaCuanto
+//                 TipoRecurrencia EraNotificacion Postergado Posponer, then the members kept
+//                 inside the component: Frecuencia (six digits) FechaInicio FechaFinal
+//                 NumOcurrencia
+//   Renglones[]   idMF CuentaCodigo CuentaNombre ProyectoAbreviacion DepartamentoAbreviacion
+//                 Cuenta Proyecto Departamento Orden AlDebe Formula ImporteCta ImporteMF Moneda
+//                 TipoCambio ValorTC Detalle
+// Values: dates "dd/mm/aaaa" or "dd/mm/aaaa hh:nn[:ss]" (null when there is none); AlDebe a
+// JSON boolean; numbers as JSON numbers (single-precision fields written with their shortest
+// decimal form, so 2.6 stays 2.6); texts as strings ("" when empty, never null).
+//
+// Reading (importar) is strict. Every problem is reported with the path of the offending key
+// ("$[2].Renglones[0].Cuenta") and reading goes on to find the others:
+//   - unknown keys, wrong JSON types, integers out of the property's range, fractional numbers
+//     where a whole one is expected;
+//   - Tipo other than 1..6, Estado other than 0, 1, 9, DelSistema other than 0, 1,
+//     TipoRecurrencia other than 0..3, a Frecuencia that is no six-digit code;
+//   - dates that do not read (accepted: dd/mm/aaaa or aaaa-mm-dd, optionally followed by
+//     hh:nn or hh:nn:ss);
+//   - a single quote in Nombre, Memo or a line's Detalle (such texts end up in SQL);
+//   - a Recurrencia object without FechaProxima.
+// Missing keys take the value of a new record (a missing FechaEstado is "now"); "Recurrencia"
+// missing is null, "Renglones" missing is []. Null is accepted for texts ("") and dates (none).
+// Ignored on input, whatever they hold (their type is still checked): the lines' joined fields
+// (CuentaCodigo, CuentaNombre, ProyectoAbreviacion, DepartamentoAbreviacion, Moneda) and idMF,
+// Recurrencia.Posponer (it is Postergado seen as a whole number), and the keys that tie the
+// header to its schedule (MovFrecuente.Recurrencia, Recurrencia.ID): those belong to the
+// database, and importar takes them from the stored movement.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "kivmovfrec/mf_tipo.h"
+
+namespace kivmovfrec::cli {
+
+// The movement as JSON (shape above). Recurrencia is null when the schedule record is empty
+// (no ID and no FechaProxima).
+nlohmann::ordered_json MovimientoJson(const clsMFTipo& mf);
+
+// A movement read from JSON: the aggregate to save and where it came from.
+struct MovimientoLeido {
+  std::shared_ptr<clsMFTipo> mf;
+  bool con_agenda = false;  // the file gave a Recurrencia object
+};
+
+// Reads one movement object found at `ruta` ("$" or "$[2]"). Problems are appended to
+// `errores` as "ruta.Clave: what is wrong" (Spanish); the result is meaningful only when none
+// were added.
+MovimientoLeido LeerMovimiento(const nlohmann::ordered_json& j, const std::string& ruta,
+                               std::vector<std::string>& errores);
+
+// A date given in a JSON file: dd/mm/aaaa or aaaa-mm-dd, optionally followed by a blank (or
+// "T") and hh:nn or hh:nn:ss. Nothing when it is neither or names no real moment.
+std::optional<Date> LeerFechaJson(const std::string& texto);
+
+// Names for people.
+std::string TipoTexto(int tipo);      // "Asiento", "Comprobante", "Aviso", ...
+std::string EstadoTexto(int estado);  // "En proceso", "Realizado", "Papelera"
+
+}  // namespace kivmovfrec::cli
