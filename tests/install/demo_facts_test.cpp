@@ -1,4 +1,4 @@
-// Facts about the demo company that the rest of the work relies on.
+// Facts about the demo company that the rest of the work relies on, on every engine.
 
 #include <map>
 #include <regex>
@@ -10,13 +10,17 @@
 
 #include "install/demo_db.h"
 #include "platform/vb/convert.h"
+#include "support/db_engines.h"
 
 namespace kivmovfrec::testing {
 namespace {
 
-class DemoFacts : public ::testing::Test {
+class DemoFacts : public EngineTest {
  protected:
-  void SetUp() override { cn_ = OpenInstalledDb(); }
+  void SetUpDatabase() override {
+    InstallSchema(*cn, {.demo = true});
+    cn_ = cn;
+  }
 
   // Debit minus credit of the account's lines in posted entries dated on or before `date`.
   double Balance(int account, const std::string& date) {
@@ -33,7 +37,7 @@ class DemoFacts : public ::testing::Test {
   std::shared_ptr<Connection> cn_;
 };
 
-TEST_F(DemoFacts, BalancesOnKnownDates) {
+TEST_P(DemoFacts, BalancesOnKnownDates) {
   struct Case {
     int account;
     const char* date;
@@ -56,7 +60,7 @@ TEST_F(DemoFacts, BalancesOnKnownDates) {
   }
 }
 
-TEST_F(DemoFacts, EveryEntryBalancesAndOnlyPostedOnesCount) {
+TEST_P(DemoFacts, EveryEntryBalancesAndOnlyPostedOnesCount) {
   EXPECT_EQ(CountRows(*cn_,
                       "Select ACuIDAsiento From cceAsientoCuenta Group By ACuIDAsiento "
                       "Having Abs(Sum(ACuDebe) - Sum(ACuHaber)) > 0.001"),
@@ -68,7 +72,7 @@ TEST_F(DemoFacts, EveryEntryBalancesAndOnlyPostedOnesCount) {
             2);
 }
 
-TEST_F(DemoFacts, RatePairKeptOnlyInverselyAndOneHopPath) {
+TEST_P(DemoFacts, RatePairKeptOnlyInverselyAndOneHopPath) {
   EXPECT_EQ(
       CountRows(*cn_,
                 "Select * From genCotizacionesMoneda Where CMoMoneda = 4 And CMoCotizaEn = 1"),
@@ -94,7 +98,7 @@ TEST_F(DemoFacts, RatePairKeptOnlyInverselyAndOneHopPath) {
             0);
 }
 
-TEST_F(DemoFacts, CountersStartAboveTheDemoKeys) {
+TEST_P(DemoFacts, CountersStartAboveTheDemoKeys) {
   const std::map<std::string, std::string> keys = {{"genMovimientosFrecuentes", "MFrID"},
                                                    {"genRecurrencias", "RecID"},
                                                    {"cceAsientos", "AsiID"},
@@ -111,7 +115,7 @@ TEST_F(DemoFacts, CountersStartAboveTheDemoKeys) {
   }
 }
 
-TEST_F(DemoFacts, SettingsAndRights) {
+TEST_P(DemoFacts, SettingsAndRights) {
   EXPECT_EQ(Text("Select ParTexto From genParametros Where ParNombre = 'defBDDateCharSQLs'"), "'");
   EXPECT_EQ(Text("Select ParTexto From genParametros Where ParNombre = 'defBDDateFormat'"),
             "yyyy-mm-dd hh:nn:ss");
@@ -137,7 +141,7 @@ TEST_F(DemoFacts, SettingsAndRights) {
 // the same movement for id 1, a line of a frequent (2, 9) or scheduled (19, 20) entry (2, 19)
 // or voucher (9, 20) of the same company for the others. Line accounts are accounts of the
 // movement's company that are not folders.
-TEST_F(DemoFacts, FormulasPointAtLinesThatExist) {
+TEST_P(DemoFacts, FormulasPointAtLinesThatExist) {
   using LineKey = std::tuple<long, long, long, long>;  // movement, account, project, department
   std::set<LineKey> lines;
   struct Line {
@@ -197,7 +201,7 @@ TEST_F(DemoFacts, FormulasPointAtLinesThatExist) {
   }
 }
 
-TEST_F(DemoFacts, MovementsOfEveryKind) {
+TEST_P(DemoFacts, MovementsOfEveryKind) {
   for (int type = 1; type <= 6; ++type) {
     EXPECT_GT(CountRows(*cn_, "Select * From genMovimientosFrecuentes Where MFrTipo = " +
                                   std::to_string(type)),
@@ -227,6 +231,8 @@ TEST_F(DemoFacts, MovementsOfEveryKind) {
                       "MFrEnte = 10"),
             0);
 }
+
+KMF_INSTANTIATE_ENGINES(DemoFacts);
 
 }  // namespace
 }  // namespace kivmovfrec::testing
