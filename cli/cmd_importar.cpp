@@ -8,6 +8,7 @@
 // commit join that transaction (see UnaTransaccion below), so a save that fails midway rolls
 // back the ones before it as well, and the table counters too.
 #include <fstream>
+#include <limits>
 #include <memory>
 #include <ostream>
 #include <set>
@@ -77,6 +78,12 @@ struct Entrada {
 // Checks against the database: company, existence, duplicates. Fills recurrencia_guardada.
 void Comprobar(Context& ctx, std::vector<Entrada>& entradas, std::vector<std::string>& errores) {
   const int32_t empresa = ctx.options().empresa;
+  if (empresa > std::numeric_limits<int16_t>::max()) {
+    errores.push_back(
+        fmt::format("--empresa {}: un movimiento guarda la empresa en 16 bits (hasta {})", empresa,
+                    std::numeric_limits<int16_t>::max()));
+    return;
+  }
   std::set<int32_t> vistos;
   for (Entrada& e : entradas) {
     clsRegMovimientoFrecuente& m = *e.leido.mf->MovFrecuente();
@@ -127,7 +134,8 @@ Action Setup(CLI::App& app) {
       "Se ignoran al leer: los campos de la cuenta, proyecto y departamento de los renglones\n"
       "(CuentaCodigo, CuentaNombre, ProyectoAbreviacion, DepartamentoAbreviacion, Moneda),\n"
       "idMF, Posponer y las claves de la agenda (MovFrecuente.Recurrencia, Recurrencia.ID),\n"
-      "que se toman de la base de datos.\n"
+      "que se toman de la base de datos. MovFrecuente.Empresa debe ser 0 o la de --empresa;\n"
+      "un ID distinto de 0 debe ser un movimiento existente de esa empresa.\n"
       "Todo o nada: primero se revisa el archivo entero y, si algún movimiento tiene un error,\n"
       "se listan todos los errores y no se graba ninguno. Después se graban todos dentro de\n"
       "una sola transacción: si uno falla no queda grabado ninguno.\n"
