@@ -127,7 +127,11 @@ class SqliteResultset final : public Resultset {
       if (!changed.empty()) {
         std::string sets;
         for (size_t i : changed) sets += (sets.empty() ? "" : ", ") + QuoteName(cols[i]) + " = ?";
-        Run(fmt::format("UPDATE {} SET {} WHERE rowid = ?", table, sets), changed, rowid);
+        // RETURNING gives the row's rowid after the change: assigning an INTEGER PRIMARY KEY
+        // column moves the row to another rowid, and the set must keep following it.
+        rowid = Run(fmt::format("UPDATE {} SET {} WHERE rowid = ? RETURNING rowid", table, sets),
+                    changed, rowid)
+                    .value_or(rowid);
       }
     }
     // The row as stored: defaults, affinity conversions and triggers included.
@@ -180,14 +184,19 @@ class SqliteResultset final : public Resultset {
     return row;
   }
 
-  // Runs an INSERT or UPDATE binding the changed columns (and the rowid last).
-  void Run(const std::string& sql, const std::vector<size_t>& changed,
-           std::optional<int64_t> rowid) {
+  // Runs an INSERT or UPDATE binding the changed columns (and the rowid last). Returns the first
+  // column of the first row the statement yields (its RETURNING value), if any.
+  std::optional<int64_t> Run(const std::string& sql, const std::vector<size_t>& changed,
+                             std::optional<int64_t> rowid) {
     Statement st(db_, sql, sql);
     int n = 1;
     for (size_t i : changed) st.Bind(n++, buffer_[i]);
     if (rowid) st.BindInt64(n, *rowid);
-    st.Step();
+    if (!st.Step()) return std::nullopt;
+    const int64_t first = sqlite3_column_int64(st.get(), 0);
+    while (st.Step()) {
+    }
+    return first;
   }
 
   void CheckOpen() const {
