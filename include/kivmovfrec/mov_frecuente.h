@@ -30,12 +30,16 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/enums.h"
 #include "kivmovfrec/mf_tipo.h"
+#include "kivmovfrec/renglones_mf.h"
 #include "kivmovfrec/services.h"
+#include "kivmovfrec/traza_fx.h"
 
 namespace kivmovfrec {
 
@@ -141,6 +145,49 @@ class clsMovFrecuente {
   bool DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez);
   bool DarRealizadaFechaAgenda(int32_t lIDMF);
 
+  // ---- Formulas ----------------------------------------------------------------------------
+  // The three formula members prepare the same context before they hand over to the formula
+  // evaluator (formula/calculo_fx.h):
+  //  1. When the current movement's schedule has an empty FechaProxima it is set to today's
+  //     date as text ("dd/mm/aaaa", from the clock service) when FechaHoyCalculoFx is true,
+  //     otherwise to "01/01/1958", the mark of a date not set.
+  //  2. The company context is created and loaded on first need, and its accounting currency
+  //     copied into the process-wide setting the rate service reads.
+  //  3. An evaluator is created with the connection and the company context, called with the
+  //     calculation date FechaProxima (as a date) and released.
+  // The date marker is never a calculation date: the evaluator then takes the movement's next
+  // due date, or today. Every call leaves its trace (UltimaTrazaFx). On failure the member
+  // shows "Fórmula sin resultado" (GetValueUnaPata: "Formula sin resultado"), exclamation icon,
+  // and returns false; errors never reach the caller.
+
+  // Evaluates movement lMovFrec into the current movement: it is loaded (header, schedule,
+  // lines) and its lines receive the computed amounts (ImporteMF in the movement's currency,
+  // ImporteCta in the account's). bNoPedirDatos true: no prompt for the movement total
+  // ([ImpMov], computed as 0) nor for [PedirDato]. When the loaded movement has no due date its
+  // schedule keeps the FechaProxima text of step 1. The date actually used is in
+  // UltimaTrazaFx().fecha. False (and the message) when the movement does not exist, a line has
+  // no result or a prompt was cancelled.
+  bool SetCalculoFormulasMF(int32_t lMovFrec, bool bNoPedirDatos);
+
+  // The amount of the single open leg of the given lines (currency iMonMF, company iEmpresaMF)
+  // and whether it may still be edited; dbImporte comes in as the movement total. The lines are
+  // not changed. The rule for the open leg is in formula/calculo_fx.h.
+  bool GetValueUnaPata(const clsRenglonesMF& RenglonesMF, int16_t iMonMF, int16_t iEmpresaMF,
+                       bool& bImporteEditable, double& dbImporte);
+
+  // Recomputes the amounts of the given lines in place, in currency iMonMF, for the current
+  // movement ([pIDMov] = its ID). Unless bNoPedirTC, the exchange rate of each foreign currency
+  // the lines need is asked first ("Tasa de cambio para [p]"). No other prompt.
+  bool RecalcularFormulasMF(clsRenglonesMF& RenglonesMF, int16_t iMonMF, bool bNoPedirTC);
+
+  // The legend with its date macros ("&[FDia]", "&[FFAñoMes]", ...) expanded for date
+  // dFechaMF (formula/leyenda.h); "" before Connect or on error.
+  std::string InterpretarFormulaLeyenda(std::string_view sLeyenda, Date dFechaMF);
+
+  // The trace of the last formula member's calculation (host wiring, not part of the type
+  // library): date used, every line's elements with the origin of each value, amounts, totals.
+  const TrazaCalculoFx& UltimaTrazaFx() const { return traza_fx_; }
+
  private:
   // Shows a trapped error (its text, critical icon, caption "Movimientos Frecuentes").
   void Reportar(const std::exception& e);
@@ -149,6 +196,9 @@ class clsMovFrecuente {
   // The injected date calculator, or the suite's own.
   IDateCalculator& Calendario();
   int Idioma() const;
+  // Steps 1 and 2 of the formula members; returns the calculation date.
+  Date PrepararCalculoFx();
+  void AvisarSinResultado(int mensaje);
 
   SuiteServices servicios_;
   std::shared_ptr<Connection> cn_;
@@ -157,6 +207,7 @@ class clsMovFrecuente {
   int32_t empresa_ = 0;
   std::unique_ptr<clsEmpresa> empresa_ctx_;
   std::unique_ptr<IDateCalculator> calendario_propio_;
+  TrazaCalculoFx traza_fx_;
 };
 
 }  // namespace kivmovfrec

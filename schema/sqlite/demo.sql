@@ -106,6 +106,11 @@
 --   24 voucher, frequent, contact 2 (the private one): freight.
 --   25 + 26 linked group 25: 25 entry sched 11 monthly, next 2026-11-10 (social charges paid,
 --      [5:114]), 26 frequent entry, order 2, bank fee from the scheduled one ([19:25;114;0;0]).
+--   27 system entry (type 4, MFrDelSistema 1), book 9: month-end adjustments using every kind
+--      of value: interest on the bank balance at the end of last month updated by the CER
+--      index ([4:102], [6:5] / [22:5]), exchange difference on the dollars held (a [query] block times [13:1;2] - [7:1;2]),
+--      fees from a [codescript] block ([prmiva]) plus a line reference ([1:146;0;0]), and the
+--      bank as the difference line ([10:]). As of 20/11/2026: 21000 + 15500 + 3150 = 39650.
 -- Notice recipients (genAvisosUsuarios): 8 -> 1, 4; 9 -> 1; 21 -> 1; 22 -> 1.
 -- ==============================================================================================
 
@@ -453,7 +458,9 @@ INSERT INTO genMovimientosFrecuentes (MFrID, MFrEmpresa, MFrTipo, MFrDelSistema,
   (25, 1, 1, 0, 'Pago de cargas sociales', 'Cargas sociales de &[FMes-1]', 0, 1, 3, 1, 11, 25, 1,
    1, 1, 0, '2026-10-10 08:31:00', 0, 2),
   (26, 1, 1, 0, 'Comisión bancaria por transferencia', 'Comisión bancaria', 0, 1, 3, 1, NULL, 25,
-   2, 1, 1, 0, '2026-10-10 08:31:00', 0, 2);
+   2, 1, 1, 0, '2026-10-10 08:31:00', 0, 2),
+  (27, 1, 4, 1, 'Ajustes de cierre del mes', 'Ajustes de cierre &[FFAñoMes]', 0, 9, 3, 1, NULL, NULL,
+   0, 0, 0, 0, '2026-11-01 09:00:00', 0, 0);
 
 -- ---- Frequent movements: notices -----------------------------------------------------------
 -- 8 monthly and postponed, 9 once, 21 already done, 22 weekly in modality 2.
@@ -538,7 +545,13 @@ INSERT INTO genRenglonMovFrecuentes (RMFMovimiento, RMFCuenta, RMFIDProyecto, RM
   (25, 114, 0, 0, 1, 1, '[5:114]*-1', 0, 0, NULL, NULL, NULL),
   (25, 102, 0, 0, 2, 0, '[10:]', 0, 0, NULL, NULL, NULL),
   (26, 145, 0, 0, 1, 1, '[19:25;114;0;0]*0.001', 0, 0, NULL, NULL, 'Comisión 0,1 %'),
-  (26, 102, 0, 0, 2, 0, '[10:]', 0, 0, NULL, NULL, NULL);
+  (26, 102, 0, 0, 2, 0, '[10:]', 0, 0, NULL, NULL, NULL),
+  (27, 146, 0, 0, 1, 1, '[4:102]*0.02*[6:5]/[22:5]', 0, 0, NULL, NULL, 'Interés ajustado por CER'),
+  (27, 144, 0, 0, 2, 1, '[query]Select Sum(ACuImporteMC) From cceAsientoCuenta, cceAsientos Where ACuIDAsiento = AsiID And AsiEstado = 1 And ACuCuenta = 103 And AsiEmpresa = [pEmp][/query]*([13:1;2]-[7:1;2])',
+   0, 0, NULL, NULL, 'Diferencia de cambio de los dólares'),
+  (27, 145, 0, 0, 3, 1, '[codescript]Round([prmiva] * 50, 2)[/codescript]+[1:146;0;0]*0.1', 0, 0,
+   NULL, NULL, 'Honorarios'),
+  (27, 102, 0, 0, 4, 0, '[10:]', 0, 0, NULL, NULL, NULL);
 
 -- ---- Notice recipients ---------------------------------------------------------------------
 INSERT INTO genAvisosUsuarios (AvUAviso, AvUUsuario, AvUVisto) VALUES

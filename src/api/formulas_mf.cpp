@@ -1,0 +1,116 @@
+// The formula members of clsMovFrecuente: context preparation and hand-over to the evaluator.
+#include <exception>
+#include <string>
+
+#include "formula/calculo_fx.h"
+#include "formula/leyenda.h"
+#include "kivmovfrec/mov_frecuente.h"
+#include "platform/vb/convert.h"
+#include "resources/catalogue.h"
+#include "resources/msg.h"
+#include "storage/parametros.h"
+
+namespace kivmovfrec {
+namespace {
+
+constexpr const char* kFechaNoIndicada = "01/01/1958";
+
+formula::ServiciosFx ServiciosCalculo(const SuiteServices& s) {
+  return {s.input, s.clock, s.balance};
+}
+
+}  // namespace
+
+Date clsMovFrecuente::PrepararCalculoFx() {
+  clsRegRecurrencia& rec = *estructura_->Recurrencia();
+  if (rec.FechaProxima().empty()) {
+    rec.FechaProxima(fecha_hoy_calculo_fx_ ? vb::CStr(Variant(servicios_.clock->Today()))
+                                           : std::string(kFechaNoIndicada));
+  }
+  storage::Parametros().moneda_contabilidad = EmpresaContexto().MonedaContabilidad();
+  return vb::CDate(Variant(rec.FechaProxima()));
+}
+
+void clsMovFrecuente::AvisarSinResultado(int mensaje) {
+  if (!servicios_.messages) return;
+  try {
+    servicios_.messages->Show(
+        {std::string(resources::Texto(mensaje, Idioma())),
+         std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
+         MsgIcon::Exclamation, MsgButtons::OK, 1});
+  } catch (const std::exception&) {
+  }
+}
+
+bool clsMovFrecuente::SetCalculoFormulasMF(int32_t lMovFrec, bool bNoPedirDatos) {
+  if (!cn_) return false;
+  traza_fx_ = TrazaCalculoFx{};
+  try {
+    Date fecha = PrepararCalculoFx();
+    const std::string marca = estructura_->Recurrencia()->FechaProxima();
+    formula::clsCalculoFx calculo(cn_, EmpresaContexto(), ServiciosCalculo(servicios_));
+    const bool ok = calculo.SetCalculoFormulasMF(*estructura_, lMovFrec, bNoPedirDatos, fecha);
+    traza_fx_ = calculo.Traza();
+    // The load replaced the schedule: one without due date keeps the text of step 1.
+    clsRegRecurrencia& rec = *estructura_->Recurrencia();
+    if (rec.FechaProxima().empty()) rec.FechaProxima(marca);
+    if (!ok) AvisarSinResultado(msg::kFormulaSinResultado);
+    return ok;
+  } catch (const std::exception& e) {
+    traza_fx_.error = e.what();
+    Reportar(e);
+    return false;
+  }
+}
+
+bool clsMovFrecuente::GetValueUnaPata(const clsRenglonesMF& RenglonesMF, int16_t iMonMF,
+                                      int16_t iEmpresaMF, bool& bImporteEditable,
+                                      double& dbImporte) {
+  if (!cn_) return false;
+  traza_fx_ = TrazaCalculoFx{};
+  try {
+    const Date fecha = PrepararCalculoFx();
+    formula::clsCalculoFx calculo(cn_, EmpresaContexto(), ServiciosCalculo(servicios_));
+    const bool ok = calculo.GetValueUnaPata(RenglonesMF, iMonMF, iEmpresaMF, bImporteEditable,
+                                            dbImporte, fecha);
+    traza_fx_ = calculo.Traza();
+    if (!ok) AvisarSinResultado(msg::kFormulaSinResultadoPata);
+    return ok;
+  } catch (const std::exception& e) {
+    traza_fx_.error = e.what();
+    Reportar(e);
+    return false;
+  }
+}
+
+bool clsMovFrecuente::RecalcularFormulasMF(clsRenglonesMF& RenglonesMF, int16_t iMonMF,
+                                           bool bNoPedirTC) {
+  if (!cn_) return false;
+  traza_fx_ = TrazaCalculoFx{};
+  try {
+    const Date fecha = PrepararCalculoFx();
+    int32_t id_mov = estructura_->MovFrecuente()->ID();
+    if (id_mov == 0 && RenglonesMF.QRenglones() > 0) id_mov = RenglonesMF.Renglon(1)->idMF();
+    formula::clsCalculoFx calculo(cn_, EmpresaContexto(), ServiciosCalculo(servicios_));
+    const bool ok = calculo.RecalcularFormulasMF(RenglonesMF, iMonMF, bNoPedirTC, fecha, id_mov);
+    traza_fx_ = calculo.Traza();
+    if (!ok) AvisarSinResultado(msg::kFormulaSinResultado);
+    return ok;
+  } catch (const std::exception& e) {
+    traza_fx_.error = e.what();
+    Reportar(e);
+    return false;
+  }
+}
+
+std::string clsMovFrecuente::InterpretarFormulaLeyenda(std::string_view sLeyenda, Date dFechaMF) {
+  if (!cn_) return {};
+  try {
+    return formula::InterpretarFormulaLeyenda(sLeyenda, dFechaMF, servicios_.clock.get());
+  } catch (const std::exception& e) {
+    Reportar(e);
+    return {};
+  }
+}
+
+}  // namespace kivmovfrec

@@ -1,0 +1,461 @@
+#include "formula/funciones_fx.h"
+
+#include <charconv>
+#include <cmath>
+#include <exception>
+#include <utility>
+
+#include "core/clock.h"
+#include "formula/elementos.h"
+#include "platform/vb/convert.h"
+#include "platform/vb/dates.h"
+#include "platform/vb/format.h"
+#include "platform/vb/text.h"
+#include "storage/parametros.h"
+#include "storage/sql_texto.h"
+
+namespace kivmovfrec::formula {
+
+const char* const kSqlTipoIndice =
+    "Select TCMCodigo From genTipoCotizacionMoneda Where TCMIndice = 1";
+const char* const kSqlEsCarpeta = "Select CueEsCarpeta from cceCuentas Where CueID = ";
+const char* const kSqlRenglonesOtro =
+    "Select * from genRenglonMovFrecuentes Where RMFMovimiento = ";
+
+namespace {
+
+std::optional<int32_t> Entero(std::string_view s) {
+  std::string t = vb::Trim(s);
+  if (t.empty()) return std::nullopt;
+  int32_t v = 0;
+  const char* b = t.data();
+  const char* e = t.data() + t.size();
+  if (*b == '+') ++b;
+  auto [p, ec] = std::from_chars(b, e, v);
+  if (ec != std::errc() || p != e) return std::nullopt;
+  return v;
+}
+
+// A column that may be Null, as a whole number (Null = 0).
+int32_t EnteroColumna(const Variant& v) {
+  return v.IsNull() || v.IsEmpty() ? 0 : vb::CLng(v);
+}
+
+// A number for people: Spanish decimal comma, up to 15 significant digits.
+std::string Mostrar(double v) {
+  return vb::NumberToText(v, vb::Locale::Spanish());
+}
+
+std::string MostrarTasa(Currency c) {
+  return Mostrar(c.ToDouble());
+}
+
+// A database value that should be a number: numeric subtypes and numeric text.
+std::optional<double> NumeroDe(const Variant& v) {
+  if (v.IsNull() || v.IsEmpty()) return std::nullopt;
+  if (v.type() == VarType::Boolean) return std::nullopt;
+  if (v.IsNumericType()) return vb::CDbl(v);
+  if (v.IsString()) return LeerNumero(v.AsString());
+  return std::nullopt;
+}
+
+// The block's body without its opening and closing tags (tags in any letter case).
+std::string CuerpoBloque(std::string_view bloque, std::string_view abre, std::string_view cierra) {
+  std::string t(bloque);
+  if (vb::StartsWithIgnoreCase(t, abre)) t.erase(0, abre.size());
+  if (t.size() >= cierra.size() &&
+      vb::EqualsIgnoreCase(std::string_view(t).substr(t.size() - cierra.size()), cierra)) {
+    t.erase(t.size() - cierra.size());
+  }
+  return t;
+}
+
+TrazaElementoFx SinValor(TrazaElementoFx t, std::string detalle) {
+  t.valor.reset();
+  t.detalle = std::move(detalle);
+  return t;
+}
+
+const char* const kNombresDia[] = {"al día del cálculo", "al día anterior",
+                                   "al último día del mes anterior"};
+
+Date FechaSegun(int cual, Date d) {
+  const Date dia = vb::DateOnly(d);
+  if (cual == 1) return vb::DateAdd("d", -1, dia);
+  if (cual == 2) return UltimoDiaMesAnterior(dia);
+  return dia;
+}
+
+}  // namespace
+
+std::string NumeroInvariante(double v) {
+  if (v == 0) return "0";  // also -0
+  const std::string t = vb::NumberToText(std::fabs(v), vb::Locale::Invariant());
+  return v < 0 ? "(-" + t + ")" : t;
+}
+
+std::optional<double> LeerNumero(std::string_view texto) {
+  return vb::ParseNumber(texto);
+}
+
+int DecimalesFormato(std::string_view formato) {
+  const size_t fin = formato.find(';');
+  const std::string_view seccion = formato.substr(0, fin);
+  const size_t punto = seccion.find('.');
+  if (punto == std::string_view::npos) return 0;
+  int n = 0;
+  for (char c : seccion.substr(punto + 1)) {
+    if (c == '0' || c == '#') ++n;
+  }
+  return n;
+}
+
+double RedondearFormato(double v, std::string_view formato) {
+  const int dec = DecimalesFormato(formato);
+  std::string patron = "0";
+  if (dec > 0) patron += "." + std::string(static_cast<size_t>(dec), '0');
+  const std::string t = vb::FormatNumberPattern(v, patron, vb::Locale::Invariant());
+  double r = 0;
+  auto [p, ec] = std::from_chars(t.data(), t.data() + t.size(), r);
+  if (ec != std::errc() || p != t.data() + t.size()) return v;
+  return r == 0 ? 0.0 : r;
+}
+
+Date UltimoDiaMesAnterior(Date d) {
+  return vb::DateAdd("d", -1, vb::DateSerial(vb::Year(d), vb::Month(d), 1));
+}
+
+std::string FechaCorta(Date d) {
+  return vb::FormatDate(d, "dd/mm/yyyy");
+}
+
+clsFuncionesFx::clsFuncionesFx(std::shared_ptr<Connection> cn, ServiciosFx servicios)
+    : cn_(std::move(cn)), servicios_(std::move(servicios)), monedas_(servicios_.clock) {
+  monedas_.Connect(cn_);
+}
+
+void clsFuncionesFx::Empresa(const clsEmpresa& empresa) {
+  empresa_ = empresa;
+  monedas_.Empresa(empresa_);
+  prms_.clear();
+  if (!cn_) return;
+  auto rs = cn_->OpenResultset("Select EmpPrms From cceEmpresas Where EmpID = " +
+                               std::to_string(empresa_.ID()));
+  if (rs->Eof()) return;
+  const Variant v = rs->Get(0);
+  if (v.IsNull()) return;
+  for (const std::string& item : vb::Split(vb::CStr(v), "|")) {
+    const size_t dos = item.find(':');
+    if (dos == std::string::npos) continue;
+    std::string nombre = vb::Trim(std::string_view(item).substr(0, dos));
+    if (nombre.empty()) continue;
+    prms_.emplace_back(std::move(nombre), vb::Trim(std::string_view(item).substr(dos + 1)));
+  }
+}
+
+bool clsFuncionesFx::CargarEmpresa(int16_t id) {
+  if (!cn_) return false;
+  clsEmpresa e;
+  if (!e.Load(id, *cn_)) return false;
+  Empresa(e);
+  return true;
+}
+
+Date clsFuncionesFx::Ahora() const {
+  return servicios_.clock ? servicios_.clock->Now() : core::Now();
+}
+
+Date clsFuncionesFx::Hoy() const {
+  return servicios_.clock ? servicios_.clock->Today() : core::Today();
+}
+
+script::HostResult clsFuncionesFx::Evaluar(std::string_view expresion, bool exponer) const {
+  try {
+    if (evaluador_) return evaluador_(cn_.get(), expresion, exponer);
+    script::HostOptions opciones;
+    auto reloj = servicios_.clock;
+    opciones.clock = [reloj] { return reloj ? reloj->Now() : core::Now(); };
+    return script::EvaluateScript(cn_.get(), expresion, exponer, opciones);
+  } catch (const std::exception& e) {
+    script::HostResult r;
+    r.error.description = e.what();
+    return r;
+  }
+}
+
+std::string clsFuncionesFx::Marcadores(std::string t, int32_t id_mov) const {
+  const storage::ParametrosBD& p = storage::Parametros();
+  t = vb::Replace(t, "[pIDMov]", std::to_string(id_mov), true);
+  t = vb::Replace(t, "[pEmp]", std::to_string(empresa_.ID()), true);
+  t = vb::Replace(t, "[prmBDDateCharSQLs]", p.caracter_fecha, true);
+  t = vb::Replace(t, "[prmMonedaContabilidad]", std::to_string(MonedaContabilidad()), true);
+  for (const auto& [nombre, valor] : prms_) {
+    t = vb::Replace(t, "[prm" + nombre + "]", valor, true);
+  }
+  return t;
+}
+
+std::optional<int32_t> clsFuncionesFx::TipoIndice(std::string& error) {
+  if (tipo_indice_leido_) return tipo_indice_;
+  if (!cn_) {
+    error = "no hay conexión";
+    return std::nullopt;
+  }
+  try {
+    auto rs = cn_->OpenResultset(kSqlTipoIndice);
+    tipo_indice_ = rs->Eof() || rs->Get(0).IsNull() ? std::nullopt
+                                                    : std::optional<int32_t>(vb::CLng(rs->Get(0)));
+    tipo_indice_leido_ = true;
+  } catch (const std::exception& e) {
+    error = e.what();
+    return std::nullopt;
+  }
+  if (!tipo_indice_) error = "no hay un tipo de cotización de índices (TCMIndice = 1)";
+  return tipo_indice_;
+}
+
+TrazaElementoFx clsFuncionesFx::Palabra(std::string_view palabra,
+                                        const std::vector<std::string>& args, Date d,
+                                        int32_t id_mov, std::string_view elemento) {
+  TrazaElementoFx t;
+  t.elemento = std::string(elemento);
+  try {
+    const std::string w = vb::LCase(vb::Trim(palabra));
+    if (vb::StartsWithIgnoreCase(w, "[codescript]")) return Script(palabra, id_mov, t);
+    if (vb::StartsWithIgnoreCase(w, "[query]")) return Consulta(palabra, id_mov, t);
+    if (w == "[saldoctadia]") return Saldo(0, args, d, t);
+    if (w == "[saldoctadiaanterior]") return Saldo(1, args, d, t);
+    if (w == "[saldoctamesanterior]") return Saldo(2, args, d, t);
+    if (w == "[indicehoy]") return Indice(0, args, d, t);
+    if (w == "[indiceayer]") return Indice(1, args, d, t);
+    if (w == "[indicemes]") return Indice(2, args, d, t);
+    if (w == "[cotizacionmonedahoy]") return Cotizacion(0, args, d, t);
+    if (w == "[cotizacionmonedaayer]") return Cotizacion(1, args, d, t);
+    if (w == "[cotizacionmonedamesanterior]") return Cotizacion(2, args, d, t);
+    return SinValor(t, "función desconocida: " + std::string(palabra));
+  } catch (const std::exception& e) {
+    return SinValor(t, std::string("error: ") + e.what());
+  }
+}
+
+TrazaElementoFx clsFuncionesFx::Saldo(int cual, const std::vector<std::string>& args, Date d,
+                                      TrazaElementoFx t) {
+  t.origen = enuOrigenFx::Saldo;
+  const auto cuenta = args.empty() ? std::nullopt : Entero(args[0]);
+  if (!cuenta) return SinValor(t, "saldo: falta la cuenta o no es un número");
+  auto rs = cn_->OpenResultset(kSqlEsCarpeta + std::to_string(*cuenta));
+  if (rs->Eof()) return SinValor(t, "saldo: no existe la cuenta " + std::to_string(*cuenta));
+  if (EnteroColumna(rs->Get(0)) != 0) {
+    return SinValor(t, "saldo: la cuenta " + std::to_string(*cuenta) + " es una carpeta");
+  }
+  rs->Close();
+  if (!servicios_.balance) return SinValor(t, "saldo: no hay servicio de saldos");
+  const Date f = FechaSegun(cual, d);
+  const double saldo = servicios_.balance->Saldo(*cuenta, f);
+  t.valor = saldo;
+  t.fecha = f;
+  t.detalle = "saldo de la cuenta " + std::to_string(*cuenta) + " " + kNombresDia[cual] + " (" +
+              FechaCorta(f) + "), en moneda de contabilidad: " + Mostrar(saldo);
+  return t;
+}
+
+TrazaElementoFx clsFuncionesFx::Indice(int cual, const std::vector<std::string>& args, Date d,
+                                       TrazaElementoFx t) {
+  t.origen = enuOrigenFx::Indice;
+  const auto indice = args.empty() ? std::nullopt : Entero(args[0]);
+  if (!indice) return SinValor(t, "índice: falta el índice o no es un número");
+  std::string error;
+  const auto tipo = TipoIndice(error);
+  if (!tipo) return SinValor(t, "índice: " + error);
+  const Date f = FechaSegun(cual, d);
+  const int16_t en = monedas_.MonedaContabilidad();
+  const CotizacionUsada u = monedas_.Cotizacion(static_cast<int16_t>(*indice), en, *tipo, f);
+  t.valor = u.tasa.ToDouble();
+  t.fecha = u.fecha;
+  t.detalle = "índice " + std::to_string(*indice) + " (tipo " + std::to_string(*tipo) + ") " +
+              kNombresDia[cual] + " (" + FechaCorta(f) + "): " + MostrarTasa(u.tasa);
+  if (u.por_defecto) {
+    t.detalle += ", sin valores a esa fecha: se usa 1";
+  } else {
+    t.detalle += " del " + FechaCorta(u.fecha) + (u.por_escala ? " (por moneda intermedia)" : "");
+  }
+  return t;
+}
+
+TrazaElementoFx clsFuncionesFx::Cotizacion(int cual, const std::vector<std::string>& args, Date d,
+                                           TrazaElementoFx t) {
+  t.origen = enuOrigenFx::Cotizacion;
+  const auto tipo = args.size() < 2 ? std::nullopt : Entero(args[0]);
+  const auto moneda = args.size() < 2 ? std::nullopt : Entero(args[1]);
+  if (!tipo || !moneda) return SinValor(t, "cotización: faltan el tipo o la moneda");
+  const Date f = FechaSegun(cual, d);
+  const int16_t en = monedas_.MonedaContabilidad();
+  const int16_t a = static_cast<int16_t>(*moneda);
+  const CotizacionUsada u = monedas_.Cotizacion(a, en, *tipo, f);
+  auto simbolo = [this](int16_t id) {
+    const MonedaFx* m = Monedas().Moneda(id);
+    return m != nullptr ? m->simbolo : std::to_string(id);
+  };
+  t.valor = u.tasa.ToDouble();
+  t.fecha = u.fecha;
+  t.detalle = "cotización de " + simbolo(a) + " en " + simbolo(en) + " (tipo " +
+              std::to_string(*tipo) + ") " + kNombresDia[cual] + " (" + FechaCorta(f) +
+              "): " + MostrarTasa(u.tasa);
+  if (u.directa) {
+    t.detalle += " del " + FechaCorta(u.fecha);
+  } else if (u.por_escala) {
+    t.detalle += " del " + FechaCorta(u.fecha) + ", por " + simbolo(u.intermedia) + " (" +
+                 MostrarTasa(u.tasa_a_intermedia) + " × " + MostrarTasa(u.tasa_intermedia_b) +
+                 ", a tres decimales)";
+  } else {
+    t.detalle += ", sin cotización a esa fecha: se usa 1";
+  }
+  return t;
+}
+
+TrazaElementoFx clsFuncionesFx::Consulta(std::string_view bloque, int32_t id_mov,
+                                         TrazaElementoFx t) {
+  t.origen = enuOrigenFx::Consulta;
+  const std::string sql = vb::Trim(Marcadores(CuerpoBloque(bloque, "[query]", "[/query]"), id_mov));
+  if (!cn_) return SinValor(t, "consulta sin conexión");
+  std::optional<double> v;
+  Variant crudo;
+  try {
+    auto rs = cn_->OpenReadOnly(sql);
+    if (rs->Eof()) return SinValor(t, "la consulta no devolvió filas: " + sql);
+    crudo = rs->Get(0);
+    v = NumeroDe(crudo);
+  } catch (const std::exception& e) {
+    return SinValor(t, "la consulta falló (" + std::string(e.what()) + "): " + sql);
+  }
+  if (!v) {
+    return SinValor(t, std::string("la consulta devolvió ") +
+                           (crudo.IsNull() ? "Null" : "un valor que no es un número") + ": " + sql);
+  }
+  t.valor = *v;
+  t.detalle = "consulta: " + sql + " = " + Mostrar(*v);
+  return t;
+}
+
+TrazaElementoFx clsFuncionesFx::Script(std::string_view bloque, int32_t id_mov, TrazaElementoFx t) {
+  t.origen = enuOrigenFx::Script;
+  const std::string texto =
+      vb::Trim(Marcadores(CuerpoBloque(bloque, "[codescript]", "[/codescript]"), id_mov));
+  const script::HostResult r = Evaluar(texto, true);
+  if (!r.ok) {
+    return SinValor(t, "el script falló: " + r.error.description + " (columna " +
+                           std::to_string(r.error.column) + "): " + texto);
+  }
+  const auto v = LeerNumero(r.text);
+  if (!v) return SinValor(t, "el script no devolvió un número (" + r.text + "): " + texto);
+  t.valor = *v;
+  t.detalle = "script: " + texto + " = " + Mostrar(*v);
+  return t;
+}
+
+std::string clsFuncionesFx::SqlDocumentos(bool es_comprobante, int32_t id, Date desde) const {
+  const std::string fecha = storage::FechaSQL(desde);
+  if (!es_comprobante) {
+    return std::string(
+               "Select ACuIDAsiento as ID, ACuCuenta as IDCuenta, ACuProyecto as IDProyecto, "
+               "ACuDepartamento as IDDepartamento,") +
+           std::to_string(MonedaContabilidad()) +
+           " as Moneda, ACuImporteMC as ImporteCuenta, ACuDebe as Debe, ACuHaber as Haber" +
+           " From cceAsientos, cceAsientoCuenta " +
+           " Where AsiID = ACuIDAsiento And AsiEstado = 1 And AsiFechaModificado >= " + fecha +
+           " And (AsiMovFrecuente = -2 OR AsiMovFrecuente = " + std::to_string(id) + ")" +
+           " Order by AsiID DESC";
+  }
+  return std::string(
+             "Select CCuIDComprobante as ID, CCuIDCuenta as IDCuenta, CCuIDProyecto as "
+             "IDProyecto, CCuIDDepartamento as IDDepartamento,") +
+         " CCuMoneda as Moneda, CCuImporteCuenta as ImporteCuenta, CCuDebe as Debe, CCuHaber "
+         "as Haber" +
+         " From cceComprobantes, cceComprobanteCuenta " + " Where ComID = CCuIDComprobante" +
+         " And ComFechaModificacion >= " + fecha +
+         " And (ComMovFrecuente = -2 OR ComMovFrecuente = " + std::to_string(id) + ")" +
+         " Order by ComID DESC";
+}
+
+TrazaElementoFx clsFuncionesFx::OtroMovimiento(bool es_comprobante,
+                                               const std::vector<std::string>& args,
+                                               std::string_view elemento) {
+  TrazaElementoFx t;
+  t.elemento = std::string(elemento);
+  t.origen = enuOrigenFx::OtroMovimiento;
+  try {
+    const auto mov = args.empty() ? std::nullopt : Entero(args[0]);
+    const auto clave = LeerClaveLinea(args, 1);
+    if (!mov || !clave) return SinValor(t, "otro movimiento: argumentos no válidos");
+    if (!cn_) return SinValor(t, "otro movimiento: no hay conexión");
+    const std::string linea = "cuenta " + std::to_string(clave->cuenta) + ", proyecto " +
+                              std::to_string(clave->proyecto) + ", departamento " +
+                              std::to_string(clave->departamento);
+    std::optional<bool> al_debe;
+    for (auto rs = cn_->OpenResultset(kSqlRenglonesOtro + std::to_string(*mov)); !rs->Eof();
+         rs->MoveNext()) {
+      if (EnteroColumna(rs->Get("RMFCuenta")) == clave->cuenta &&
+          EnteroColumna(rs->Get("RMFIDProyecto")) == clave->proyecto &&
+          EnteroColumna(rs->Get("RMFIDDepartamento")) == clave->departamento) {
+        al_debe = EnteroColumna(rs->Get("RMFAlDebe")) != 0;
+        break;
+      }
+    }
+    if (!al_debe) {
+      return SinValor(
+          t, "el movimiento " + std::to_string(*mov) + " no tiene la línea (" + linea + ")");
+    }
+    const Date desde = vb::DateAdd("n", -2, Ahora());
+    const std::string doc = es_comprobante ? "comprobante" : "asiento";
+    std::optional<int32_t> documento;
+    std::optional<double> debe, haber, importe_cuenta;
+    int filas = 0;
+    for (auto rs = cn_->OpenResultset(SqlDocumentos(es_comprobante, *mov, desde)); !rs->Eof();
+         rs->MoveNext()) {
+      const int32_t id = EnteroColumna(rs->Get("ID"));
+      if (!documento) documento = id;
+      if (id != *documento) break;  // only the newest document counts
+      if (EnteroColumna(rs->Get("IDCuenta")) != clave->cuenta ||
+          EnteroColumna(rs->Get("IDProyecto")) != clave->proyecto ||
+          EnteroColumna(rs->Get("IDDepartamento")) != clave->departamento) {
+        continue;
+      }
+      ++filas;
+      auto sumar = [](std::optional<double>& a, const Variant& v) {
+        if (auto n = NumeroDe(v)) a = a.value_or(0) + *n;
+      };
+      sumar(debe, rs->Get("Debe"));
+      sumar(haber, rs->Get("Haber"));
+      sumar(importe_cuenta, rs->Get("ImporteCuenta"));
+    }
+    const std::string ventana = "desde el " + vb::FormatDate(desde, "dd/mm/yyyy hh:nn:ss");
+    if (!documento) {
+      return SinValor(t, "no hay un " + doc + " generado por el movimiento " +
+                             std::to_string(*mov) + " en los últimos dos minutos (" + ventana +
+                             ")");
+    }
+    t.documento = *documento;
+    if (filas == 0) {
+      return SinValor(t, "el " + doc + " " + std::to_string(*documento) +
+                             " (el último del movimiento " + std::to_string(*mov) +
+                             ") no tiene la línea (" + linea + ")");
+    }
+    if (!debe && !haber) {
+      return SinValor(t, "el " + doc + " " + std::to_string(*documento) +
+                             " no tiene importes en Debe ni Haber para la línea (" + linea + ")");
+    }
+    const double v =
+        *al_debe ? debe.value_or(0) - haber.value_or(0) : haber.value_or(0) - debe.value_or(0);
+    t.valor = v;
+    t.detalle = "línea (" + linea + ") del " + doc + " " + std::to_string(*documento) +
+                " generado por el movimiento " + std::to_string(*mov) + " " + ventana + ": " +
+                (*al_debe ? "Debe − Haber" : "Haber − Debe") + " = " + Mostrar(v);
+    if (importe_cuenta)
+      t.detalle += " (importe en moneda de la cuenta: " + Mostrar(*importe_cuenta) + ")";
+    return t;
+  } catch (const std::exception& e) {
+    return SinValor(t, std::string("otro movimiento: error: ") + e.what());
+  }
+}
+
+}  // namespace kivmovfrec::formula

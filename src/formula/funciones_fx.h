@@ -1,0 +1,157 @@
+// clsFuncionesFx: the values of the function words of the formula language, each with the trace
+// of where it came from. The evaluator (formula/calculo_fx.h) replaces every bracketed element of
+// a line's formula by one of these values.
+//
+// Words (arguments as stored; d = the calculation date, its time of day ignored):
+//   [SaldoCtaDia] / [SaldoCtaDiaAnterior] / [SaldoCtaMesAnterior] (account id): the balance
+//     (IAccountBalance, accounting currency, not converted) at d, d − 1 day, or the last day of
+//     the month before d (the first of d's month less one day). The account must exist and not
+//     be a folder, checked with "Select CueEsCarpeta from cceCuentas Where CueID = " + id.
+//   [IndiceHoy] / [IndiceAyer] / [IndiceMes] (index, a currency of type 2): the rate of the index
+//     in the accounting currency for the index rate type, which is read once per object with
+//     kSqlTipoIndice, at the same three dates.
+//   [CotizacionMonedaHoy] / [CotizacionMonedaAyer] / [CotizacionMonedaMesAnterior] (rate type;
+//     currency): the rate of the currency in the accounting currency (clsMonedas::Cotizacion,
+//     with its fall-back to 1 when no quotation exists; the trace says so).
+//   [query] ... [/query]: the placeholders are replaced (Marcadores) and the statement is run
+//     read-only (Connection::OpenReadOnly: a statement that would write is refused and writes
+//     nothing); the first column of the first row is the value. No row, Null or a value that is
+//     not a number gives no value.
+//   [codescript] ... [/codescript]: the same placeholders; the text is run by the script host
+//     with the connection visible as rdoCBase; its result must read as a number.
+// The other movement's lines ([CuentaProyectoCentroCosto]) are read by OtroMovimiento.
+//
+// Every value is returned inside a TrazaElementoFx: `valor` holds it, or is empty when there is
+// none, and `detalle` says in Spanish where it came from or why there is none. Nothing here
+// throws: database and script errors become "no value" with their message in the detail.
+//
+// Lifetime: one object per evaluator; it shares the connection and the services. Not
+// thread-safe.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "formula/monedas.h"
+#include "kivmovfrec/db.h"
+#include "kivmovfrec/empresa.h"
+#include "kivmovfrec/services.h"
+#include "kivmovfrec/traza_fx.h"
+#include "kivmovfrec/variant.h"
+#include "platform/script/script_host.h"
+
+namespace kivmovfrec::formula {
+
+// The statements the functions send, exactly as sent (the ids are appended).
+extern const char* const kSqlTipoIndice;     // the index rate type
+extern const char* const kSqlEsCarpeta;      // + account id
+extern const char* const kSqlRenglonesOtro;  // + movement id
+
+// What the evaluator asks of the suite. A null input cancels every prompt; a null clock is the
+// process clock (core/clock.h); a null balance makes every balance fail.
+struct ServiciosFx {
+  std::shared_ptr<IInput> input;
+  std::shared_ptr<IClock> clock;
+  std::shared_ptr<IAccountBalance> balance;
+};
+
+// Reduces an arithmetic expression or runs a script: the script host (EvaluateScript) unless a
+// caller installs another one (tests count the calls through it).
+using EvaluadorExpresion =
+    std::function<script::HostResult(Connection*, std::string_view expresion, bool exponer)>;
+
+// A number as written into an expression: "." as decimal point, no grouping, up to 15
+// significant digits; a negative number in parentheses ("(-12.5)") so that it can follow any
+// operator.
+std::string NumeroInvariante(double v);
+// Text that reads as a number ("12.5", "3,5", " -7 ", "1E+15"), as the script host decides it.
+std::optional<double> LeerNumero(std::string_view texto);
+// Number of decimals a numeric format pattern shows (digit placeholders after its "."):
+// "#,##0.00" -> 2, "#,##0" -> 0, "#.###" -> 3.
+int DecimalesFormato(std::string_view formato);
+// `v` rounded as Format(v, formato) rounds it (halves away from zero), kept as a number.
+double RedondearFormato(double v, std::string_view formato);
+// The first day of d's month less one day.
+Date UltimoDiaMesAnterior(Date d);
+// "dd/mm/aaaa".
+std::string FechaCorta(Date d);
+
+class clsFuncionesFx {
+ public:
+  clsFuncionesFx(std::shared_ptr<Connection> cn, ServiciosFx servicios);
+
+  // The company context: its record and its parameter items (EmpPrms, read from cceEmpresas for
+  // the "[prm" name "]" placeholders). Sets the rate service's accounting currency.
+  void Empresa(const clsEmpresa& empresa);
+  // Loads company `id` and makes it the context; false (context unchanged) when it does not
+  // exist. Database errors propagate.
+  bool CargarEmpresa(int16_t id);
+  const clsEmpresa& Empresa() const { return empresa_; }
+  int16_t MonedaContabilidad() const { return empresa_.MonedaContabilidad(); }
+
+  // The rate service, with the currencies loaded on first use.
+  clsMonedas& Monedas() {
+    if (!monedas_cargadas_) monedas_cargadas_ = monedas_.Load();
+    return monedas_;
+  }
+  Connection* Conexion() const { return cn_.get(); }
+  const ServiciosFx& Servicios() const { return servicios_; }
+  Date Ahora() const;
+  Date Hoy() const;
+
+  void Evaluador(EvaluadorExpresion f) { evaluador_ = std::move(f); }
+  // Runs the installed evaluator (the script host by default); never throws.
+  script::HostResult Evaluar(std::string_view expresion, bool exponer_conexion) const;
+
+  // Replaces in a block's text: [pIDMov], [pEmp], [prmBDDateCharSQLs], [prmMonedaContabilidad]
+  // and every "[prm" + name + "]" of the company's parameter items (names without regard to
+  // case). Unknown "[prm...]" placeholders are left as they are (the statement then fails).
+  std::string Marcadores(std::string texto, int32_t id_mov) const;
+
+  // The value of one function word or block (see above). `elemento` is the element as stored,
+  // kept in the trace.
+  TrazaElementoFx Palabra(std::string_view palabra, const std::vector<std::string>& args, Date d,
+                          int32_t id_mov, std::string_view elemento);
+
+  // The value of a line of another movement (entries 2, 9, 19, 20: movement; account; project;
+  // department): the line is looked up among that movement's stored lines (its side from
+  // RMFAlDebe), then the newest document generated from it in the last two minutes (the clock's
+  // now less two minutes, as a database date literal) is read with SqlDocumentos. In that one
+  // document the rows of the same account, project and department give the value: Debe − Haber
+  // for a debit line, Haber − Debe for a credit one (the document's amounts in its own currency;
+  // a Null counts as 0 beside a non-Null, both Null is no value). ImporteCuenta, in the
+  // account's currency, is reported in the trace and never mixed into the formula. No document
+  // in the window, or a newest document without that line, gives no value: the formula then
+  // has no result rather than a stale or invented amount.
+  TrazaElementoFx OtroMovimiento(bool es_comprobante, const std::vector<std::string>& args,
+                                 std::string_view elemento);
+
+  // The statements that look for the documents generated from movement `id` since `desde`.
+  std::string SqlDocumentos(bool es_comprobante, int32_t id, Date desde) const;
+
+ private:
+  TrazaElementoFx Saldo(int cual, const std::vector<std::string>& args, Date d, TrazaElementoFx t);
+  TrazaElementoFx Indice(int cual, const std::vector<std::string>& args, Date d, TrazaElementoFx t);
+  TrazaElementoFx Cotizacion(int cual, const std::vector<std::string>& args, Date d,
+                             TrazaElementoFx t);
+  TrazaElementoFx Consulta(std::string_view bloque, int32_t id_mov, TrazaElementoFx t);
+  TrazaElementoFx Script(std::string_view bloque, int32_t id_mov, TrazaElementoFx t);
+  std::optional<int32_t> TipoIndice(std::string& error);
+
+  std::shared_ptr<Connection> cn_;
+  ServiciosFx servicios_;
+  clsEmpresa empresa_;
+  std::vector<std::pair<std::string, std::string>> prms_;  // EmpPrms items: name, value
+  clsMonedas monedas_;
+  bool monedas_cargadas_ = false;
+  std::optional<int32_t> tipo_indice_;
+  bool tipo_indice_leido_ = false;
+  EvaluadorExpresion evaluador_;
+};
+
+}  // namespace kivmovfrec::formula
