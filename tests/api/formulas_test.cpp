@@ -1,0 +1,118 @@
+// The façade's formula members: the context they prepare (calculation date text, accounting
+// currency), what they report on failure, in-place recalculation, and the legend macros.
+#include <string>
+
+#include "fachada_fixture.h"
+#include "platform/vb/dates.h"
+
+namespace kivmovfrec::testing {
+namespace {
+
+using Formulas = Fachada;
+
+TEST_F(Formulas, MovementWithoutDueDateIsComputedAsOfTodayAndKeepsTheMarkerText) {
+  storage::Parametros().moneda_contabilidad = 0;
+  ASSERT_TRUE(mf.SetCalculoFormulasMF(18, true)) << mf.UltimaTrazaFx().error;
+  EXPECT_EQ(storage::Parametros().moneda_contabilidad, 1);  // copied from the company
+  EXPECT_EQ(mf.EstructuraMovFrec()->Recurrencia()->FechaProxima(), "01/01/1958");
+  EXPECT_EQ(mf.UltimaTrazaFx().fecha, kHoy);
+  EXPECT_EQ(mf.EstructuraMovFrec()->MovFrecuente()->ID(), 18);
+  const auto& r = *mf.EstructuraMovFrec()->Renglones();
+  EXPECT_DOUBLE_EQ(r.Renglon(2)->ImporteMF(), 15000);  // half of line 1
+  EXPECT_DOUBLE_EQ(r.Renglon(3)->ImporteMF(), 45000);  // the difference
+  EXPECT_TRUE(Mensajes().empty());
+
+  // With FechaHoyCalculoFx the text is today's date.
+  mf.CleanEstructura();
+  mf.FechaHoyCalculoFx(true);
+  ASSERT_TRUE(mf.SetCalculoFormulasMF(18, true));
+  EXPECT_EQ(mf.EstructuraMovFrec()->Recurrencia()->FechaProxima(), "10/11/2026");
+}
+
+TEST_F(Formulas, ScheduledMovementUsesItsNextDueDate) {
+  ASSERT_TRUE(mf.SetCalculoFormulasMF(1, true)) << mf.UltimaTrazaFx().error;
+  EXPECT_EQ(mf.UltimaTrazaFx().fecha, suite::SerialOf(2026, 11, 10));
+  EXPECT_EQ(mf.UltimaTrazaFx().origen_fecha, "próximo vencimiento del movimiento");
+  const auto& r = *mf.EstructuraMovFrec()->Renglones();
+  EXPECT_DOUBLE_EQ(r.Renglon(1)->ImporteMF(), 540000);  // 450000 × (1 + 0.02 × 10)
+  EXPECT_DOUBLE_EQ(r.Renglon(2)->ImporteMF(), 540000);
+  EXPECT_DOUBLE_EQ(r.Renglon(2)->ImporteCta(), 540000);
+
+  // A date already in the current movement is the calculation date.
+  mf.EstructuraMovFrec()->Recurrencia()->FechaProxima("20/11/2026");
+  ASSERT_TRUE(mf.SetCalculoFormulasMF(27, true)) << mf.UltimaTrazaFx().error;
+  EXPECT_EQ(mf.UltimaTrazaFx().fecha, suite::SerialOf(2026, 11, 20));
+  EXPECT_DOUBLE_EQ(mf.UltimaTrazaFx().total_debe, 39650);
+  EXPECT_DOUBLE_EQ(mf.UltimaTrazaFx().total_haber, 39650);
+}
+
+TEST_F(Formulas, FailuresAreReportedWithTheirOwnTexts) {
+  // Movement 26 needs a document of movement 25 from the last two minutes: there is none.
+  EXPECT_FALSE(mf.SetCalculoFormulasMF(26, true));
+  ASSERT_EQ(Mensajes().size(), 1u);
+  EXPECT_EQ(Mensajes()[0].request.text, "Fórmula sin resultado");
+  EXPECT_EQ(Mensajes()[0].request.icon, MsgIcon::Exclamation);
+  EXPECT_FALSE(mf.UltimaTrazaFx().lineas[0].ok);
+
+  clsRenglonesMF lineas;
+  for (bool debe : {true, true, false, false}) {
+    auto r = std::make_shared<clsRegRenglonMF>();
+    r->Cuenta(101);
+    r->AlDebe(debe);
+    r->Formula("1");
+    lineas.AddRenglon(r);
+  }
+  bool editable = false;
+  double importe = 0;
+  EXPECT_FALSE(mf.GetValueUnaPata(lineas, 1, 1, editable, importe));
+  ASSERT_EQ(Mensajes().size(), 2u);
+  EXPECT_EQ(Mensajes()[1].request.text, "Formula sin resultado");
+
+  lineas.Renglon(1)->Formula("[1:101;0;0]");  // refers to its own line
+  EXPECT_FALSE(mf.RecalcularFormulasMF(lineas, 1, true));
+  EXPECT_EQ(Mensajes().back().request.text, "Fórmula sin resultado");
+}
+
+TEST_F(Formulas, RecalculationUpdatesTheLinesInPlaceAndAsksTheRate) {
+  ASSERT_TRUE(mf.LoadMF(7));
+  auto lineas = mf.EstructuraMovFrec()->Renglones();
+  lineas->Renglon(1)->Formula("[12:]+100");  // [pIDMov] is the current movement: no schedule
+  EXPECT_FALSE(mf.RecalcularFormulasMF(*lineas, 2, true));
+  lineas->Renglon(1)->Formula("100");
+  sv.input->Answer(1400.0);
+  ASSERT_TRUE(mf.RecalcularFormulasMF(*lineas, 2, false)) << mf.UltimaTrazaFx().error;
+  ASSERT_EQ(sv.input->asked().size(), 1u);
+  EXPECT_EQ(sv.input->asked()[0].prompt, "kivcalculator:Tasa de cambio para U$S");
+  EXPECT_DOUBLE_EQ(lineas->Renglon(1)->ValorTC(), 1400);     // asked
+  EXPECT_DOUBLE_EQ(lineas->Renglon(2)->ValorTC(), 1425.75);  // its fixed rate stays
+  EXPECT_DOUBLE_EQ(lineas->Renglon(1)->ImporteCta(), 140000);
+  EXPECT_DOUBLE_EQ(lineas->Renglon(2)->ImporteMF(), 82.64);  // 100 / 1.21
+  EXPECT_DOUBLE_EQ(lineas->Renglon(3)->ImporteMF(), 17.36);
+}
+
+TEST_F(Formulas, LegendMacros) {
+  const Date d = vb::DateSerial(2008, 2, 15);
+  EXPECT_EQ(mf.InterpretarFormulaLeyenda("Alquiler &[FFAñoMes] al &[FUltimoDia]", d),
+            "Alquiler 02/2008 al 29/02/2008");
+  EXPECT_EQ(mf.InterpretarFormulaLeyenda("&[FFMes-1]", vb::DateSerial(2005, 3, 31)), "28/02/2005");
+  EXPECT_EQ(mf.InterpretarFormulaLeyenda("&[FechaL]", vb::DateSerial(2005, 8, 2)),
+            "Martes, 02 de Agosto de 2005");
+  EXPECT_EQ(mf.InterpretarFormulaLeyenda("&[FAño] y &[FAño-1]", d), "&[FAño] y &[FAño-1]");
+  EXPECT_EQ(mf.InterpretarFormulaLeyenda("Sin macros", d), "Sin macros");
+}
+
+TEST(FormulasSinConexion, EveryMemberIsANoOp) {
+  clsMovFrecuente mf;
+  clsRenglonesMF lineas;
+  bool editable = true;
+  double importe = 3;
+  EXPECT_FALSE(mf.SetCalculoFormulasMF(1, true));
+  EXPECT_FALSE(mf.GetValueUnaPata(lineas, 1, 1, editable, importe));
+  EXPECT_FALSE(mf.RecalcularFormulasMF(lineas, 1, true));
+  EXPECT_EQ(mf.InterpretarFormulaLeyenda("&[FechaC]", vb::DateSerial(2005, 8, 2)), "");
+  EXPECT_TRUE(editable);
+  EXPECT_DOUBLE_EQ(importe, 3);
+}
+
+}  // namespace
+}  // namespace kivmovfrec::testing
