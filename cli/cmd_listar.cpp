@@ -7,6 +7,7 @@
 
 #include "args.h"
 #include "command.h"
+#include "movement_json.h"
 #include "output.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/text.h"
@@ -18,38 +19,6 @@ struct Filters {
   int tipo = 0;     // 0 = every type but task-list items
   int estado = -1;  // -1 = every state
 };
-
-std::string TipoTexto(int tipo) {
-  switch (tipo) {
-    case 1:
-      return "Asiento";
-    case 2:
-      return "Comprobante";
-    case 3:
-      return "Aviso";
-    case 4:
-      return "Asiento del sistema";
-    case 5:
-      return "Lista de tareas";
-    case 6:
-      return "Tarea";
-    default:
-      return "";
-  }
-}
-
-std::string EstadoTexto(int estado) {
-  switch (estado) {
-    case 0:
-      return "En proceso";
-    case 1:
-      return "Realizado";
-    case 9:
-      return "Papelera";
-    default:
-      return "";
-  }
-}
 
 std::string ListSql(int32_t empresa, const Filters& f) {
   std::string sql =
