@@ -29,6 +29,15 @@ cmake -S . -B build/gcc -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=g
 cmake --build build/gcc -j "$jobs"
 ctest --test-dir build/gcc --output-on-failure -j "$jobs"
 
+echo "== installed package: a host links the shared and the static library"
+rm -rf build/package-prefix build/package-host
+cmake --install build/gcc --prefix build/package-prefix >/dev/null
+cmake -S tests/package -B build/package-host -G Ninja \
+  -DCMAKE_PREFIX_PATH="$PWD/build/package-prefix" >/dev/null
+cmake --build build/package-host
+LD_LIBRARY_PATH="$PWD/build/package-prefix/lib" build/package-host/host_shared
+build/package-host/host_static
+
 echo "== clang build with AddressSanitizer + UndefinedBehaviorSanitizer (and fuzz targets)"
 cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ \
   -DCMAKE_C_COMPILER=clang -DKMF_SANITIZE=ON -DKMF_BUILD_FUZZ=ON >/dev/null
