@@ -1,0 +1,217 @@
+#include "calculo_salida.h"
+
+#include <cmath>
+#include <exception>
+#include <memory>
+#include <ostream>
+#include <sstream>
+#include <string>
+
+#include "formula/formula_mf.h"
+#include "formula/monedas.h"
+#include "output.h"
+#include "platform/vb/convert.h"
+#include "platform/vb/format.h"
+
+namespace kivmovfrec::cli {
+namespace {
+
+// Currency formats and the formulas' display form over the connection. Failures to read them
+// never hide a result: the stored form and "#,##0.00" are used instead.
+class Presentacion {
+ public:
+  explicit Presentacion(const ResultadoCalculo& r) {
+    try {
+      monedas_.Connect(r.cn);
+      monedas_.Load();
+      clsEmpresa empresa;
+      if (r.cn && empresa.Load(r.mf.MovFrecuente()->Empresa(), *r.cn)) {
+        monedas_.Empresa(empresa);
+        formulas_ = std::make_unique<formula::clsFormulaMF>(
+            r.cn, formula::ContextoFormula::De(empresa, r.mf.MovFrecuente()->ID()));
+      }
+    } catch (const std::exception&) {
+    }
+  }
+
+  std::string Importe(double v, int16_t moneda) {
+    const formula::MonedaFx* m = monedas_.Moneda(moneda);
+    return vb::Format(Variant(v), m != nullptr ? m->formato_importe : "#,##0.00");
+  }
+  std::string Simbolo(int16_t moneda) {
+    const formula::MonedaFx* m = monedas_.Moneda(moneda);
+    return m != nullptr ? m->simbolo : std::to_string(moneda);
+  }
+  std::string Visible(const std::string& guardada) {
+    if (guardada.empty() || !formulas_) return guardada;
+    try {
+      return formulas_->AVisible(guardada);
+    } catch (const std::exception&) {
+      return guardada;
+    }
+  }
+
+ private:
+  formula::clsMonedas monedas_;
+  std::unique_ptr<formula::clsFormulaMF> formulas_;
+};
+
+std::string Numero(double v) {
+  return vb::NumberToText(v, vb::Locale::Spanish());
+}
+
+bool Balanceado(const TrazaCalculoFx& t) {
+  return t.ok && std::fabs(t.total_debe - t.total_haber) < 0.005;
+}
+
+int16_t MonedaLinea(const ResultadoCalculo& r, size_t i) {
+  const auto& lineas = *r.mf.Renglones();
+  if (i >= static_cast<size_t>(lineas.QRenglones())) return 0;
+  return lineas.Renglon(static_cast<int16_t>(i + 1))->Moneda();
+}
+
+}  // namespace
+
+std::string OrigenTexto(enuOrigenFx o) {
+  switch (o) {
+    case enuOrigenFx::Linea:
+      return "renglón";
+    case enuOrigenFx::OtroMovimiento:
+      return "otro movimiento";
+    case enuOrigenFx::Saldo:
+      return "saldo";
+    case enuOrigenFx::Indice:
+      return "índice";
+    case enuOrigenFx::Cotizacion:
+      return "cotización";
+    case enuOrigenFx::Consulta:
+      return "consulta";
+    case enuOrigenFx::Script:
+      return "script";
+    case enuOrigenFx::ImporteTotal:
+      return "importe total";
+    case enuOrigenFx::PedirDato:
+      return "dato pedido";
+    case enuOrigenFx::Diferencia:
+      return "diferencia";
+    case enuOrigenFx::Desconocido:
+      break;
+  }
+  return "desconocido";
+}
+
+void ImprimirCalculo(std::ostream& out, const ResultadoCalculo& r, bool traza) {
+  Presentacion p(r);
+  const TrazaCalculoFx& t = r.traza;
+  const clsRegMovimientoFrecuente& mov = *r.mf.MovFrecuente();
+  const int16_t moneda = mov.Moneda();
+  out << "Movimiento " << mov.ID() << ": " << mov.Nombre() << '\n';
+  out << "Fecha del cálculo: " << FechaTexto(t.fecha) << " (" << t.origen_fecha << ")\n";
+  out << "Moneda: " << p.Simbolo(moneda) << '\n';
+  if (!t.origen_total.empty()) {
+    out << "Importe total: " << p.Importe(t.importe_total, moneda) << " (" << t.origen_total
+        << ")\n";
+  }
+  TextTable tabla{{"Orden", "Cuenta", "Nombre", "D/H", "Importe", "Importe cuenta"},
+                  {},
+                  {true, false, false, false, true, true}};
+  for (size_t i = 0; i < t.lineas.size(); ++i) {
+    const TrazaLineaFx& l = t.lineas[i];
+    tabla.rows.push_back({std::to_string(l.indice),
+                          l.cuenta_codigo.empty() ? std::to_string(l.cuenta) : l.cuenta_codigo,
+                          l.cuenta_nombre, l.al_debe ? "Debe" : "Haber",
+                          l.ok ? p.Importe(l.importe_mf, moneda) : "Error",
+                          l.ok ? p.Importe(l.importe_cta, MonedaLinea(r, i)) : "Error"});
+  }
+  std::ostringstream texto;
+  tabla.Print(texto);
+  std::istringstream filas(texto.str());
+  for (std::string fila; std::getline(filas, fila);) out << "  " << fila << '\n';
+  if (t.ok) {
+    out << "Total Debe: " << p.Importe(t.total_debe, moneda)
+        << "  Total Haber: " << p.Importe(t.total_haber, moneda) << "  "
+        << (Balanceado(t) ? "(balanceado)"
+                          : "(diferencia " + p.Importe(t.total_debe - t.total_haber, moneda) + ")")
+        << '\n';
+  } else {
+    out << "Sin resultado: " << t.error << '\n';
+  }
+  if (!traza) return;
+  for (size_t i = 0; i < t.lineas.size(); ++i) {
+    const TrazaLineaFx& l = t.lineas[i];
+    out << "\nRenglón " << l.indice << ": " << l.cuenta_codigo << ' ' << l.cuenta_nombre << " ("
+        << (l.al_debe ? "Debe" : "Haber") << ")\n";
+    if (l.formula.empty()) {
+      out << "  Sin fórmula: importe guardado " << p.Importe(l.importe_mf, moneda) << '\n';
+      continue;
+    }
+    out << "  Fórmula: " << p.Visible(l.formula) << '\n';
+    out << "  Guardada: " << l.formula << '\n';
+    for (const TrazaElementoFx& e : l.elementos) {
+      out << "  " << e.elemento << " = " << (e.valor ? Numero(*e.valor) : "sin valor") << "  ["
+          << OrigenTexto(e.origen) << "] " << e.detalle << '\n';
+    }
+    if (!l.expresion.empty()) out << "  Expresión: " << l.expresion << '\n';
+    if (l.ok) {
+      out << "  Importe: " << p.Importe(l.importe_mf, moneda) << '\n';
+      if (!l.conversion.empty()) out << "  Conversión: " << l.conversion << '\n';
+    } else {
+      out << "  Error: " << l.error << '\n';
+    }
+  }
+}
+
+nlohmann::ordered_json CalculoJson(const ResultadoCalculo& r, bool traza) {
+  Presentacion p(r);
+  const TrazaCalculoFx& t = r.traza;
+  const clsRegMovimientoFrecuente& mov = *r.mf.MovFrecuente();
+  nlohmann::ordered_json j;
+  j["ID"] = mov.ID();
+  j["Nombre"] = mov.Nombre();
+  j["Fecha"] = FechaTexto(t.fecha);
+  j["OrigenFecha"] = t.origen_fecha;
+  j["Moneda"] = mov.Moneda();
+  j["ImporteTotal"] = t.importe_total;
+  j["OrigenTotal"] = t.origen_total;
+  j["Renglones"] = nlohmann::ordered_json::array();
+  for (const TrazaLineaFx& l : t.lineas) {
+    nlohmann::ordered_json x;
+    x["Orden"] = l.indice;
+    x["Cuenta"] = l.cuenta;
+    x["CuentaCodigo"] = l.cuenta_codigo;
+    x["CuentaNombre"] = l.cuenta_nombre;
+    x["AlDebe"] = l.al_debe;
+    x["Formula"] = l.formula;
+    x["FormulaVisible"] = p.Visible(l.formula);
+    x["ImporteMF"] = l.importe_mf;
+    x["ImporteCta"] = l.importe_cta;
+    x["Ok"] = l.ok;
+    x["Error"] = l.error;
+    if (traza) {
+      x["Expresion"] = l.expresion;
+      x["Conversion"] = l.conversion;
+      x["Elementos"] = nlohmann::ordered_json::array();
+      for (const TrazaElementoFx& e : l.elementos) {
+        nlohmann::ordered_json y;
+        y["Elemento"] = e.elemento;
+        y["Origen"] = OrigenTexto(e.origen);
+        y["Valor"] = e.valor ? nlohmann::ordered_json(*e.valor) : nlohmann::ordered_json(nullptr);
+        y["Detalle"] = e.detalle;
+        y["Fecha"] = e.fecha ? nlohmann::ordered_json(FechaTexto(*e.fecha))
+                             : nlohmann::ordered_json(nullptr);
+        y["Documento"] = e.documento;
+        y["Linea"] = e.linea;
+        x["Elementos"].push_back(std::move(y));
+      }
+    }
+    j["Renglones"].push_back(std::move(x));
+  }
+  j["TotalDebe"] = t.total_debe;
+  j["TotalHaber"] = t.total_haber;
+  j["Balanceado"] = Balanceado(t);
+  j["Ok"] = t.ok;
+  j["Error"] = t.error;
+  return j;
+}
+
+}  // namespace kivmovfrec::cli

@@ -1,0 +1,167 @@
+// movfrec calcular / leyenda / formula, run as a script would run them, on a fresh demo
+// database per test.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Result {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+std::string Slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  std::remove(path.c_str());
+  return text.str();
+}
+
+std::string Quote(const std::string& arg) {
+  std::string q = "'";
+  for (char c : arg) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+
+bool Has(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+class Calcular : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    static int serial = 0;
+    base_ = ::testing::TempDir() + "movfrec_calc_" + std::to_string(getpid()) + "_" +
+            std::to_string(serial++);
+    db_ = "sqlite:" + base_ + ".db";
+    const Result init = Run({"init", "--demo"});
+    ASSERT_EQ(init.status, 0) << init.err;
+  }
+  void TearDown() override {
+    for (const char* suffix : {".db", ".db-wal", ".db-shm"}) std::remove((base_ + suffix).c_str());
+  }
+
+  // movfrec --db <test db> --hoy 2026-11-10 `args`, standard input closed.
+  Result Run(const std::vector<std::string>& args) {
+    std::string cmd = "env -u MOVFREC_DB " + Quote(std::string(KMF_BINARY_DIR) + "/cli/movfrec") +
+                      " --db " + Quote(db_) + " --hoy 2026-11-10";
+    for (const auto& a : args) cmd += " " + Quote(a);
+    cmd += " < /dev/null > " + Quote(base_ + ".out") + " 2> " + Quote(base_ + ".err");
+    const int raw = std::system(cmd.c_str());
+    Result r;
+    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    r.out = Slurp(base_ + ".out");
+    r.err = Slurp(base_ + ".err");
+    return r;
+  }
+
+  std::string base_;
+  std::string db_;
+};
+
+TEST_F(Calcular, TraceOfTheDemoMovementShowsABalancedEntryAndWhereEveryValueCameFrom) {
+  const Result r = Run({"calcular", "27", "--fecha", "20/11/2026", "--traza"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_TRUE(Has(r.out, "Fecha del cálculo: 20/11/2026")) << r.out;
+  EXPECT_TRUE(Has(r.out, "Total Debe: 39.650,00  Total Haber: 39.650,00  (balanceado)")) << r.out;
+  // Every kind of value with its origin: the balance as of the end of October, the index and
+  // rates with the dates of the quotations used, the query, the script, the line referred to.
+  for (const char* parte :
+       {"[saldo] saldo de la cuenta 102 al último día del mes anterior (31/10/2026)",
+        "[índice] índice 5", "[consulta] consulta: Select Sum(ACuImporteMC)",
+        "[cotización] cotización de U$S en $ (tipo 1) al día del cálculo (20/11/2026): 1425,75 "
+        "del 16/11/2026",
+        "del 30/10/2026", "[script] script: Round(21 * 50, 2) = 1050",
+        "[renglón] línea 1 (5.1.06 Intereses y actualizaciones)", "[diferencia]",
+        "Expresión: 1000*(1425.75-1410.25)"}) {
+    EXPECT_TRUE(Has(r.out, parte)) << parte << "\n" << r.out;
+  }
+
+  const Result j = Run({"--json", "calcular", "27", "--fecha", "2026-11-20", "--traza"});
+  ASSERT_EQ(j.status, 0) << j.err;
+  const Json doc = Json::parse(j.out);
+  EXPECT_EQ(doc["Fecha"], "20/11/2026");
+  EXPECT_TRUE(doc["Balanceado"].get<bool>());
+  EXPECT_DOUBLE_EQ(doc["TotalDebe"].get<double>(), 39650);
+  ASSERT_EQ(doc["Renglones"].size(), 4u);
+  for (const Json& l : doc["Renglones"]) {
+    ASSERT_FALSE(l["Elementos"].empty()) << l.dump();
+    for (const Json& e : l["Elementos"]) {
+      EXPECT_FALSE(e["Valor"].is_null()) << e.dump();
+      EXPECT_FALSE(e["Detalle"].get<std::string>().empty()) << e.dump();
+    }
+  }
+  EXPECT_EQ(doc["Renglones"][1]["Elementos"][1]["Fecha"], "16/11/2026");
+}
+
+TEST_F(Calcular, PromptsWithoutATerminalAreCancelledUnlessNotAsked) {
+  const Result pedido = Run({"calcular", "2"});
+  EXPECT_EQ(pedido.status, 1);
+  EXPECT_TRUE(Has(pedido.err, "Fórmula sin resultado")) << pedido.err;
+  EXPECT_TRUE(Has(pedido.out, "Error")) << pedido.out;
+
+  const Result sin = Run({"calcular", "2", "--sin-pedir"});
+  EXPECT_EQ(sin.status, 0) << sin.err;
+  EXPECT_TRUE(Has(sin.out, "(balanceado)")) << sin.out;
+
+  // A scheduled movement without --fecha is computed as of its next due date.
+  const Result agendado = Run({"--json", "calcular", "1"});
+  ASSERT_EQ(agendado.status, 0) << agendado.err;
+  const Json doc = Json::parse(agendado.out);
+  EXPECT_EQ(doc["Fecha"], "10/11/2026");
+  EXPECT_DOUBLE_EQ(doc["Renglones"][0]["ImporteMF"].get<double>(), 540000);
+
+  EXPECT_EQ(Run({"calcular", "999"}).status, 1);
+  EXPECT_EQ(Run({"calcular", "1", "--fecha", "31/02/2026"}).status, 2);
+}
+
+TEST_F(Calcular, LegendMacros) {
+  const Result r =
+      Run({"leyenda", "Alquiler &[FFAñoMes] al &[FUltimoDia]", "--fecha", "15/02/2008"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out, "Alquiler 02/2008 al 29/02/2008\n");
+  const Result hoy = Run({"leyenda", "&[FechaC]"});
+  EXPECT_EQ(hoy.out, "10/11/2026\n");
+}
+
+TEST_F(Calcular, FormulaShownAndSavedBackThroughItsDisplayForm) {
+  const Result ver = Run({"formula", "ver", "2", "2"});
+  ASSERT_EQ(ver.status, 0) << ver.err;
+  EXPECT_EQ(ver.out, "Cuenta Ingresada(\"5.1.01 Sueldos y jornales ADM\")*0.24\n");
+
+  const Result malo =
+      Run({"formula", "guardar", "2", "2", "Cuenta Ingresada(\"5.1.01 Sueldos\")*0.25"});
+  EXPECT_EQ(malo.status, 1);
+  EXPECT_EQ(malo.out, ":e:19\n");  // the first character of the unknown text
+  EXPECT_TRUE(Has(malo.err, "\n" + std::string(2 + 18, ' ') + "^\n")) << malo.err;
+  // Nothing was saved; a formula breaking the movement's rules is refused as well.
+  EXPECT_EQ(Run({"formula", "ver", "2", "2"}).out, ver.out);
+  const Result propia =
+      Run({"formula", "guardar", "2", "2", "Cuenta Ingresada(\"5.1.02 Cargas sociales ADM\")"});
+  EXPECT_EQ(propia.status, 1);
+  EXPECT_TRUE(Has(propia.err, "misma cuenta")) << propia.err;
+
+  const Result bueno = Run({"--json", "formula", "guardar", "2", "2",
+                            "cuenta ingresada(\"5.1.01 Sueldos y jornales ADM\")*0.25"});
+  ASSERT_EQ(bueno.status, 0) << bueno.err;
+  EXPECT_EQ(Json::parse(bueno.out)["Formula"], "[1:141;0;1]*0.25");
+  EXPECT_EQ(Run({"formula", "ver", "2", "2"}).out,
+            "Cuenta Ingresada(\"5.1.01 Sueldos y jornales ADM\")*0.25\n");
+  EXPECT_EQ(Run({"formula", "ver", "2", "9"}).status, 1);
+}
+
+}  // namespace
