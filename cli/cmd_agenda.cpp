@@ -1,5 +1,9 @@
-// movfrec agenda [--desde F] [--hasta F] [--ics ARCHIVO]: every due date and notice date in a
-// range, for every pending scheduled movement, notice and task list of the company.
+// movfrec agenda [--desde F] [--hasta F] [--importes] [--ics ARCHIVO]: every due date and notice
+// date in a range, for every pending scheduled movement, notice and task list of the company.
+// With --importes every due date of an entry or voucher is computed (SetCalculoFormulasMF,
+// without prompts) as of that due date: the debit total, or "Error" when a formula has no
+// result; JSON adds the lines' amounts. A formula reading the occurrence count
+// ([CantidadOcurrencia]) sees the stored count, which belongs to the next due date.
 //
 // Occurrences are stepped from the stored FechaProxima with the suite's date calculator by the
 // same rules that DarRealizadaFechaAgenda applies when an occurrence is marked done: the next
@@ -24,6 +28,7 @@
 #include "fachada.h"
 #include "icalendar.h"
 #include "kivmovfrec/records.h"
+#include "kivmovfrec/traza_fx.h"
 #include "movement_json.h"
 #include "output.h"
 #include "platform/vb/convert.h"
@@ -42,6 +47,13 @@ constexpr int kMaxOcurrencias = 100000;
 
 struct Args {
   std::string desde, hasta, ics;
+  bool importes = false;
+};
+
+// The amounts of one occurrence (agenda --importes).
+struct Importes {
+  bool ok = false;
+  TrazaCalculoFx traza;
 };
 
 struct Evento {
@@ -52,7 +64,8 @@ struct Evento {
   std::string nombre;
   std::string memo;
   int32_t ocurrencia = 0;
-  Date vencimiento;  // the due date the event belongs to
+  Date vencimiento;                    // the due date the event belongs to
+  std::shared_ptr<Importes> importes;  // --importes, due dates of entries and vouchers
 };
 
 struct Agendado {
@@ -134,9 +147,9 @@ void Ocurrencias(const Agendado& a, Date desde, Date hasta, IDateCalculator& cal
       const Date xd = vb::DateOnly(x);
       return xd >= desde && xd <= hasta;
     };
-    if (en_rango(d)) eventos.push_back({d, false, a.id, a.tipo, a.nombre, a.memo, n, d});
+    if (en_rango(d)) eventos.push_back({d, false, a.id, a.tipo, a.nombre, a.memo, n, d, {}});
     if (aviso && en_rango(*aviso)) {
-      eventos.push_back({*aviso, true, a.id, a.tipo, a.nombre, a.memo, n, d});
+      eventos.push_back({*aviso, true, a.id, a.tipo, a.nombre, a.memo, n, d, {}});
     }
     if (dia > hasta && (!aviso || vb::DateOnly(*aviso) > hasta)) break;
     if (una_vez) break;
@@ -190,6 +203,43 @@ EventoIcs EventoCalendario(const Evento& e, int32_t empresa) {
   return ics;
 }
 
+bool TieneImportes(const Evento& e) {
+  return !e.aviso && (e.tipo == ToInt(enuTipoMovFrec::Asiento) ||
+                      e.tipo == ToInt(enuTipoMovFrec::Comprobante) ||
+                      e.tipo == ToInt(enuTipoMovFrec::AsientoSistema));
+}
+
+// Computes every due date of an entry or voucher as of that date, without prompts.
+void Calcular(Context& ctx, std::vector<Evento>& eventos) {
+  auto mf = AbrirFachada(ctx);
+  for (Evento& e : eventos) {
+    if (!TieneImportes(e)) continue;
+    mf->EstructuraMovFrec()->Recurrencia()->FechaProxima(vb::CStr(Variant(e.vencimiento)));
+    auto r = std::make_shared<Importes>();
+    r->ok = mf->SetCalculoFormulasMF(e.id, true);
+    r->traza = mf->UltimaTrazaFx();
+    e.importes = std::move(r);
+  }
+}
+
+Json ImportesJson(const Importes& r) {
+  Json renglones = Json::array();
+  for (const TrazaLineaFx& l : r.traza.lineas) {
+    renglones.push_back({{"Orden", l.indice},
+                         {"Cuenta", l.cuenta},
+                         {"CuentaCodigo", l.cuenta_codigo},
+                         {"AlDebe", l.al_debe},
+                         {"ImporteMF", l.ok ? Json(l.importe_mf) : Json(nullptr)},
+                         {"ImporteCta", l.ok ? Json(l.importe_cta) : Json(nullptr)}});
+  }
+  return {{"Ok", r.ok},
+          {"FechaCalculo", FechaTexto(r.traza.fecha)},
+          {"TotalDebe", r.ok ? Json(r.traza.total_debe) : Json(nullptr)},
+          {"TotalHaber", r.ok ? Json(r.traza.total_haber) : Json(nullptr)},
+          {"Error", r.traza.error},
+          {"Renglones", std::move(renglones)}};
+}
+
 Date Fecha(const std::string& texto) {
   // Validated by FechaValida when parsed.
   return *ParseFecha(texto);
@@ -204,6 +254,8 @@ Action Setup(CLI::App& app) {
       ->type_name("FECHA")
       ->check(FechaValida());
   app.add_option("--ics", args->ics, "Escribe también un archivo iCalendar")->type_name("ARCHIVO");
+  app.add_flag("--importes", args->importes,
+               "Calcula los importes de cada vencimiento de asientos y comprobantes a su fecha");
   app.footer(
       "Lista los vencimientos y las fechas de notificación de los movimientos, avisos y\n"
       "listas de tareas agendados en proceso, desde su próximo vencimiento en adelante. Las\n"
@@ -225,6 +277,7 @@ Action Setup(CLI::App& app) {
     std::stable_sort(eventos.begin(), eventos.end(), [](const Evento& x, const Evento& y) {
       return std::tuple(x.fecha, x.id, !x.aviso) < std::tuple(y.fecha, y.id, !y.aviso);
     });
+    if (args->importes) Calcular(ctx, eventos);
 
     if (!args->ics.empty()) {
       std::vector<EventoIcs> ics;
@@ -237,7 +290,11 @@ Action Setup(CLI::App& app) {
 
     if (ctx.json()) {
       Json lista = Json::array();
-      for (const Evento& e : eventos) lista.push_back(EventoJson(e));
+      for (const Evento& e : eventos) {
+        Json j = EventoJson(e);
+        if (e.importes) j["Importes"] = ImportesJson(*e.importes);
+        lista.push_back(std::move(j));
+      }
       ctx.PrintJson(lista);
     } else if (eventos.empty()) {
       ctx.out() << "No hay vencimientos ni avisos entre el " << FechaTexto(desde) << " y el "
@@ -245,11 +302,19 @@ Action Setup(CLI::App& app) {
     } else {
       TextTable tabla{{"Fecha", "Evento", "ID", "Tipo", "Nombre", "Ocurrencia", "Vence"},
                       {},
-                      {false, false, true, false, false, true, false}};
+                      {false, false, true, false, false, true, false, true}};
+      if (args->importes) tabla.headers.push_back("Importe");
       for (const Evento& e : eventos) {
         tabla.rows.push_back({FechaTexto(e.fecha), EventoTexto(e), std::to_string(e.id),
                               TipoTexto(e.tipo), e.nombre, std::to_string(e.ocurrencia),
                               e.aviso ? FechaTexto(e.vencimiento) : ""});
+        if (!args->importes) continue;
+        std::string importe;
+        if (e.importes) {
+          importe = e.importes->ok ? vb::Format(Variant(e.importes->traza.total_debe), "#,##0.00")
+                                   : "Error";
+        }
+        tabla.rows.back().push_back(importe);
       }
       tabla.Print(ctx.out());
     }

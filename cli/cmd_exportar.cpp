@@ -7,6 +7,7 @@
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
+#include "formula_visible.h"
 #include "movement_json.h"
 
 namespace kivmovfrec::cli {
@@ -25,7 +26,9 @@ Action Setup(CLI::App& app) {
     for (int32_t id : *ids) {
       const auto mf = MovimientoGuardado(ctx, id);
       if (!mf) return Rechazo(ctx, "exportar", NoExiste(id) + "; no se exportó nada");
-      lista.push_back(MovimientoJson(*mf));
+      nlohmann::ordered_json mov = MovimientoJson(*mf);
+      AgregarFormulaVisible(mov, *mf, ctx.connection());
+      lista.push_back(std::move(mov));
     }
     ctx.PrintJson(lista);
     return kExitOk;

@@ -14,6 +14,7 @@
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
+#include "formula_visible.h"
 #include "movement_json.h"
 #include "output.h"
 #include "platform/vb/convert.h"
@@ -127,7 +128,9 @@ Action Setup(CLI::App& app) {
     const auto mf = MovimientoGuardado(ctx, *id);
     if (!mf) return Rechazo(ctx, "ver", NoExiste(*id));
     if (ctx.json()) {
-      ctx.PrintJson(MovimientoJson(*mf));
+      nlohmann::ordered_json mov = MovimientoJson(*mf);
+      AgregarFormulaVisible(mov, *mf, ctx.connection());
+      ctx.PrintJson(mov);
     } else {
       Mostrar(ctx.out(), *mf);
     }

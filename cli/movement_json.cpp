@@ -70,7 +70,8 @@ const char* const kClavesRenglon[] = {"idMF",
                                       "Moneda",
                                       "TipoCambio",
                                       "ValorTC",
-                                      "Detalle"};
+                                      "Detalle",
+                                      "FormulaVisible"};
 const char* const kClavesRaiz[] = {"MovFrecuente", "Recurrencia", "Renglones"};
 
 // Reads the keys of one JSON object, reporting every problem under the object's path.
@@ -341,6 +342,7 @@ void LeerRenglon(Lector& l, clsRegRenglonMF& r) {
   l.EnteroDe<uint8_t>("TipoCambio", [&](uint8_t v) { r.TipoCambio(v); });
   l.Real("ValorTC", [&](double v) { r.ValorTC(v); });
   l.Texto("Detalle", true, [&](std::string v) { r.Detalle(std::move(v)); });
+  l.Ignorado("FormulaVisible", Json::value_t::string);  // written by ver / exportar
   if (l.valido() && l.Valor("Cuenta") == nullptr) l.Error(l.Ruta("Cuenta"), "falta la cuenta");
 }
 

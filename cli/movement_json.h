@@ -29,7 +29,8 @@
 // Missing keys take the value of a new record (a missing FechaEstado is "now"); "Recurrencia"
 // missing is null, "Renglones" missing is []. Null is accepted for texts ("") and dates (none).
 // Ignored on input, whatever they hold (their type is still checked): the lines' joined fields
-// (CuentaCodigo, CuentaNombre, ProyectoAbreviacion, DepartamentoAbreviacion, Moneda) and idMF,
+// (CuentaCodigo, CuentaNombre, ProyectoAbreviacion, DepartamentoAbreviacion, Moneda), the
+// display form FormulaVisible that ver / exportar add (formula_visible.h) and idMF,
 // Recurrencia.Posponer (it is Postergado seen as a whole number), and the keys that tie the
 // header to its schedule (MovFrecuente.Recurrencia, Recurrencia.ID): those belong to the
 // database, and importar takes them from the stored movement.

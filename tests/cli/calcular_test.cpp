@@ -164,4 +164,51 @@ TEST_F(Calcular, FormulaShownAndSavedBackThroughItsDisplayForm) {
   EXPECT_EQ(Run({"formula", "ver", "2", "9"}).status, 1);
 }
 
+TEST_F(Calcular, AgendaComputesEachOccurrenceAsOfItsOwnDueDate) {
+  const Result r =
+      Run({"--json", "agenda", "--desde", "2026-11-10", "--hasta", "2026-12-31", "--importes"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  const Json lista = Json::parse(r.out);
+  int cambio = 0;
+  for (const Json& e : lista) {
+    const bool importes = e.contains("Importes");
+    // Only due dates of entries and vouchers are computed.
+    EXPECT_EQ(importes, e["Evento"] == "Vencimiento" && (e["Tipo"] == 1 || e["Tipo"] == 2))
+        << e.dump();
+    if (!importes) continue;
+    EXPECT_EQ(e["Importes"]["FechaCalculo"], e["Fecha"]) << e.dump();
+    if (e["ID"] == 4) {  // exchange difference: the rates of each due date
+      ++cambio;
+      const double esperado = e["Fecha"] == "30/11/2026" ? 29750 : 0;  // no rate after 30/11
+      EXPECT_DOUBLE_EQ(e["Importes"]["TotalDebe"].get<double>(), esperado) << e.dump();
+    }
+  }
+  EXPECT_EQ(cambio, 2);
+
+  const Result texto = Run({"agenda", "--hasta", "2026-11-30", "--importes"});
+  ASSERT_EQ(texto.status, 0) << texto.err;
+  EXPECT_TRUE(Has(texto.out, "Importe")) << texto.out;
+  EXPECT_TRUE(Has(texto.out, "540.000,00")) << texto.out;
+}
+
+TEST_F(Calcular, VerAndExportarCarryTheDisplayFormWhichImportarIgnores) {
+  const Result ver = Run({"--json", "ver", "2"});
+  ASSERT_EQ(ver.status, 0) << ver.err;
+  const Json mov = Json::parse(ver.out);
+  EXPECT_EQ(mov["Renglones"][1]["FormulaVisible"],
+            "Cuenta Ingresada(\"5.1.01 Sueldos y jornales ADM\")*0.24");
+  EXPECT_EQ(mov["Renglones"][0]["FormulaVisible"], "Pedir valor(\"Sueldos brutos del mes\")");
+
+  const Result exp = Run({"exportar", "2"});
+  ASSERT_EQ(exp.status, 0) << exp.err;
+  Json lista = Json::parse(exp.out);
+  ASSERT_TRUE(lista[0]["Renglones"][1].contains("FormulaVisible"));
+  lista[0]["MovFrecuente"]["ID"] = 0;
+  const std::string archivo = base_ + ".json";
+  std::ofstream(archivo) << lista.dump();
+  const Result imp = Run({"importar", archivo});
+  std::remove(archivo.c_str());
+  EXPECT_EQ(imp.status, 0) << imp.err;
+}
+
 }  // namespace
