@@ -39,6 +39,11 @@ std::string TextoProxima(Date proxima, Date actual) {
 
 }  // namespace
 
+std::string AvanceAgenda::SqlReservar(int32_t id) {
+  return "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = " +
+         std::to_string(id);
+}
+
 std::string AvanceAgenda::SqlMarcarAvisosVistos(int32_t id, int16_t modalidad) {
   return "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> " + std::to_string(id) +
          " And MFrEstado = 0 And MFrModalidad = " + std::to_string(modalidad);
@@ -52,6 +57,8 @@ std::string AvanceAgenda::SqlGrupoEnOrden(int32_t grupo, int32_t id) {
 ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
   if (!hechos_.insert(id).second) return ResultadoOcurrencia::NoAplica;
 
+  // The row is claimed before it is read (see the header): no row, nothing to mark.
+  if (cn_.Execute(SqlReservar(id)) == 0) return ResultadoOcurrencia::NoAplica;
   clsRegMovimientoFrecuente mov;
   if (!storage::CargarMovimiento(cn_, id, mov)) return ResultadoOcurrencia::NoAplica;
   if (mov.Estado() != ToInt(enuEstadoMF::EnProceso)) return ResultadoOcurrencia::NoAplica;

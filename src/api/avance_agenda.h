@@ -5,6 +5,11 @@
 // ComponentError from a counter, an unreadable frequency code from the calculator).
 //
 // Rules for one movement:
+// - Its header row is claimed first (SqlReservar, a write that changes nothing), so that two
+//   transactions marking the same movement run one after the other: the second waits for the
+//   first to end and then reads what it wrote. SQLite holds the whole database from BeginTrans
+//   already; PostgreSQL locks a row only when it is written, and its reads never wait, so
+//   without the claim both would read the same occurrence and count it twice.
 // - Only a pending movement (Estado 0) with a stored schedule has an occurrence to mark.
 // - Next due date: ProximaFecha(code, FechaProxima). The time of day of FechaProxima is kept and
 //   written "dd/mm/yyyy hh:nn"; a due date without time is written "dd/mm/yyyy".
@@ -50,6 +55,8 @@ class AvanceAgenda {
   // linked to another movement (it does not head a group) or nobody is linked to it.
   std::vector<int32_t> MiembrosDelGrupo(int32_t id);
 
+  // "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = " + id
+  static std::string SqlReservar(int32_t id);
   // "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> " + id +
   // " And MFrEstado = 0 And MFrModalidad = " + modalidad
   static std::string SqlMarcarAvisosVistos(int32_t id, int16_t modalidad);

@@ -63,7 +63,7 @@ class Agendas : public Fachada {
   }
 };
 
-TEST_F(Agendas, TresOcurrenciasTerminanEnRealizadoConNumeroTres) {
+TEST_P(Agendas, TresOcurrenciasTerminanEnRealizadoConNumeroTres) {
   const int32_t id = NuevoAgendado("10/01/2027", "10/03/2027 18:00", 0);
   EXPECT_FALSE(Realizar(id, 1));
   EXPECT_EQ(Agenda(id).FechaProxima(), "10/02/2027");
@@ -85,7 +85,7 @@ TEST_F(Agendas, TresOcurrenciasTerminanEnRealizadoConNumeroTres) {
   EXPECT_EQ(Tablas(), antes);
 }
 
-TEST_F(Agendas, UltimaFechaEntreOcurrenciasTerminaTrasLaTercera) {
+TEST_P(Agendas, UltimaFechaEntreOcurrenciasTerminaTrasLaTercera) {
   auto calendario = std::make_shared<CalendarioEspia>();
   auto servicios = sv.Bundle();
   servicios.calendar = calendario;
@@ -103,7 +103,7 @@ TEST_F(Agendas, UltimaFechaEntreOcurrenciasTerminaTrasLaTercera) {
   EXPECT_EQ(calendario->inicios.front(), suite::SerialOf(2027, 1, 10));
 }
 
-TEST_F(Agendas, SinVencimientoNuncaTermina) {
+TEST_P(Agendas, SinVencimientoNuncaTermina) {
   // Demo movement 1: monthly, no end, next 10/11/2026, occurrence 11.
   for (int i = 0; i < 10; ++i) EXPECT_FALSE(Realizar(1, 1));
   EXPECT_EQ(Estado(1), 0);
@@ -111,7 +111,7 @@ TEST_F(Agendas, SinVencimientoNuncaTermina) {
   EXPECT_EQ(Agenda(1).FechaProxima(), "10/09/2027");
 }
 
-TEST_F(Agendas, AvisoUnicoTerminaYMarcaVistosLosDeSuModalidad) {
+TEST_P(Agendas, AvisoUnicoTerminaYMarcaVistosLosDeSuModalidad) {
   bool ultima = false;
   ASSERT_TRUE(mf.DarRealizadaFechaAgenda(9, ultima));  // notice, once, modality 1
   EXPECT_TRUE(ultima);
@@ -121,7 +121,7 @@ TEST_F(Agendas, AvisoUnicoTerminaYMarcaVistosLosDeSuModalidad) {
   EXPECT_EQ(vb::CLng(Mov(9, "MFrVista")), 0);   // itself
 }
 
-TEST_F(Agendas, AvisoSemanalConservaLaHora) {
+TEST_P(Agendas, AvisoSemanalConservaLaHora) {
   ASSERT_TRUE(mf.DarRealizadaFechaAgenda(22));
   const auto rec = Agenda(22);
   EXPECT_EQ(rec.FechaProxima(), "20/11/2026 09:00:00");
@@ -129,12 +129,12 @@ TEST_F(Agendas, AvisoSemanalConservaLaHora) {
   EXPECT_EQ(Estado(22), 0);
 }
 
-TEST_F(Agendas, PostergacionSeBorraAlAvanzar) {
+TEST_P(Agendas, PostergacionSeBorraAlAvanzar) {
   ASSERT_TRUE(mf.DarRealizadaFechaAgenda(8));  // postponed one day
   EXPECT_TRUE(Scalar(*cn, "Select RecPostergado From genRecurrencias Where RecID = 5").IsNull());
 }
 
-TEST_F(Agendas, SinAgendaONoPendienteNoHaceNada) {
+TEST_P(Agendas, SinAgendaONoPendienteNoHaceNada) {
   const auto antes = Tablas();
   EXPECT_FALSE(mf.DarRealizadaFechaAgenda(2));     // frequent entry, no schedule
   EXPECT_FALSE(mf.DarRealizadaFechaAgenda(21));    // notice already done
@@ -143,7 +143,7 @@ TEST_F(Agendas, SinAgendaONoPendienteNoHaceNada) {
   EXPECT_TRUE(Mensajes().empty());
 }
 
-TEST_F(Agendas, CadenaVinculadaAvanzaEnSuOrdenYElMiembroNoArrastraAlGrupo) {
+TEST_P(Agendas, CadenaVinculadaAvanzaEnSuOrdenYElMiembroNoArrastraAlGrupo) {
   // Give member 26 (order 2 in group 25) a weekly schedule of its own.
   ASSERT_TRUE(mf.LoadMF(26));
   mf.EstructuraMovFrec()->Recurrencia()->Frecuencia("000007");
@@ -167,7 +167,7 @@ TEST_F(Agendas, CadenaVinculadaAvanzaEnSuOrdenYElMiembroNoArrastraAlGrupo) {
   EXPECT_EQ(Agenda(26).FechaProxima(), "26/11/2026");
 }
 
-TEST_F(Agendas, FalloEnUnMiembroDeshaceTodaLaCadena) {
+TEST_P(Agendas, FalloEnUnMiembroDeshaceTodaLaCadena) {
   ASSERT_TRUE(mf.LoadMF(26));
   mf.EstructuraMovFrec()->Recurrencia()->Frecuencia("000007");
   mf.EstructuraMovFrec()->Recurrencia()->FechaProxima("12/11/2026");
@@ -187,6 +187,8 @@ TEST_F(Agendas, FalloEnUnMiembroDeshaceTodaLaCadena) {
   EXPECT_EQ(Mensajes()[0].request.icon, MsgIcon::Critical);
   EXPECT_EQ(Mensajes()[0].request.caption, "Movimientos Frecuentes");
 }
+
+KMF_INSTANTIATE_ENGINES(Agendas);
 
 }  // namespace
 }  // namespace kivmovfrec::testing

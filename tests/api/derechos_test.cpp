@@ -12,9 +12,9 @@ const char* const kSinDerechos =
     "Su usuario no está habilitado para acceder a ésta opción.\n"
     "Consulte con el administrador del sistema.";
 
-using Estados = Fachada;
+class Estados : public Fachada {};
 
-TEST_F(Estados, SinLaLetraSeRechazaConElTituloDelTipo) {
+TEST_P(Estados, SinLaLetraSeRechazaConElTituloDelTipo) {
   sv.rights->Set(1, "PasajeAsientos", "AM");  // no E
   EXPECT_FALSE(mf.CambiarEstadoMF(1, enuEstadoMF::Papelera, false));
   EXPECT_FALSE(mf.CambiarEstadoMF(6, enuEstadoMF::Realizado, false));  // voucher: no rights
@@ -34,7 +34,7 @@ TEST_F(Estados, SinLaLetraSeRechazaConElTituloDelTipo) {
   EXPECT_EQ(vb::DateOnly(vb::CDate(Mov(1, "MFrFechaEstado"))), kHoy);
 }
 
-TEST_F(Estados, AvisoNoNecesitaDerechosNiSiEstaVinculado) {
+TEST_P(Estados, AvisoNoNecesitaDerechosNiSiEstaVinculado) {
   cn->Execute("Update genMovimientosFrecuentes Set MFrMovVinculado = 9 Where MFrID = 8");
   const auto lineas_antes = Scalar(*cn, "Select Count(*) From genRenglonMovFrecuentes");
   EXPECT_TRUE(mf.CambiarEstadoMF(8, enuEstadoMF::Papelera, false));
@@ -45,7 +45,7 @@ TEST_F(Estados, AvisoNoNecesitaDerechosNiSiEstaVinculado) {
   EXPECT_EQ(Scalar(*cn, "Select Count(*) From genRenglonMovFrecuentes"), lineas_antes);
 }
 
-TEST_F(Estados, VinculadoSeRechazaCon871) {
+TEST_P(Estados, VinculadoSeRechazaCon871) {
   sv.rights->Set(1, "PasajeAsientos", "AMEeTQ");
   EXPECT_FALSE(mf.CambiarEstadoMF(16, enuEstadoMF::Papelera, false));
   ASSERT_EQ(Mensajes().size(), 1u);
@@ -56,7 +56,7 @@ TEST_F(Estados, VinculadoSeRechazaCon871) {
   EXPECT_EQ(Estado(16), 0);
 }
 
-TEST_F(Estados, PreguntaSegunElEstadoYRespuestaNo) {
+TEST_P(Estados, PreguntaSegunElEstadoYRespuestaNo) {
   sv.rights->Set(1, "PasajeAsientos", "ME");
   sv.messages->Answer(kMsgNo);
   EXPECT_FALSE(mf.CambiarEstadoMF(1, enuEstadoMF::Papelera));
@@ -73,9 +73,9 @@ TEST_F(Estados, PreguntaSegunElEstadoYRespuestaNo) {
   EXPECT_FALSE(mf.CambiarEstadoMF(4242, enuEstadoMF::Realizado, false));
 }
 
-using Papelera = Fachada;
+class Papelera : public Fachada {};
 
-TEST_F(Papelera, LaLetraEMayusculaPermiteBorrar) {
+TEST_P(Papelera, LaLetraEMayusculaPermiteBorrar) {
   sv.rights->Set(1, "Papelera", "E");
   sv.messages->Answer(kMsgYes);
   EXPECT_TRUE(mf.DeleteRegistroMFConfirmar(20));
@@ -87,7 +87,7 @@ TEST_F(Papelera, LaLetraEMayusculaPermiteBorrar) {
   EXPECT_FALSE(cn->InTransaction());
 }
 
-TEST_F(Papelera, SinLetraONoNoBorra) {
+TEST_P(Papelera, SinLetraONoNoBorra) {
   const auto antes = Tablas();
   sv.rights->Set(1, "Papelera", "AMT");
   EXPECT_FALSE(mf.DeleteRegistroMFConfirmar(20));
@@ -101,6 +101,9 @@ TEST_F(Papelera, SinLetraONoNoBorra) {
   EXPECT_FALSE(mf.DeleteRegistroMFConfirmar(4242));
   EXPECT_EQ(Tablas(), antes);
 }
+
+KMF_INSTANTIATE_ENGINES(Estados);
+KMF_INSTANTIATE_ENGINES(Papelera);
 
 }  // namespace
 }  // namespace kivmovfrec::testing

@@ -1,5 +1,6 @@
-// Shared setup of the façade tests: the demo database in memory, scripted services with
-// "today" fixed at 10/11/2026, and a connected façade for company 1.
+// Shared setup of the façade tests: a fresh demo database on each engine (KMF_INSTANTIATE_ENGINES;
+// a plain TEST_F on it runs on SQLite), scripted services with "today" fixed at 10/11/2026, and
+// a connected façade for company 1.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,15 +17,16 @@
 #include "platform/vb/convert.h"
 #include "storage/parametros.h"
 #include "support/db_snapshot.h"
+#include "support/demo_engine.h"
 
 namespace kivmovfrec::testing {
 
 inline const Date kHoy = suite::SerialOf(2026, 11, 10);
 
-class Fachada : public ::testing::Test {
+class Fachada : public DemoEngineTest {
  protected:
-  void SetUp() override {
-    cn = OpenInstalledDb();
+  void SetUpDatabase() override {
+    DemoEngineTest::SetUpDatabase();
     sv = suite::ScriptedServices::Make(cn, kHoy);
     mf.Servicios(sv.Bundle());
     mf.Connect(cn);
@@ -50,7 +52,6 @@ class Fachada : public ::testing::Test {
   Snapshot Tablas() { return TakeSnapshot(*cn, MovementTables()); }
   const std::vector<suite::ScriptedMessages::Shown>& Mensajes() { return sv.messages->shown(); }
 
-  std::shared_ptr<Connection> cn;
   suite::ScriptedServices sv;
   clsMovFrecuente mf;
 };

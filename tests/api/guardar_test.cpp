@@ -8,7 +8,7 @@
 namespace kivmovfrec::testing {
 namespace {
 
-using Guardar = Fachada;
+class Guardar : public Fachada {};
 
 std::shared_ptr<clsRegRenglonMF> Linea(int32_t cuenta) {
   auto r = std::make_shared<clsRegRenglonMF>();
@@ -24,8 +24,9 @@ void Asiento(clsMovFrecuente& mf, const std::string& nombre) {
   m->Nombre(nombre);
 }
 
-TEST(FachadaSinConectar, CadaMiembroNoHaceNada) {
-  auto cn = OpenInstalledDb();
+class FachadaSinConectar : public DemoEngineTest {};
+
+TEST_P(FachadaSinConectar, CadaMiembroNoHaceNada) {
   auto sv = suite::ScriptedServices::Make(cn, kHoy);
   sv.rights->Set(1, "Papelera", "e");
   sv.rights->Set(1, "PasajeAsientos", "AMEe");
@@ -61,7 +62,7 @@ TEST(FachadaSinConectar, CadaMiembroNoHaceNada) {
   core::SetClock(nullptr);
 }
 
-TEST_F(Guardar, ConnectLeeParametrosIdiomaEInstalaElReloj) {
+TEST_P(Guardar, ConnectLeeParametrosIdiomaEInstalaElReloj) {
   cn->Execute(
       "Update genParametros Set ParTexto = 'yyyy-mm-dd' Where ParNombre = "
       "'defBDDateFormat'");
@@ -76,7 +77,7 @@ TEST_F(Guardar, ConnectLeeParametrosIdiomaEInstalaElReloj) {
   EXPECT_EQ(core::Today(), kHoy);
 }
 
-TEST_F(Guardar, ElDiarioPorDefectoEsElDeLaEmpresa) {
+TEST_P(Guardar, ElDiarioPorDefectoEsElDeLaEmpresa) {
   Asiento(mf, "Asiento de la empresa 2");
   mf.Empresa(2);
   const int32_t id = mf.SaveMovimientoFrecuente();
@@ -86,7 +87,7 @@ TEST_F(Guardar, ElDiarioPorDefectoEsElDeLaEmpresa) {
   EXPECT_EQ(vb::CLng(Mov(mf.SaveMovimientoFrecuenteConBloqueo(), "MFrModalidad")), 1);
 }
 
-TEST_F(Guardar, SoloElGuardadoConBloqueoReiniciaLaOcurrenciaDeUnaAgendaUnica) {
+TEST_P(Guardar, SoloElGuardadoConBloqueoReiniciaLaOcurrenciaDeUnaAgendaUnica) {
   for (bool bloqueo : {false, true}) {
     Asiento(mf, bloqueo ? "Con bloqueo" : "Sin bloqueo");
     auto rec = mf.EstructuraMovFrec()->Recurrencia();
@@ -103,7 +104,7 @@ TEST_F(Guardar, SoloElGuardadoConBloqueoReiniciaLaOcurrenciaDeUnaAgendaUnica) {
   }
 }
 
-TEST_F(Guardar, VinculadoNuevoLineasQuitadasYAgendaQuitada) {
+TEST_P(Guardar, VinculadoNuevoLineasQuitadasYAgendaQuitada) {
   // A new entry linked to group 16 takes the next position.
   Asiento(mf, "Tercero del grupo");
   mf.EstructuraMovFrec()->MovFrecuente()->MovVinculado(16);
@@ -127,7 +128,7 @@ TEST_F(Guardar, VinculadoNuevoLineasQuitadasYAgendaQuitada) {
   EXPECT_TRUE(Mov(4, "MFrRecurrencia").IsNull());
 }
 
-TEST_F(Guardar, ComillaEnElNombreDevuelveCeroConBloqueoYExcepcionSin) {
+TEST_P(Guardar, ComillaEnElNombreDevuelveCeroConBloqueoYExcepcionSin) {
   Asiento(mf, "Alquiler D'Angelo");
   const auto antes = Tablas();
   EXPECT_EQ(mf.SaveMovimientoFrecuenteConBloqueo(), 0);
@@ -137,7 +138,7 @@ TEST_F(Guardar, ComillaEnElNombreDevuelveCeroConBloqueoYExcepcionSin) {
   EXPECT_FALSE(cn->InTransaction());
 }
 
-TEST_F(Guardar, LoadYDeleteMF) {
+TEST_P(Guardar, LoadYDeleteMF) {
   ASSERT_TRUE(mf.LoadMF(6));
   const auto cargado = mf.EstructuraMovFrec()->MovFrecuente();
   EXPECT_EQ(cargado->Nombre(), "Honorarios del estudio contable");
@@ -149,6 +150,9 @@ TEST_F(Guardar, LoadYDeleteMF) {
   EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias Where RecID = 4"), 0);
   EXPECT_EQ(mf.EstructuraMovFrec()->MovFrecuente()->ID(), 6);  // memory untouched
 }
+
+KMF_INSTANTIATE_ENGINES(FachadaSinConectar);
+KMF_INSTANTIATE_ENGINES(Guardar);
 
 }  // namespace
 }  // namespace kivmovfrec::testing

@@ -1,8 +1,16 @@
-// A database failure at every statement of the members that run their own transaction leaves
-// every table as it was; outside a transaction the failure reaches the caller.
+// A database failure at every statement (commit included) of every writing member of the
+// façade, on every engine:
+//  - members that run their own transaction (the locked save, delete from the bin, occurrence
+//    done) return 0 / false and leave every table as it was;
+//  - the state change writes one row outside a transaction: it reports the error, returns false
+//    and leaves every table as it was;
+//  - the plain save and DeleteMF run outside a transaction: the error reaches the caller.
+// Each member prints one summary line (statements failed, states compared) and records the
+// figures as test properties.
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "fachada_fixture.h"
 #include "support/faulty_connection.h"
@@ -10,29 +18,35 @@
 namespace kivmovfrec::testing {
 namespace {
 
-// A façade over a connection that fails at statement `base + k`, where `base` statements are
-// spent by Connect and the preparation.
+// A façade whose connection (and the counter service behind it) fails at one statement.
 struct Intento {
   std::shared_ptr<FaultyConnection> cn;
   suite::ScriptedServices sv;
   std::unique_ptr<clsMovFrecuente> mf;
 };
 
-class Fallos : public ::testing::Test {
- protected:
-  void SetUp() override { real = OpenInstalledDb(); }
-  void TearDown() override {
-    storage::Parametros() = storage::ParametrosBD{};
-    core::SetClock(nullptr);
-  }
+using Preparar = void (*)(clsMovFrecuente&);
 
+// Figures of one member over all its scenarios.
+struct Cifras {
+  int escenarios = 0;
+  int fallidas = 0;     // attempts whose injected failure fired
+  int comparados = 0;   // table states compared with the state before
+  int distintos = 0;    // ... that differed from it
+  int ceros = 0;        // failed attempts that returned the zero value
+  int al_llamador = 0;  // failures that reached the caller as an exception
+  int reportados = 0;   // failures shown through the message service
+};
+
+class Fallos : public Fachada {
+ protected:
   // `preparar` loads or builds the movement to work on (through the faulty connection).
-  template <typename Preparar>
   Intento Nuevo(int fail_at, Preparar preparar) {
     Intento i;
-    i.cn = std::make_shared<FaultyConnection>(real, fail_at);
-    i.sv = suite::ScriptedServices::Make(real, kHoy);
+    i.cn = std::make_shared<FaultyConnection>(cn, fail_at);
+    i.sv = suite::ScriptedServices::Make(i.cn, kHoy);
     i.sv.rights->Set(1, "Papelera", "e");
+    i.sv.rights->Set(1, "PasajeAsientos", "AMEe");
     i.sv.messages->DefaultAnswer(kMsgYes);
     i.mf = std::make_unique<clsMovFrecuente>();
     i.mf->Servicios(i.sv.Bundle());
@@ -42,40 +56,120 @@ class Fallos : public ::testing::Test {
     return i;
   }
 
-  // Runs `miembro` failing at each statement in turn until it succeeds. Every failed attempt
-  // must return the zero value and leave the tables as they were.
-  template <typename Preparar, typename Miembro>
-  void CadaSentencia(const char* nombre, Preparar preparar, Miembro miembro) {
-    const int base = Nuevo(0, preparar).cn->statements();
-    const Snapshot antes = TakeSnapshot(*real, MovementTables());
-    int comparados = 0;
-    for (int k = 1; k < 200; ++k) {
+  // Statements spent by Connect and the preparation, before the member runs.
+  int Base(Preparar preparar) { return Nuevo(0, preparar).cn->statements(); }
+
+  // A member that runs in a transaction (or writes a single row): fails at each statement in
+  // turn until it completes. Every failed attempt must return the zero value, leave no
+  // transaction open and the tables as they were; when `restaura_memoria`, the records in
+  // memory also keep their keys. `reporta`: the member shows the error it trapped.
+  template <typename Miembro>
+  void Atomico(Cifras& cifras, const std::string& escenario, Preparar preparar, Miembro miembro,
+               bool reporta, bool restaura_memoria = false) {
+    ++cifras.escenarios;
+    const int base = Base(preparar);
+    const Snapshot antes = Tablas();
+    for (int k = 1; k < 300; ++k) {
       Intento i = Nuevo(base + k, preparar);
       const auto copia_mov = *i.mf->EstructuraMovFrec()->MovFrecuente();
       const auto copia_rec = *i.mf->EstructuraMovFrec()->Recurrencia();
       const auto resultado = miembro(*i.mf);
+      EXPECT_FALSE(cn->InTransaction()) << escenario << ", sentencia " << k;
       if (!i.cn->failed()) {
-        EXPECT_TRUE(resultado) << nombre << ": sin fallo debe completarse";
-        EXPECT_NE(TakeSnapshot(*real, MovementTables()), antes) << nombre;
-        std::cout << "[ " << nombre << " ] " << (k - 1) << " sentencias con fallo inyectado "
-                  << "(la " << k << ".a completa el trabajo, commit incluido); " << comparados
-                  << " estados comparados\n";
+        EXPECT_TRUE(resultado) << escenario << ": sin fallo debe completarse";
+        EXPECT_NE(Tablas(), antes) << escenario << ": sin fallo debe escribir";
+        EXPECT_GT(k, 1) << escenario << ": ninguna sentencia falló";
         return;
       }
-      EXPECT_FALSE(resultado) << nombre << ", fallo en la sentencia " << k;
-      EXPECT_EQ(TakeSnapshot(*real, MovementTables()), antes)
-          << nombre << ", fallo en la sentencia " << k;
-      // The records in memory are as they were before the attempt.
-      EXPECT_EQ(i.mf->EstructuraMovFrec()->MovFrecuente()->ID(), copia_mov.ID());
-      EXPECT_EQ(i.mf->EstructuraMovFrec()->MovFrecuente()->Recurrencia(), copia_mov.Recurrencia());
-      EXPECT_EQ(i.mf->EstructuraMovFrec()->Recurrencia()->ID(), copia_rec.ID());
-      ++comparados;
+      ++cifras.fallidas;
+      EXPECT_FALSE(resultado) << escenario << ", fallo en la sentencia " << k;
+      if (!resultado) ++cifras.ceros;
+      const bool igual = Tablas() == antes;
+      EXPECT_TRUE(igual) << escenario << ", fallo en la sentencia " << k;
+      ++cifras.comparados;
+      if (!igual) ++cifras.distintos;
+      const auto& shown = i.sv.messages->shown();
+      if (reporta) {
+        // The last thing shown is the error (after the member's own question, if any).
+        const bool mostrado = !shown.empty() && shown.back().request.icon == MsgIcon::Critical;
+        if (mostrado) ++cifras.reportados;
+        EXPECT_TRUE(mostrado) << escenario << ", fallo en la sentencia " << k;
+      } else {
+        EXPECT_TRUE(shown.empty()) << escenario << ", fallo en la sentencia " << k;
+      }
+      if (restaura_memoria) {
+        const auto& mov = *i.mf->EstructuraMovFrec()->MovFrecuente();
+        EXPECT_EQ(mov.ID(), copia_mov.ID()) << escenario << ", sentencia " << k;
+        EXPECT_EQ(mov.Recurrencia(), copia_mov.Recurrencia()) << escenario << ", sentencia " << k;
+        EXPECT_EQ(i.mf->EstructuraMovFrec()->Recurrencia()->ID(), copia_rec.ID())
+            << escenario << ", sentencia " << k;
+      }
     }
-    ADD_FAILURE() << nombre << " nunca se completó";
+    ADD_FAILURE() << escenario << " nunca se completó";
   }
 
-  std::shared_ptr<Connection> real;
+  // A member the façade runs outside a transaction: at each statement in turn the failure must
+  // reach the caller as an exception (DbError, or the counter's ComponentError 8000 when the key
+  // draw is the statement that failed). Each attempt runs inside a transaction opened here on
+  // the real connection and rolled back afterwards, so every attempt starts from the same
+  // tables (the member itself never begins one).
+  template <typename Miembro>
+  void Directo(Cifras& cifras, const std::string& escenario, Preparar preparar, Miembro miembro) {
+    ++cifras.escenarios;
+    const int base = Base(preparar);
+    const Snapshot antes = Tablas();
+    for (int k = 1; k < 300; ++k) {
+      Intento i = Nuevo(base + k, preparar);
+      cn->BeginTrans();
+      bool lanzado = false;
+      try {
+        miembro(*i.mf);
+      } catch (const DbError& e) {
+        lanzado = true;
+        EXPECT_NE(std::string(e.what()).find("fallo inyectado"), std::string::npos) << e.what();
+      } catch (const ComponentError& e) {
+        lanzado = true;
+        EXPECT_EQ(e.number(), 8000) << e.what();
+      }
+      cn->RollbackTrans();
+      EXPECT_EQ(Tablas(), antes) << escenario << ", sentencia " << k;
+      EXPECT_TRUE(i.sv.messages->shown().empty()) << escenario << ", sentencia " << k;
+      if (!i.cn->failed()) {
+        EXPECT_FALSE(lanzado) << escenario << ": sin fallo no debe haber error";
+        EXPECT_GT(k, 1) << escenario << ": ninguna sentencia falló";
+        return;
+      }
+      ++cifras.fallidas;
+      EXPECT_TRUE(lanzado) << escenario << ", el fallo de la sentencia " << k
+                           << " no llegó al llamador";
+      if (lanzado) ++cifras.al_llamador;
+    }
+    ADD_FAILURE() << escenario << " nunca se completó";
+  }
+
+  // One line per member with its figures, also kept as test properties.
+  void Resumen(const std::string& miembro, const Cifras& c) {
+    std::cout << "[ falla inyectada ] " << miembro << " (" << EngineName(engine())
+              << "): " << c.escenarios << " escenarios, " << c.fallidas
+              << " sentencias fallidas una a una";
+    if (c.comparados > 0) {
+      std::cout << " (commit incluido); " << c.ceros << " devolvieron 0/false, " << c.comparados
+                << " estados comparados con el anterior, " << c.distintos << " distintos, "
+                << c.reportados << " errores mostrados\n";
+    } else {
+      std::cout << " (sin transacción propia); " << c.al_llamador
+                << " errores llegaron al llamador\n";
+    }
+    RecordProperty("miembro", miembro);
+    RecordProperty("sentencias_fallidas", c.fallidas);
+    RecordProperty("estados_comparados", c.comparados);
+    RecordProperty("estados_distintos", c.distintos);
+    RecordProperty("errores_al_llamador", c.al_llamador);
+    EXPECT_GT(c.fallidas, 0);
+  }
 };
+
+void Nada(clsMovFrecuente&) {}
 
 void NuevoVinculadoConAgendaYLineas(clsMovFrecuente& mf) {
   auto e = mf.EstructuraMovFrec();
@@ -104,61 +198,69 @@ void ExistentePierdeSuAgenda(clsMovFrecuente& mf) {
   mf.EstructuraMovFrec()->MovFrecuente()->Recurrencia(0);
 }
 
-TEST_F(Fallos, GuardadoConBloqueoNuevo) {
-  CadaSentencia("guardado con bloqueo, nuevo", NuevoVinculadoConAgendaYLineas,
-                [](clsMovFrecuente& mf) { return mf.SaveMovimientoFrecuenteConBloqueo(); });
+TEST_P(Fallos, SaveMovimientoFrecuenteConBloqueo) {
+  Cifras c;
+  const auto guardar = [](clsMovFrecuente& mf) { return mf.SaveMovimientoFrecuenteConBloqueo(); };
+  Atomico(c, "nuevo vinculado con agenda y líneas", NuevoVinculadoConAgendaYLineas, guardar,
+          /*reporta=*/false, /*restaura_memoria=*/true);
+  Atomico(c, "existente modificado", ExistenteModificado, guardar, false, true);
+  Atomico(c, "existente sin su agenda", ExistentePierdeSuAgenda, guardar, false, true);
+  Resumen("SaveMovimientoFrecuenteConBloqueo", c);
 }
 
-TEST_F(Fallos, GuardadoConBloqueoExistente) {
-  CadaSentencia("guardado con bloqueo, existente", ExistenteModificado,
-                [](clsMovFrecuente& mf) { return mf.SaveMovimientoFrecuenteConBloqueo(); });
+TEST_P(Fallos, DeleteRegistroMFConfirmar) {
+  Cifras c;
+  Atomico(
+      c, "borrado de la papelera", Nada,
+      [](clsMovFrecuente& mf) { return mf.DeleteRegistroMFConfirmar(1); }, /*reporta=*/true);
+  Resumen("DeleteRegistroMFConfirmar", c);
 }
 
-TEST_F(Fallos, GuardadoConBloqueoQueBorraLaAgenda) {
-  CadaSentencia("guardado con bloqueo, sin agenda", ExistentePierdeSuAgenda,
-                [](clsMovFrecuente& mf) { return mf.SaveMovimientoFrecuenteConBloqueo(); });
-}
-
-TEST_F(Fallos, BorradoDesdeLaPapelera) {
-  CadaSentencia(
-      "borrado desde la papelera", [](clsMovFrecuente&) {},
-      [](clsMovFrecuente& mf) { return mf.DeleteRegistroMFConfirmar(1); });
-}
-
-TEST_F(Fallos, DarPorRealizadaUnAvisoYUnaCadena) {
-  CadaSentencia(
-      "ocurrencia realizada, aviso", [](clsMovFrecuente&) {},
-      [](clsMovFrecuente& mf) { return mf.DarRealizadaFechaAgenda(9); });
-  CadaSentencia(
-      "ocurrencia realizada, cadena", [](clsMovFrecuente&) {},
-      [](clsMovFrecuente& mf) { return mf.DarRealizadaFechaAgenda(25); });
-}
-
-TEST_F(Fallos, SinTransaccionElErrorLlegaAlLlamador) {
-  int fallos = 0;
-  for (int k = 1; k < 200; ++k) {
-    real = OpenInstalledDb();  // the plain save leaves what it wrote before failing
-    const int base = Nuevo(0, NuevoVinculadoConAgendaYLineas).cn->statements();
-    Intento i = Nuevo(base + k, NuevoVinculadoConAgendaYLineas);
-    try {
-      EXPECT_GT(i.mf->SaveMovimientoFrecuente(), 0);
-      EXPECT_FALSE(i.cn->failed());
-      break;
-    } catch (const DbError& e) {
-      EXPECT_TRUE(i.cn->failed()) << e.what();
-      ++fallos;
-    }
+TEST_P(Fallos, DarRealizadaFechaAgenda) {
+  Cifras c;
+  for (int32_t id : {1, 9, 25}) {  // monthly entry, notice of its modality, head of a chain
+    Atomico(
+        c, "ocurrencia realizada de " + std::to_string(id), Nada,
+        [id](clsMovFrecuente& mf) { return mf.DarRealizadaFechaAgenda(id); }, /*reporta=*/true);
   }
-  EXPECT_GE(fallos, 4);  // schedule, link order, header, lines
-  std::cout << "[ guardado sin transacción ] " << fallos << " fallos llegaron al llamador\n";
-
-  Intento i = Nuevo(0, [](clsMovFrecuente&) {});
-  const int base = i.cn->statements();
-  i = Nuevo(base + 1, [](clsMovFrecuente&) {});
-  EXPECT_THROW(i.mf->LoadMF(1), DbError);
-  i = Nuevo(base + 1, [](clsMovFrecuente&) {});
-  EXPECT_THROW(i.mf->DeleteMF(1), DbError);
+  Resumen("DarRealizadaFechaAgenda", c);
 }
+
+TEST_P(Fallos, CambiarEstadoMF) {
+  Cifras c;
+  Atomico(
+      c, "a la papelera", Nada,
+      [](clsMovFrecuente& mf) { return mf.CambiarEstadoMF(1, enuEstadoMF::Papelera, false); },
+      /*reporta=*/true);
+  Atomico(
+      c, "aviso realizado", Nada,
+      [](clsMovFrecuente& mf) { return mf.CambiarEstadoMF(9, enuEstadoMF::Realizado, false); },
+      /*reporta=*/true);
+  Resumen("CambiarEstadoMF", c);
+}
+
+TEST_P(Fallos, SaveMovimientoFrecuente) {
+  Cifras c;
+  const auto guardar = [](clsMovFrecuente& mf) { EXPECT_GT(mf.SaveMovimientoFrecuente(), 0); };
+  Directo(c, "nuevo vinculado con agenda y líneas", NuevoVinculadoConAgendaYLineas, guardar);
+  Directo(c, "existente modificado", ExistenteModificado, guardar);
+  EXPECT_GE(c.al_llamador, 8);  // schedule, link order, header and lines, twice
+  Resumen("SaveMovimientoFrecuente", c);
+}
+
+TEST_P(Fallos, DeleteMFYLoadMF) {
+  Cifras c;
+  Directo(c, "borrado sin confirmación", Nada, [](clsMovFrecuente& mf) { mf.DeleteMF(1); });
+  EXPECT_GE(c.al_llamador, 3);  // lines, schedule, header
+  Resumen("DeleteMF", c);
+
+  // Loading writes nothing, and its failure reaches the caller too.
+  const int base = Base(Nada);
+  Intento i = Nuevo(base + 1, Nada);
+  EXPECT_THROW(i.mf->LoadMF(1), DbError);
+}
+
+KMF_INSTANTIATE_ENGINES(Fallos);
 
 }  // namespace
 }  // namespace kivmovfrec::testing

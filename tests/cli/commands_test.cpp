@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <regex>
 #include <sstream>
 #include <string>
@@ -15,7 +16,13 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "cli_db.h"
+
 namespace {
+
+using kmf_cli::CliDatabase;
+using kmf_cli::Motor;
+using kmf_cli::Quote;
 
 using Json = nlohmann::ordered_json;
 
@@ -33,27 +40,24 @@ std::string Slurp(const std::string& path, bool remove = true) {
   return text.str();
 }
 
-std::string Quote(const std::string& arg) {
-  std::string q = "'";
-  for (char c : arg) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
-
-class MovfrecComandos : public ::testing::Test {
+// Each test runs on a fresh demo database of each engine.
+class MovfrecComandos : public ::testing::TestWithParam<Motor> {
  protected:
   void SetUp() override {
+    if (const std::string motivo = kmf_cli::MotivoParaSaltar(GetParam()); !motivo.empty()) {
+      GTEST_SKIP() << motivo;
+    }
     static int serial = 0;
     base_ = ::testing::TempDir() + "movfrec_cmd_" + std::to_string(getpid()) + "_" +
             std::to_string(serial++);
-    file_ = base_ + ".db";
-    db_ = "sqlite:" + file_;
+    db_obj_ = std::make_unique<CliDatabase>(GetParam(), base_);
+    ASSERT_TRUE(db_obj_->ok()) << "no se pudo preparar la base de prueba";
+    db_ = db_obj_->uri();
     const Result init = Run({"init", "--demo"});
     ASSERT_EQ(init.status, 0) << init.err;
   }
   void TearDown() override {
-    for (const char* suffix : {".db", ".db-wal", ".db-shm", ".json", ".ics"}) {
-      std::remove((base_ + suffix).c_str());
-    }
+    for (const char* suffix : {".json", ".ics"}) std::remove((base_ + suffix).c_str());
   }
 
   // Runs movfrec --db <test db> --hoy 2026-11-10 `args`, standard input closed.
@@ -88,17 +92,14 @@ class MovfrecComandos : public ::testing::Test {
     return path;
   }
 
-  // Runs SQL on the test database through the sqlite3 shell; false when there is none.
-  bool Sql(const std::string& sql) {
-    if (std::system("command -v sqlite3 > /dev/null 2>&1") != 0) return false;
-    const std::string cmd = "sqlite3 " + Quote(file_) + " " + Quote(sql) + " > /dev/null";
-    return std::system(cmd.c_str()) == 0;
-  }
+  // Runs SQL on the test database through the engine's shell; false when there is none.
+  bool Sql(const std::string& sql) { return db_obj_->Sql(sql); }
+  bool postgres() const { return GetParam() == Motor::PostgreSQL; }
 
   size_t Movements() { return RunJson({"listar"}).size(); }
 
   std::string base_;
-  std::string file_;
+  std::unique_ptr<CliDatabase> db_obj_;
   std::string db_;
 };
 
@@ -125,7 +126,7 @@ const char* const kNuevo = R"({
   ]
 })";
 
-TEST_F(MovfrecComandos, ImportThenExportRoundTripsAndUpdates) {
+TEST_P(MovfrecComandos, ImportThenExportRoundTripsAndUpdates) {
   const Json creados = RunJson({"importar", Write(kNuevo)});
   ASSERT_EQ(creados.size(), 1u);
   EXPECT_EQ(creados[0]["Nuevo"], true);
@@ -217,7 +218,7 @@ TEST_F(MovfrecComandos, ImportThenExportRoundTripsAndUpdates) {
   EXPECT_NE(texto.out.find("Servicios y honorarios"), std::string::npos) << texto.out;
 }
 
-TEST_F(MovfrecComandos, UnknownIdsAreRefused) {
+TEST_P(MovfrecComandos, UnknownIdsAreRefused) {
   const Result ver = Run({"ver", "999"});
   EXPECT_EQ(ver.status, 1);
   EXPECT_NE(ver.err.find("no existe el movimiento frecuente 999"), std::string::npos) << ver.err;
@@ -235,7 +236,7 @@ TEST_F(MovfrecComandos, UnknownIdsAreRefused) {
   EXPECT_EQ(Run({"ver", "cero"}).status, 2);
 }
 
-TEST_F(MovfrecComandos, ImportIsAllOrNothing) {
+TEST_P(MovfrecComandos, ImportIsAllOrNothing) {
   Json valido = Json::parse(kNuevo);
   Json malo = valido;
   malo["MovFrecuente"]["Tipo"] = 7;
@@ -295,8 +296,16 @@ TEST_F(MovfrecComandos, ImportIsAllOrNothing) {
 
   // A save that fails after two good ones (a trigger refuses the third header) leaves nothing:
   // the two updates are rolled back with the new movement, and so is the key counter.
-  if (!Sql("CREATE TRIGGER falla BEFORE INSERT ON genMovimientosFrecuentes WHEN NEW.MFrNombre = "
-           "'Falla al grabar' BEGIN SELECT RAISE(ABORT, 'rechazado'); END;")) {
+  const std::string trigger =
+      postgres()
+          ? "CREATE FUNCTION falla() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN IF "
+            "NEW.MFrNombre = 'Falla al grabar' THEN RAISE EXCEPTION 'rechazado'; END IF; RETURN "
+            "NEW; END $$; CREATE TRIGGER falla BEFORE INSERT ON genMovimientosFrecuentes FOR "
+            "EACH ROW EXECUTE FUNCTION falla();"
+          : "CREATE TRIGGER falla BEFORE INSERT ON genMovimientosFrecuentes WHEN NEW.MFrNombre = "
+            "'Falla al grabar' BEGIN SELECT RAISE(ABORT, 'rechazado'); END;";
+  if (!Sql(trigger)) {
+    ASSERT_FALSE(postgres()) << "psql no pudo crear el disparador";
     GTEST_SKIP() << "sin el programa sqlite3 no se puede provocar la falla a mitad de camino";
   }
   Json uno = Ver(18);
@@ -315,7 +324,7 @@ TEST_F(MovfrecComandos, ImportIsAllOrNothing) {
   EXPECT_EQ(nuevo[0]["ID"], 101);  // the counter gave nothing away
 }
 
-TEST_F(MovfrecComandos, StateChangeAndDeleteAskFirst) {
+TEST_P(MovfrecComandos, StateChangeAndDeleteAskFirst) {
   // Answered No: nothing changes, exit 1.
   const Result no_estado = Run({"--responder", "no", "estado", "1", "9"});
   EXPECT_EQ(no_estado.status, 1);
@@ -350,7 +359,7 @@ TEST_F(MovfrecComandos, StateChangeAndDeleteAskFirst) {
   EXPECT_EQ(Run({"ver", "20"}).status, 1);
 }
 
-TEST_F(MovfrecComandos, RealizarAdvancesTheSchedule) {
+TEST_P(MovfrecComandos, RealizarAdvancesTheSchedule) {
   // Monthly without end: next month, next occurrence, still pending.
   const Json r1 = RunJson({"realizar", "1"});
   EXPECT_EQ(r1["FechaProxima"], "10/12/2026");
@@ -404,7 +413,7 @@ std::vector<std::string> IcsLines(const std::string& text) {
   return lines;
 }
 
-TEST_F(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
+TEST_P(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
   // A scheduled notice with characters iCalendar escapes and a name long enough to fold.
   Json aviso = Json::parse(kNuevo);
   aviso["MovFrecuente"]["Tipo"] = 3;
@@ -513,5 +522,7 @@ TEST_F(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
   EXPECT_NE(vacio.out.find("No hay vencimientos ni avisos"), std::string::npos) << vacio.out;
   EXPECT_EQ(Run({"agenda", "--desde", "2026-12-01", "--hasta", "2026-11-01"}).status, 2);
 }
+
+KMF_CLI_MOTORES(MovfrecComandos);
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <regex>
 #include <sstream>
 #include <string>
@@ -13,7 +14,13 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "cli_db.h"
+
 namespace {
+
+using kmf_cli::CliDatabase;
+using kmf_cli::Motor;
+using kmf_cli::Quote;
 
 struct Result {
   int status = -1;
@@ -29,25 +36,25 @@ std::string Slurp(const std::string& path) {
   return text.str();
 }
 
-std::string Quote(const std::string& arg) {
-  std::string q = "'";
-  for (char c : arg) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
-
-class Movfrec : public ::testing::Test {
+// Each test runs on a fresh database of each engine (a second one, `otra`, on demand).
+class Movfrec : public ::testing::TestWithParam<Motor> {
  protected:
   void SetUp() override {
+    if (const std::string motivo = kmf_cli::MotivoParaSaltar(GetParam()); !motivo.empty()) {
+      GTEST_SKIP() << motivo;
+    }
     static int serial = 0;
     base_ = ::testing::TempDir() + "movfrec_cli_" + std::to_string(getpid()) + "_" +
             std::to_string(serial++);
-    db_ = "sqlite:" + base_ + ".db";
+    db_obj_ = std::make_unique<CliDatabase>(GetParam(), base_);
+    ASSERT_TRUE(db_obj_->ok()) << "no se pudo preparar la base de prueba";
+    db_ = db_obj_->uri();
   }
-  void TearDown() override {
-    for (const char* suffix :
-         {".db", ".db-wal", ".db-shm", ".otra.db", ".otra.db-wal", ".otra.db-shm"}) {
-      std::remove((base_ + suffix).c_str());
-    }
+  // Another empty database of the same engine.
+  std::string Otra() {
+    otra_ = std::make_unique<CliDatabase>(GetParam(), base_ + ".otra");
+    EXPECT_TRUE(otra_->ok());
+    return otra_->uri();
   }
 
   // Runs movfrec with `args`, standard input closed, MOVFREC_DB as given ("" = unset).
@@ -76,10 +83,12 @@ class Movfrec : public ::testing::Test {
   }
 
   std::string base_;
+  std::unique_ptr<CliDatabase> db_obj_;
+  std::unique_ptr<CliDatabase> otra_;
   std::string db_;
 };
 
-TEST_F(Movfrec, InitDemoThenListAsJson) {
+TEST_P(Movfrec, InitDemoThenListAsJson) {
   const Result init = Run({"--db", db_, "init", "--demo"});
   ASSERT_EQ(init.status, 0) << init.err;
 
@@ -117,7 +126,7 @@ TEST_F(Movfrec, InitDemoThenListAsJson) {
   EXPECT_EQ(Listar({}), all);
 }
 
-TEST_F(Movfrec, TextTableAndDatabaseFromTheEnvironment) {
+TEST_P(Movfrec, TextTableAndDatabaseFromTheEnvironment) {
   ASSERT_EQ(Run({"init", "--demo"}, db_).status, 0);
   const Result r = Run({"listar", "--tipo", "1"}, db_);
   ASSERT_EQ(r.status, 0) << r.err;
@@ -129,13 +138,13 @@ TEST_F(Movfrec, TextTableAndDatabaseFromTheEnvironment) {
   EXPECT_EQ(r.out.find("2 Comprobante"), std::string::npos) << r.out;
 
   // --db wins over MOVFREC_DB: the other database is empty.
-  const std::string other = "sqlite:" + base_ + ".otra.db";
+  const std::string other = Otra();
   ASSERT_EQ(Run({"--db", other, "init"}, db_).status, 0);
   const Result empty = Run({"--db", other, "--json", "listar"}, db_);
   EXPECT_EQ(nlohmann::ordered_json::parse(empty.out), nlohmann::ordered_json::array());
 }
 
-TEST_F(Movfrec, UsageErrorsExitTwoInSpanish) {
+TEST_P(Movfrec, UsageErrorsExitTwoInSpanish) {
   struct Case {
     std::vector<std::string> args;
     std::string message;
@@ -163,14 +172,20 @@ TEST_F(Movfrec, UsageErrorsExitTwoInSpanish) {
   EXPECT_NE(help.out.find("--estado"), std::string::npos);
 }
 
-TEST_F(Movfrec, DatabaseErrorsExitOne) {
-  const Result missing_dir = Run({"--db", "sqlite:/no/existe/movfrec.db", "listar"});
-  EXPECT_EQ(missing_dir.status, 1);
-  EXPECT_NE(missing_dir.err.find("error de base de datos"), std::string::npos) << missing_dir.err;
+TEST_P(Movfrec, DatabaseErrorsExitOne) {
+  // A database that cannot be reached: a folder that does not exist, a server that is not there.
+  const std::string unreachable = GetParam() == Motor::SQLite
+                                      ? "sqlite:/no/existe/movfrec.db"
+                                      : "postgresql://postgres@127.0.0.1:1/kmf_test";
+  const Result missing = Run({"--db", unreachable, "listar"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_NE(missing.err.find("error de base de datos"), std::string::npos) << missing.err;
 
   const Result no_tables = Run({"--db", db_, "listar"});
   EXPECT_EQ(no_tables.status, 1);
   EXPECT_NE(no_tables.err.find("movfrec init"), std::string::npos) << no_tables.err;
 }
+
+KMF_CLI_MOTORES(Movfrec);
 
 }  // namespace

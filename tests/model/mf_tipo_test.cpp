@@ -1,5 +1,5 @@
-// The lines collection and the movement aggregate (load, save, delete) against a real SQLite
-// database with demo data.
+// The lines collection and the movement aggregate (load, save, delete) against the demo data,
+// on every engine.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -12,6 +12,7 @@
 #include "storage/parametros.h"
 #include "storage/sql_texto.h"
 #include "support/db_snapshot.h"
+#include "support/demo_engine.h"
 
 namespace kivmovfrec {
 namespace {
@@ -57,10 +58,11 @@ TEST(RenglonesMF, PosicionesDesdeUnoYReferencias) {
   EXPECT_EQ(col.QRenglones(), 2);
 }
 
-class Agregado : public ::testing::Test {
+class Agregado : public testing::DemoEngineTest {
  protected:
-  void SetUp() override {
-    real = testing::OpenInstalledDb();
+  void SetUpDatabase() override {
+    DemoEngineTest::SetUpDatabase();
+    real = DemoEngineTest::cn;
     cn = std::make_shared<SpyConnection>(real);
     storage::Parametros() = storage::ParametrosBD{};
     dbf.siguiente = 900;
@@ -74,7 +76,7 @@ class Agregado : public ::testing::Test {
   FakeDBFncs dbf;
 };
 
-TEST_F(Agregado, CargaEncabezadoLineasEnOrdenYAgenda) {
+TEST_P(Agregado, CargaEncabezadoLineasEnOrdenYAgenda) {
   clsMFTipo mf;
   ASSERT_TRUE(mf.Load(*cn, 18));
   EXPECT_EQ(mf.MovFrecuente()->Nombre(), "Distribución de servicios por sucursal");
@@ -105,7 +107,7 @@ TEST_F(Agregado, CargaEncabezadoLineasEnOrdenYAgenda) {
   EXPECT_EQ(mf.Renglones()->QRenglones(), 2);
 }
 
-TEST_F(Agregado, MovimientoSinLineasDaCeroLineasYUnoInexistenteNoCambiaNada) {
+TEST_P(Agregado, MovimientoSinLineasDaCeroLineasYUnoInexistenteNoCambiaNada) {
   clsMFTipo mf;
   ASSERT_TRUE(mf.Load(*cn, 9));  // notice without lines
   EXPECT_EQ(mf.Renglones()->QRenglones(), 0);
@@ -115,7 +117,7 @@ TEST_F(Agregado, MovimientoSinLineasDaCeroLineasYUnoInexistenteNoCambiaNada) {
   EXPECT_EQ(mf.MovFrecuente(), encabezado);
 }
 
-TEST_F(Agregado, GuardarNuevoEnOrdenDeLosPasos) {
+TEST_P(Agregado, GuardarNuevoEnOrdenDeLosPasos) {
   clsMFTipo mf;
   auto& mov = *mf.MovFrecuente();
   mov.Empresa(1);
@@ -156,7 +158,7 @@ TEST_F(Agregado, GuardarNuevoEnOrdenDeLosPasos) {
   EXPECT_EQ(CountRows(*real, "Select * From genRecurrencias Where RecID = 900"), 1);
 }
 
-TEST_F(Agregado, LineasQuitadasEnMemoriaDesaparecenDeLaTabla) {
+TEST_P(Agregado, LineasQuitadasEnMemoriaDesaparecenDeLaTabla) {
   clsMFTipo mf;
   ASSERT_TRUE(mf.Load(*cn, 2));
   ASSERT_EQ(Lineas(2), 4);
@@ -168,7 +170,7 @@ TEST_F(Agregado, LineasQuitadasEnMemoriaDesaparecenDeLaTabla) {
   EXPECT_EQ(Lineas(2), 0);
 }
 
-TEST_F(Agregado, RecurrenciaCeroBorraLaAgendaAnteriorAlGuardar) {
+TEST_P(Agregado, RecurrenciaCeroBorraLaAgendaAnteriorAlGuardar) {
   clsMFTipo mf;
   ASSERT_TRUE(mf.Load(*cn, 3));
   mf.MovFrecuente()->Recurrencia(0);
@@ -179,7 +181,7 @@ TEST_F(Agregado, RecurrenciaCeroBorraLaAgendaAnteriorAlGuardar) {
   EXPECT_TRUE(dbf.tablas.empty());
 }
 
-TEST_F(Agregado, ListaVinculadaNoTomaPosicion) {
+TEST_P(Agregado, ListaVinculadaNoTomaPosicion) {
   clsMFTipo mf;
   mf.MovFrecuente()->Tipo(enuTipoMovFrec::CheckList);
   mf.MovFrecuente()->Nombre("Lista");
@@ -189,7 +191,7 @@ TEST_F(Agregado, ListaVinculadaNoTomaPosicion) {
   EXPECT_EQ(mf.MovFrecuente()->Modalidad(), 0);  // only entries take the journal
 }
 
-TEST_F(Agregado, ComillaEnUnaLineaSeRechazaAntesDeCualquierSentencia) {
+TEST_P(Agregado, ComillaEnUnaLineaSeRechazaAntesDeCualquierSentencia) {
   clsMFTipo mf;
   ASSERT_TRUE(mf.Load(*cn, 2));
   cn->sentencias.clear();
@@ -200,7 +202,7 @@ TEST_F(Agregado, ComillaEnUnaLineaSeRechazaAntesDeCualquierSentencia) {
   EXPECT_EQ(testing::TakeSnapshot(*real, testing::MovementTables()), antes);
 }
 
-TEST_F(Agregado, BorrarQuitaLineasAgendaYEncabezado) {
+TEST_P(Agregado, BorrarQuitaLineasAgendaYEncabezado) {
   clsMFTipo::Delete(*cn, 1);
   EXPECT_EQ(Lineas(1), 0);
   EXPECT_EQ(CountRows(*real, "Select * From genRecurrencias Where RecID = 1"), 0);
@@ -209,6 +211,8 @@ TEST_F(Agregado, BorrarQuitaLineasAgendaYEncabezado) {
   EXPECT_NO_THROW(clsMFTipo::Delete(*cn, 1));
   EXPECT_EQ(testing::TakeSnapshot(*real, testing::MovementTables()), antes);
 }
+
+KMF_INSTANTIATE_ENGINES(Agregado);
 
 }  // namespace
 }  // namespace kivmovfrec

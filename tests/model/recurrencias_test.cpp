@@ -1,5 +1,5 @@
-// The schedule row (genRecurrencias) against a real SQLite database with demo data, and the
-// summary texts shown beside a schedule.
+// The schedule row (genRecurrencias) against the demo data on every engine, and the summary
+// texts shown beside a schedule.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -13,6 +13,7 @@
 #include "platform/vb/convert.h"
 #include "storage/parametros.h"
 #include "storage/tabla_recurrencias.h"
+#include "support/demo_engine.h"
 
 namespace kivmovfrec {
 namespace {
@@ -26,10 +27,10 @@ Date D(const char* texto) {
   return *vb::ParseDate(texto);
 }
 
-class Recurrencias : public ::testing::Test {
+class Recurrencias : public testing::DemoEngineTest {
  protected:
-  void SetUp() override {
-    cn = testing::OpenInstalledDb();
+  void SetUpDatabase() override {
+    DemoEngineTest::SetUpDatabase();
     Parametros() = ParametrosBD{};
   }
   void TearDown() override { Parametros() = ParametrosBD{}; }
@@ -37,10 +38,9 @@ class Recurrencias : public ::testing::Test {
     return Scalar(
         *cn, "Select " + columna + " From genRecurrencias Where RecID = " + std::to_string(id));
   }
-  std::shared_ptr<Connection> cn;
 };
 
-TEST_F(Recurrencias, NuevaGuardaNulosYCompletaInicioYOcurrencia) {
+TEST_P(Recurrencias, NuevaGuardaNulosYCompletaInicioYOcurrencia) {
   FakeDBFncs dbf;
   dbf.siguiente = 700;
   clsRegRecurrencia rec;
@@ -62,7 +62,7 @@ TEST_F(Recurrencias, NuevaGuardaNulosYCompletaInicioYOcurrencia) {
   }
 }
 
-TEST_F(Recurrencias, ValoresPositivosSeGuardanYSeLeenIgual) {
+TEST_P(Recurrencias, ValoresPositivosSeGuardanYSeLeenIgual) {
   FakeDBFncs dbf;
   clsRegRecurrencia rec;
   rec.Frecuencia("000007");
@@ -95,7 +95,7 @@ TEST_F(Recurrencias, ValoresPositivosSeGuardanYSeLeenIgual) {
   EXPECT_EQ(vb::CLng(Col(id, "RecNumOcurrencia")), 8);
 }
 
-TEST_F(Recurrencias, FormatoSinHoraCortaLasFechasDeAgendaPeroNoLaNotificacionAnterior) {
+TEST_P(Recurrencias, FormatoSinHoraCortaLasFechasDeAgendaPeroNoLaNotificacionAnterior) {
   Parametros().formato_fecha = "yyyy-mm-dd";
   FakeDBFncs dbf;
   clsRegRecurrencia rec;
@@ -110,7 +110,7 @@ TEST_F(Recurrencias, FormatoSinHoraCortaLasFechasDeAgendaPeroNoLaNotificacionAnt
   EXPECT_EQ(vb::CDate(Col(id, "RecEraNotificacion")), D("17/11/2026 10:00"));
 }
 
-TEST_F(Recurrencias, LeeLaFilaDeDemostracion) {
+TEST_P(Recurrencias, LeeLaFilaDeDemostracion) {
   clsRegRecurrencia rec;
   rec.ID(5);
   rec.CantidadVeces(4);  // no column: kept
@@ -131,7 +131,7 @@ TEST_F(Recurrencias, LeeLaFilaDeDemostracion) {
   EXPECT_EQ(ninguna.Frecuencia(), "x");
 }
 
-TEST_F(Recurrencias, ContadorFallidoNoEscribeNada) {
+TEST_P(Recurrencias, ContadorFallidoNoEscribeNada) {
   FakeDBFncs dbf(/*falla=*/true);
   clsRegRecurrencia rec;
   rec.FechaProxima("01/12/2026");
@@ -148,7 +148,7 @@ TEST_F(Recurrencias, ContadorFallidoNoEscribeNada) {
   EXPECT_EQ(rec.ID(), 0);
 }
 
-TEST_F(Recurrencias, ProximaQueNoEsFechaSeRechazaSinEscribir) {
+TEST_P(Recurrencias, ProximaQueNoEsFechaSeRechazaSinEscribir) {
   FakeDBFncs dbf;
   clsRegRecurrencia rec;
   rec.FechaProxima("pronto");
@@ -157,12 +157,14 @@ TEST_F(Recurrencias, ProximaQueNoEsFechaSeRechazaSinEscribir) {
   EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias"), antes);
 }
 
-TEST_F(Recurrencias, BorrarQuitaLaFilaYSinFilaNoEsError) {
+TEST_P(Recurrencias, BorrarQuitaLaFilaYSinFilaNoEsError) {
   BorrarRecurrencia(*cn, 3);
   EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias Where RecID = 3"), 0);
   EXPECT_NO_THROW(BorrarRecurrencia(*cn, 3));
   EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias"), 10);
 }
+
+KMF_INSTANTIATE_ENGINES(Recurrencias);
 
 clsRegRecurrencia Agenda(const char* codigo, const char* inicio, const char* proxima, int n) {
   clsRegRecurrencia rec;

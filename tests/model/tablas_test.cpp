@@ -1,5 +1,5 @@
-// The header, line, parameter and company tables against a real SQLite database with the
-// suite schema and demo data.
+// The header, line, parameter and company tables against the suite schema and demo data, on
+// every engine.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -17,6 +17,7 @@
 #include "storage/tabla_movimientos.h"
 #include "storage/tabla_renglones.h"
 #include "support/db_snapshot.h"
+#include "support/demo_engine.h"
 
 namespace kivmovfrec {
 namespace {
@@ -26,11 +27,10 @@ using testing::FakeDBFncs;
 using testing::FixedTestClock;
 using testing::SpyConnection;
 
-class TablasSqlite : public ::testing::Test {
+class Tablas : public testing::DemoEngineTest {
  protected:
-  void SetUp() override {
-    cn = OpenConnection("sqlite::memory:");
-    InstallSchema(*cn, {.demo = true});
+  void SetUpDatabase() override {
+    DemoEngineTest::SetUpDatabase();
     Parametros() = ParametrosBD{};
   }
   void TearDown() override { Parametros() = ParametrosBD{}; }
@@ -45,7 +45,6 @@ class TablasSqlite : public ::testing::Test {
     return rs->Eof() ? Variant() : rs->Get(0);
   }
 
-  std::shared_ptr<Connection> cn;
   // 2026-11-02 09:15:30, whole seconds so it survives the text form of the column.
   const Date kMomento{46328.0 + (9 * 3600 + 15 * 60 + 30) / 86400.0};
 };
@@ -63,7 +62,7 @@ clsRegMovimientoFrecuente Encabezado(const std::string& nombre) {
   return mf;
 }
 
-TEST_F(TablasSqlite, EncabezadoNuevoTomaClaveDelContadorYLuegoSeEditaEnSuLugar) {
+TEST_P(Tablas, EncabezadoNuevoTomaClaveDelContadorYLuegoSeEditaEnSuLugar) {
   core::ScopedClock reloj(std::make_shared<FixedTestClock>(kMomento));
   FakeDBFncs dbf;
   dbf.siguiente = 500;
@@ -112,7 +111,7 @@ TEST_F(TablasSqlite, EncabezadoNuevoTomaClaveDelContadorYLuegoSeEditaEnSuLugar) 
             42);
 }
 
-TEST_F(TablasSqlite, ItemDeListaDeTareasConservaTipo6) {
+TEST_P(Tablas, ItemDeListaDeTareasConservaTipo6) {
   FakeDBFncs dbf;
   auto mf = Encabezado("Revisar extractos");
   mf.Tipo(static_cast<enuTipoMovFrec>(kTipoItemCheckList));
@@ -127,7 +126,7 @@ TEST_F(TablasSqlite, ItemDeListaDeTareasConservaTipo6) {
             1);
 }
 
-TEST_F(TablasSqlite, ContadorFallidoEsError8000YNoEscribeNada) {
+TEST_P(Tablas, ContadorFallidoEsError8000YNoEscribeNada) {
   FakeDBFncs falla(/*falla=*/true);
   auto mf = Encabezado("Nunca grabado");
   const auto antes = testing::TakeSnapshot(*cn, testing::MovementTables());
@@ -143,7 +142,7 @@ TEST_F(TablasSqlite, ContadorFallidoEsError8000YNoEscribeNada) {
   EXPECT_EQ(testing::TakeSnapshot(*cn, testing::MovementTables()), antes);
 }
 
-TEST_F(TablasSqlite, NombreOMemoConComillaSeRechazanAntesDeArmarSql) {
+TEST_P(Tablas, NombreOMemoConComillaSeRechazanAntesDeArmarSql) {
   auto spy = std::make_shared<SpyConnection>(cn);
   FakeDBFncs dbf;
   auto mf = Encabezado("Pago a D'Angelo");
@@ -156,7 +155,7 @@ TEST_F(TablasSqlite, NombreOMemoConComillaSeRechazanAntesDeArmarSql) {
   EXPECT_EQ(mf.ID(), 0);
 }
 
-TEST_F(TablasSqlite, CargaLeeLaSentenciaExactaYNoTocaElRegistroSiNoExiste) {
+TEST_P(Tablas, CargaLeeLaSentenciaExactaYNoTocaElRegistroSiNoExiste) {
   auto spy = std::make_shared<SpyConnection>(cn);
   auto mf = Encabezado("Sin cambios");
   EXPECT_FALSE(CargarMovimiento(*spy, 987654, mf));
@@ -165,7 +164,7 @@ TEST_F(TablasSqlite, CargaLeeLaSentenciaExactaYNoTocaElRegistroSiNoExiste) {
                                  "Select * from genMovimientosFrecuentes Where MFrID = 987654"});
 }
 
-TEST_F(TablasSqlite, ColumnasNulasDejanLosValoresPorDefecto) {
+TEST_P(Tablas, ColumnasNulasDejanLosValoresPorDefecto) {
   core::ScopedClock reloj(std::make_shared<FixedTestClock>(kMomento));
   cn->Execute(
       "Insert Into genMovimientosFrecuentes (MFrID, MFrTipo, MFrEstado) Values (900, 3, 0)");
@@ -192,7 +191,7 @@ clsRegRenglonMF Renglon(int32_t cuenta, bool debe, double importe) {
   return r;
 }
 
-TEST_F(TablasSqlite, RenglonesOpcionalesSeGrabanNulosYSeLeenComoVacios) {
+TEST_P(Tablas, RenglonesOpcionalesSeGrabanNulosYSeLeenComoVacios) {
   auto rs = cn->OpenResultset(SqlRenglonesDe(700));
   auto vacio = Renglon(101, true, 150.5);
   auto lleno = Renglon(143, false, 150.5);
@@ -251,7 +250,7 @@ TEST_F(TablasSqlite, RenglonesOpcionalesSeGrabanNulosYSeLeenComoVacios) {
   EXPECT_FALSE(r2.CuentaCodigo().empty());
 }
 
-TEST_F(TablasSqlite, BorrarRenglonesSoloLosDelMovimiento) {
+TEST_P(Tablas, BorrarRenglonesSoloLosDelMovimiento) {
   auto rs = cn->OpenResultset(SqlRenglonesDe(701));
   for (uint8_t i = 1; i <= 3; ++i) {
     auto r = Renglon(101, i % 2 == 1, 10.0 * i);
@@ -269,7 +268,7 @@ TEST_F(TablasSqlite, BorrarRenglonesSoloLosDelMovimiento) {
   EXPECT_EQ(BorrarRenglones(*cn, 701), 0);
 }
 
-TEST_F(TablasSqlite, OrdenDeVinculoEsElMayorMasUno) {
+TEST_P(Tablas, OrdenDeVinculoEsElMayorMasUno) {
   FakeDBFncs dbf;
   dbf.siguiente = 800;
   auto spy = std::make_shared<SpyConnection>(cn);
@@ -309,14 +308,14 @@ TEST_F(TablasSqlite, OrdenDeVinculoEsElMayorMasUno) {
   EXPECT_EQ(suelto.OrdenMovVinculado(), 0);
 }
 
-TEST_F(TablasSqlite, OrdenDeVinculoLlenoEsDesbordamiento) {
+TEST_P(Tablas, OrdenDeVinculoLlenoEsDesbordamiento) {
   cn->Execute(
       "Insert Into genMovimientosFrecuentes (MFrID, MFrTipo, MFrEstado, MFrMovVinculado, "
       "MFrMVOrden) Values (950, 1, 0, 4300, 255)");
   EXPECT_THROW(SiguienteOrdenVinculo(*cn, 4300), VbError);
 }
 
-TEST_F(TablasSqlite, ParametrosDeGenParametrosDanElLiteralDeFecha) {
+TEST_P(Tablas, ParametrosDeGenParametrosDanElLiteralDeFecha) {
   auto spy = std::make_shared<SpyConnection>(cn);
   CargarParametros(*spy);
   EXPECT_EQ(spy->sentencias,
@@ -353,7 +352,7 @@ class ServidorSinMayusculas : public SpyConnection {
   }
 };
 
-TEST_F(TablasSqlite, NombresDeParametroSeComparanSinEspaciosNiMayusculas) {
+TEST_P(Tablas, NombresDeParametroSeComparanSinEspaciosNiMayusculas) {
   cn->Execute("Delete From genParametros");
   cn->Execute(
       "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values ('  DEFBDDATECHARSQLS ', "
@@ -365,7 +364,7 @@ TEST_F(TablasSqlite, NombresDeParametroSeComparanSinEspaciosNiMayusculas) {
   EXPECT_TRUE(Parametros().multiusuario);
 }
 
-TEST_F(TablasSqlite, EmpresaDeDemostracion) {
+TEST_P(Tablas, EmpresaDeDemostracion) {
   clsEmpresa emp;
   ASSERT_TRUE(emp.Load(1, *cn));
   EXPECT_EQ(emp.ID(), 1);
@@ -382,7 +381,7 @@ TEST_F(TablasSqlite, EmpresaDeDemostracion) {
   EXPECT_EQ(mayus.TipoComprobante(), 12);
 }
 
-TEST_F(TablasSqlite, EmpresaConNulosYValoresNoNumericosConservaLoAnterior) {
+TEST_P(Tablas, EmpresaConNulosYValoresNoNumericosConservaLoAnterior) {
   cn->Execute(
       "Insert Into cceEmpresas (EmpID, EmpNombre, EmpMonedaContabilidad, EmpPrms) Values (7, "
       "'  Nueva S.A.  ', Null, 'lib:x3|tcom:5')");
@@ -399,7 +398,7 @@ TEST_F(TablasSqlite, EmpresaConNulosYValoresNoNumericosConservaLoAnterior) {
   EXPECT_EQ(emp.TipoComprobante(), 5);
 }
 
-TEST_F(TablasSqlite, EmpresaDesconocidaNoCambiaNada) {
+TEST_P(Tablas, EmpresaDesconocidaNoCambiaNada) {
   clsEmpresa emp;
   ASSERT_TRUE(emp.Load(2, *cn));
   EXPECT_FALSE(emp.Load(999, *cn));
@@ -408,6 +407,8 @@ TEST_F(TablasSqlite, EmpresaDesconocidaNoCambiaNada) {
   EXPECT_EQ(emp.Libro(), 2);
   EXPECT_EQ(emp.TipoComprobante(), 12);
 }
+
+KMF_INSTANTIATE_ENGINES(Tablas);
 
 }  // namespace
 }  // namespace kivmovfrec

@@ -12,31 +12,21 @@ namespace kivmovfrec {
 namespace {
 
 using suite::SerialOf;
-using testing::TempDatabase;
-
-class Balance : public ::testing::Test {
+class Balance : public testing::SuiteTablesTest {
  protected:
-  void SetUp() override {
-    db_.InstallSchema();
-    cn_ = db_.Open();
-  }
-
   // One entry with a single line on `cuenta`.
   void Entry(int id, const std::string& fecha, int estado, int cuenta, double debe, double haber) {
-    cn_->Execute("Insert Into cceAsientos (AsiID, AsiEmpresa, AsiFecha, AsiEstado) Values (" +
-                 std::to_string(id) + ", 1, '" + fecha + "', " + std::to_string(estado) + ")");
-    cn_->Execute(
+    cn->Execute("Insert Into cceAsientos (AsiID, AsiEmpresa, AsiFecha, AsiEstado) Values (" +
+                std::to_string(id) + ", 1, '" + fecha + "', " + std::to_string(estado) + ")");
+    cn->Execute(
         "Insert Into cceAsientoCuenta (ACuIDAsiento, ACuOrden, ACuCuenta, ACuDebe, ACuHaber) "
         "Values (" +
         std::to_string(id) + ", 1, " + std::to_string(cuenta) + ", " + std::to_string(debe) + ", " +
         std::to_string(haber) + ")");
   }
-
-  TempDatabase db_;
-  std::shared_ptr<Connection> cn_;
 };
 
-TEST_F(Balance, CountsPostedEntriesUpToTheEndOfTheDay) {
+TEST_P(Balance, CountsPostedEntriesUpToTheEndOfTheDay) {
   Entry(1, "2024-02-28 09:00:00", 1, 120, 1000.10, 0);
   Entry(2, "2024-02-29 23:59:59", 1, 120, 0, 250.05);
   Entry(3, "2024-02-29", 1, 120, 10, 0);  // stored without a time
@@ -45,7 +35,7 @@ TEST_F(Balance, CountsPostedEntriesUpToTheEndOfTheDay) {
   Entry(6, "2024-02-10 12:00:00", 2, 120, 888, 0);  // annulled
   Entry(7, "2024-02-10 12:00:00", 1, 121, 999, 0);  // another account
 
-  suite::DbAccountBalance balance(cn_);
+  suite::DbAccountBalance balance(cn);
   EXPECT_DOUBLE_EQ(balance.Saldo(120, SerialOf(2024, 2, 27)), 0);
   EXPECT_DOUBLE_EQ(balance.Saldo(120, SerialOf(2024, 2, 28)), 1000.10);
   EXPECT_DOUBLE_EQ(balance.Saldo(120, SerialOf(2024, 2, 29)), 760.05);
@@ -56,30 +46,34 @@ TEST_F(Balance, CountsPostedEntriesUpToTheEndOfTheDay) {
   EXPECT_DOUBLE_EQ(balance.Saldo(999, SerialOf(2024, 3, 1)), 0);
 }
 
-TEST_F(Balance, NullAmountsCountAsZero) {
-  cn_->Execute(
+TEST_P(Balance, NullAmountsCountAsZero) {
+  cn->Execute(
       "Insert Into cceAsientos (AsiID, AsiEmpresa, AsiFecha, AsiEstado) Values (1, 1, "
       "'2024-01-05 00:00:00', 1)");
-  cn_->Execute(
+  cn->Execute(
       "Insert Into cceAsientoCuenta (ACuIDAsiento, ACuOrden, ACuCuenta, ACuDebe) Values (1, 1, "
       "120, 40)");
-  cn_->Execute(
+  cn->Execute(
       "Insert Into cceAsientoCuenta (ACuIDAsiento, ACuOrden, ACuCuenta, ACuHaber) Values (1, 2, "
       "120, 15.5)");
-  EXPECT_DOUBLE_EQ(suite::DbAccountBalance(cn_).Saldo(120, SerialOf(2024, 1, 5)), 24.5);
+  EXPECT_DOUBLE_EQ(suite::DbAccountBalance(cn).Saldo(120, SerialOf(2024, 1, 5)), 24.5);
 }
 
-TEST_F(Balance, StatementSelectsBeforeTheNextDay) {
+TEST_P(Balance, StatementSelectsBeforeTheNextDay) {
   const std::string sql = suite::BalanceSql(120, SerialOf(2024, 12, 31));
   EXPECT_NE(sql.find("AsiFecha < '2025-01-01'"), std::string::npos) << sql;
   EXPECT_NE(sql.find("AsiEstado = 1"), std::string::npos) << sql;
 }
 
-TEST(BalanceMissingTables, FailureIsADatabaseError) {
-  TempDatabase db;
-  suite::DbAccountBalance balance(db.Open());
+using BalanceMissingTables = testing::EngineTest;
+
+TEST_P(BalanceMissingTables, FailureIsADatabaseError) {
+  suite::DbAccountBalance balance(cn);
   EXPECT_THROW(balance.Saldo(1, SerialOf(2024, 1, 1)), DbError);
 }
+
+KMF_INSTANTIATE_ENGINES(Balance);
+KMF_INSTANTIATE_ENGINES(BalanceMissingTables);
 
 }  // namespace
 }  // namespace kivmovfrec

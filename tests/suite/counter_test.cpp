@@ -1,10 +1,8 @@
-// Table counters: distinct values across processes, transactional draws, late-created rows.
-#include <sys/wait.h>
-#include <unistd.h>
-
+// Table counters on every engine: distinct values across processes, transactional draws,
+// late-created rows.
 #include <chrono>
-#include <fstream>
 #include <set>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -14,69 +12,47 @@
 #include "platform/suite/counter.h"
 #include "platform/vb/convert.h"
 #include "suite/suite_db.h"
+#include "support/child_processes.h"
 
 namespace kivmovfrec {
 namespace {
 
-using testing::TempDatabase;
+using Counter = testing::SuiteTablesTest;
+using CounterWithoutTables = testing::EngineTest;
 
 int64_t CounterRow(Connection& cn, const std::string& table) {
   auto rs = cn.OpenResultset("Select CntValor From genContadores Where CntTabla = '" + table + "'");
   return rs->Eof() ? -100 : vb::CLng(rs->Get(0));
 }
 
-// Child process: draws `count` values on its own connection and writes them to `out`, one a
-// line. Exits 0 when every draw succeeded.
-[[noreturn]] void DrawInChild(const std::string& uri, const std::string& out, int count) {
-  int status = 0;
-  try {
-    auto cn = OpenConnection(uri);
-    std::ofstream file(out);
-    for (int i = 0; i < count; ++i) {
-      const int32_t value = suite::DrawTableCounter(*cn, "genRecurrencias");
-      if (value < 0) status = 3;
-      file << value << '\n';
-    }
-  } catch (...) {
-    status = 4;
-  }
-  _exit(status);
-}
-
-TEST(TableCounter, TwoProcessesNeverDrawTheSameValue) {
-  TempDatabase db;
-  db.InstallSchema();
+TEST_P(Counter, TwoProcessesNeverDrawTheSameValue) {
   constexpr int kEach = 500;
-  std::vector<std::string> outputs = {db.path() + ".a", db.path() + ".b"};
-  std::vector<pid_t> children;
-  for (const std::string& out : outputs) {
-    const pid_t pid = fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) DrawInChild(db.uri(), out, kEach);
-    children.push_back(pid);
-  }
-  for (pid_t pid : children) {
-    int status = -1;
-    ASSERT_EQ(waitpid(pid, &status, 0), pid);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
-  }
+  const std::string uri = database().uri();
+  const auto outcome = testing::RunInChildren(2, [&](int, std::ostream& out) {
+    auto own = OpenConnection(uri);
+    int status = 0;
+    for (int i = 0; i < kEach; ++i) {
+      const int32_t value = suite::DrawTableCounter(*own, "genRecurrencias");
+      if (value < 0) status = 3;
+      out << value << '\n';
+    }
+    return status;
+  });
   std::set<int32_t> values;
   size_t drawn = 0;
-  for (const std::string& out : outputs) {
-    std::ifstream in(out);
+  for (size_t i = 0; i < outcome.outputs.size(); ++i) {
+    EXPECT_EQ(outcome.statuses[i], 0) << outcome.outputs[i];
+    std::istringstream in(outcome.outputs[i]);
     int32_t value = 0;
     while (in >> value) {
       values.insert(value);
       ++drawn;
     }
-    std::remove(out.c_str());
   }
   EXPECT_EQ(drawn, 2u * kEach);
   EXPECT_EQ(values.size(), 2u * kEach);
   EXPECT_EQ(*values.begin(), 1);
   EXPECT_EQ(*values.rbegin(), 2 * kEach);
-  auto cn = db.Open();
   EXPECT_EQ(CounterRow(*cn, "genRecurrencias"), 2 * kEach);
 }
 
@@ -128,13 +104,11 @@ class InterleavingConnection : public Connection {
   int32_t other_value_ = 0;
 };
 
-TEST(TableCounter, IncrementAndReadAreOneUnit) {
-  TempDatabase db;
-  db.InstallSchema();
-  db.Open()->Execute("Insert Into genContadores Values ('genRecurrencias', 5)");
-  InterleavingConnection cn(db.Open(), db.uri());
-  const int32_t mine = suite::DrawTableCounter(cn, "genRecurrencias");
-  const int32_t other = cn.OtherValue();
+TEST_P(Counter, IncrementAndReadAreOneUnit) {
+  cn->Execute("Insert Into genContadores Values ('genRecurrencias', 5)");
+  InterleavingConnection interleaving(OpenAnother(), database().uri());
+  const int32_t mine = suite::DrawTableCounter(interleaving, "genRecurrencias");
+  const int32_t other = interleaving.OtherValue();
   EXPECT_EQ(mine, 6);
   EXPECT_EQ(other, 7);  // it waited for the first draw to end
 }
@@ -181,19 +155,17 @@ class FailingAt : public Connection {
   bool failed_ = false;
 };
 
-TEST(TableCounter, AFailingStatementGivesMinusOneAndChangesNothing) {
-  TempDatabase db;
-  db.InstallSchema();
-  auto real = db.Open();
+TEST_P(Counter, AFailingStatementGivesMinusOneAndChangesNothing) {
+  auto real = cn;
   // Once with the row present and once without it, each statement of the draw fails in turn.
   for (const bool seeded : {true, false}) {
     real->Execute("Delete From genContadores");
     if (seeded) real->Execute("Insert Into genContadores Values ('genRecurrencias', 5)");
     for (int fail_at = 1;; ++fail_at) {
-      FailingAt cn(real, fail_at);
-      const int32_t value = suite::DrawTableCounter(cn, "genRecurrencias");
+      FailingAt failing(real, fail_at);
+      const int32_t value = suite::DrawTableCounter(failing, "genRecurrencias");
       EXPECT_FALSE(real->InTransaction());
-      if (!cn.failed()) {
+      if (!failing.failed()) {
         EXPECT_EQ(value, seeded ? 6 : 1);
         EXPECT_GT(fail_at, 3);
         break;
@@ -204,10 +176,7 @@ TEST(TableCounter, AFailingStatementGivesMinusOneAndChangesNothing) {
   }
 }
 
-TEST(TableCounter, DrawInsideTransactionFollowsIt) {
-  TempDatabase db;
-  db.InstallSchema();
-  auto cn = db.Open();
+TEST_P(Counter, DrawInsideTransactionFollowsIt) {
   cn->Execute("Insert Into genContadores (CntTabla, CntValor) Values ('cceAsientos', 10)");
 
   cn->BeginTrans();
@@ -222,13 +191,10 @@ TEST(TableCounter, DrawInsideTransactionFollowsIt) {
   cn->CommitTrans();
   EXPECT_EQ(suite::DrawTableCounter(*cn, "cceAsientos"), 12);
   EXPECT_FALSE(cn->InTransaction());
-  EXPECT_EQ(CounterRow(*db.Open(), "cceAsientos"), 12);
+  EXPECT_EQ(CounterRow(*OpenAnother(), "cceAsientos"), 12);
 }
 
-TEST(TableCounter, RowCreatedInsideRolledBackTransactionDisappears) {
-  TempDatabase db;
-  db.InstallSchema();
-  auto cn = db.Open();
+TEST_P(Counter, RowCreatedInsideRolledBackTransactionDisappears) {
   cn->BeginTrans();
   EXPECT_EQ(suite::DrawTableCounter(*cn, "genLibros"), 1);
   cn->RollbackTrans();
@@ -236,10 +202,7 @@ TEST(TableCounter, RowCreatedInsideRolledBackTransactionDisappears) {
   EXPECT_EQ(suite::DrawTableCounter(*cn, "genLibros"), 1);
 }
 
-TEST(TableCounter, MissingRowStartsAfterTheLargestStoredKey) {
-  TempDatabase db;
-  db.InstallSchema();
-  auto cn = db.Open();
+TEST_P(Counter, MissingRowStartsAfterTheLargestStoredKey) {
   cn->Execute(
       "Insert Into genMovimientosFrecuentes (MFrID, MFrEmpresa, MFrTipo, MFrEstado) "
       "Values (40, 1, 1, 0)");
@@ -252,13 +215,12 @@ TEST(TableCounter, MissingRowStartsAfterTheLargestStoredKey) {
   EXPECT_EQ(suite::DrawTableCounter(*cn, "otraTabla"), 1);
 }
 
-TEST(TableCounter, FailuresGiveMinusOneAndLeaveNoTransaction) {
-  TempDatabase db;
-  auto cn = db.Open();  // no schema: genContadores is missing
+TEST_P(CounterWithoutTables, FailuresGiveMinusOneAndLeaveNoTransaction) {
+  // No schema yet: genContadores is missing.
   EXPECT_EQ(suite::DrawTableCounter(*cn, "genRecurrencias"), -1);
   EXPECT_FALSE(cn->InTransaction());
 
-  db.InstallSchema();
+  testing::InstallSuiteTables(*cn);
   EXPECT_EQ(suite::DrawTableCounter(*cn, "gen'Recurrencias"), -1);
   EXPECT_EQ(suite::DrawTableCounter(*cn, ""), -1);
   cn->Execute("Insert Into genContadores (CntTabla, CntValor) Values ('lleno', 2147483647)");
@@ -266,6 +228,9 @@ TEST(TableCounter, FailuresGiveMinusOneAndLeaveNoTransaction) {
   EXPECT_EQ(CounterRow(*cn, "lleno"), 2147483647);  // the failed draw was rolled back
   EXPECT_FALSE(cn->InTransaction());
 }
+
+KMF_INSTANTIATE_ENGINES(Counter);
+KMF_INSTANTIATE_ENGINES(CounterWithoutTables);
 
 }  // namespace
 }  // namespace kivmovfrec

@@ -14,39 +14,34 @@
 namespace kivmovfrec {
 namespace {
 
-using testing::TempDatabase;
-
-class DbServices : public ::testing::Test {
+class DbServices : public testing::SuiteTablesTest {
  protected:
-  void SetUp() override {
-    db_.InstallSchema();
-    cn_ = db_.Open();
+  void SetUpDatabase() override {
+    SuiteTablesTest::SetUpDatabase();
     messages_ = std::make_shared<suite::ScriptedMessages>();
-    fncs_ = std::make_shared<suite::DbFncs>(cn_, messages_);
+    fncs_ = std::make_shared<suite::DbFncs>(cn, messages_);
   }
 
   std::set<int32_t> Recipients(int32_t aviso) {
     std::set<int32_t> users;
-    auto rs = cn_->OpenResultset("Select AvUUsuario From genAvisosUsuarios Where AvUAviso = " +
-                                 std::to_string(aviso));
+    auto rs = cn->OpenResultset("Select AvUUsuario From genAvisosUsuarios Where AvUAviso = " +
+                                std::to_string(aviso));
     for (; !rs->Eof(); rs->MoveNext()) users.insert(vb::CLng(rs->Get(0)));
     return users;
   }
 
-  TempDatabase db_;
-  std::shared_ptr<Connection> cn_;
   std::shared_ptr<suite::ScriptedMessages> messages_;
   std::shared_ptr<suite::DbFncs> fncs_;
 };
 
-TEST_F(DbServices, SettingsMatchTrimmedNameIgnoringCase) {
-  cn_->Execute(
+TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCase) {
+  cn->Execute(
       "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values ('  IDIOMA ', "
       "'ignorado', 2)");
-  cn_->Execute(
+  cn->Execute(
       "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values "
       "('defBDDateCharSQLs', '''', Null)");
-  cn_->Execute(
+  cn->Execute(
       "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values "
       "('vacio', Null, Null)");
 
@@ -62,26 +57,26 @@ TEST_F(DbServices, SettingsMatchTrimmedNameIgnoringCase) {
   EXPECT_TRUE(fncs_->GetSetting("").IsEmpty());
 }
 
-TEST_F(DbServices, SettingsWithoutTableReadAsAbsent) {
-  TempDatabase bare;
+TEST_P(DbServices, SettingsWithoutTableReadAsAbsent) {
+  testing::TestDatabase bare(engine());
   suite::DbFncs fncs(bare.Open(), messages_);
   EXPECT_TRUE(fncs.GetSetting("Idioma").IsEmpty());
 }
 
-TEST_F(DbServices, HelpGoesToTheMessageService) {
+TEST_P(DbServices, HelpGoesToTheMessageService) {
   fncs_->ShowHelp(330);
   fncs_->ShowHelp(0);
   EXPECT_EQ(messages_->help_topics(), (std::vector<int>{330, 0}));
   EXPECT_TRUE(messages_->shown().empty());
 }
 
-TEST_F(DbServices, RightsForCurrentUserCompanyAndOption) {
-  cn_->Execute("Insert Into admDerechos Values (5, 1, 'PasajeAsientos', ' AME ')");
-  cn_->Execute("Insert Into admDerechos Values (5, 1, 'Papelera', 'e')");
-  cn_->Execute("Insert Into admDerechos Values (5, 2, 'Comprobantes', 'A')");
-  cn_->Execute("Insert Into admDerechos Values (6, 1, 'Comprobantes', 'AM')");
+TEST_P(DbServices, RightsForCurrentUserCompanyAndOption) {
+  cn->Execute("Insert Into admDerechos Values (5, 1, 'PasajeAsientos', ' AME ')");
+  cn->Execute("Insert Into admDerechos Values (5, 1, 'Papelera', 'e')");
+  cn->Execute("Insert Into admDerechos Values (5, 2, 'Comprobantes', 'A')");
+  cn->Execute("Insert Into admDerechos Values (6, 1, 'Comprobantes', 'AM')");
 
-  suite::DbUserRights rights(cn_, 5);
+  suite::DbUserRights rights(cn, 5);
   EXPECT_EQ(rights.Usuario(), 5);
   EXPECT_EQ(rights.Letras(1, "PasajeAsientos"), "AME");
   EXPECT_EQ(rights.Letras(1, "pasajeasientos"), "AME");
@@ -90,10 +85,11 @@ TEST_F(DbServices, RightsForCurrentUserCompanyAndOption) {
   EXPECT_EQ(rights.Letras(2, "Comprobantes"), "A");
   EXPECT_EQ(rights.Letras(3, "PasajeAsientos"), "");
   EXPECT_EQ(rights.Letras(1, "Check'List"), "");
-  EXPECT_EQ(suite::DbUserRights(TempDatabase().Open(), 5).Letras(1, "Papelera"), "");
+  testing::TestDatabase bare(engine());
+  EXPECT_EQ(suite::DbUserRights(bare.Open(), 5).Letras(1, "Papelera"), "");
 }
 
-TEST_F(DbServices, MemoryRightsCompareLikeTheDatabase) {
+TEST_P(DbServices, MemoryRightsCompareLikeTheDatabase) {
   suite::MemoryUserRights rights(3);
   rights.Set(1, "CheckList", " AE ");
   EXPECT_EQ(rights.Letras(1, "checklist"), "AE");
@@ -101,21 +97,21 @@ TEST_F(DbServices, MemoryRightsCompareLikeTheDatabase) {
   EXPECT_EQ(rights.Letras(1, "Papelera"), "");
 }
 
-TEST_F(DbServices, NoticeRecipientsBecomeTheListedUsers) {
-  cn_->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (1, 'ana')");
-  cn_->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (2, 'luis')");
-  cn_->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (3, 'eva')");
-  cn_->Execute(
+TEST_P(DbServices, NoticeRecipientsBecomeTheListedUsers) {
+  cn->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (1, 'ana')");
+  cn->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (2, 'luis')");
+  cn->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (3, 'eva')");
+  cn->Execute(
       "Insert Into admUsuarios (UsuCodigo, UsuIdentificacion, UsuHabilitado) Values "
       "(4, 'baja', 0)");
 
   EXPECT_TRUE(fncs_->VincularAvisos(12, "1, 2"));
   EXPECT_EQ(Recipients(12), (std::set<int32_t>{1, 2}));
-  cn_->Execute("Update genAvisosUsuarios Set AvUVisto = 1 Where AvUUsuario = 2");
+  cn->Execute("Update genAvisosUsuarios Set AvUVisto = 1 Where AvUUsuario = 2");
 
   EXPECT_TRUE(fncs_->VincularAvisos(12, "2,3"));
   EXPECT_EQ(Recipients(12), (std::set<int32_t>{2, 3}));
-  auto seen = cn_->OpenResultset(
+  auto seen = cn->OpenResultset(
       "Select AvUVisto From genAvisosUsuarios Where AvUAviso = 12 And AvUUsuario = 2");
   ASSERT_FALSE(seen->Eof());
   EXPECT_EQ(vb::CLng(seen->Get(0)), 1);  // a user kept keeps what he has seen
@@ -129,15 +125,17 @@ TEST_F(DbServices, NoticeRecipientsBecomeTheListedUsers) {
   EXPECT_EQ(Recipients(12), (std::set<int32_t>{2, 3}));
 
   // Inside the caller's transaction the links follow it.
-  cn_->BeginTrans();
+  cn->BeginTrans();
   EXPECT_TRUE(fncs_->VincularAvisos(12, "1"));
-  cn_->RollbackTrans();
+  cn->RollbackTrans();
   EXPECT_EQ(Recipients(12), (std::set<int32_t>{2, 3}));
 
   EXPECT_TRUE(fncs_->VincularAvisos(12, ""));
   EXPECT_TRUE(Recipients(12).empty());
-  EXPECT_FALSE(cn_->InTransaction());
+  EXPECT_FALSE(cn->InTransaction());
 }
+
+KMF_INSTANTIATE_ENGINES(DbServices);
 
 TEST(UserList, ParsesCodesSeparatedByCommas) {
   EXPECT_EQ(suite::ParseUserList(" 3, 7,12 "), (std::set<int32_t>{3, 7, 12}));

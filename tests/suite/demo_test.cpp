@@ -1,4 +1,5 @@
-// The default services over the demo company: balances, rights, settings, counters, users.
+// The default services over the demo company on every engine: balances, rights, settings,
+// counters, users.
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -16,26 +17,13 @@ namespace {
 
 using suite::SerialOf;
 
-class Demo : public ::testing::Test {
+class Demo : public testing::EngineTest {
  protected:
-  static void SetUpTestSuite() {
-    db_ = new testing::TempDatabase();
-    db_->InstallDemo();
-  }
-  static void TearDownTestSuite() {
-    delete db_;
-    db_ = nullptr;
-  }
-  void SetUp() override { cn_ = db_->Open(); }
-
-  static testing::TempDatabase* db_;
-  std::shared_ptr<Connection> cn_;
+  void SetUpDatabase() override { testing::InstallSuiteTables(*cn, /*demo=*/true); }
 };
 
-testing::TempDatabase* Demo::db_ = nullptr;
-
-TEST_F(Demo, BalancesOfPostedEntries) {
-  suite::DbAccountBalance balance(cn_);
+TEST_P(Demo, BalancesOfPostedEntries) {
+  suite::DbAccountBalance balance(cn);
   // Banco Nación: opening, payroll paid on 10-05, rent and social charges on 10-10.
   EXPECT_EQ(balance.Saldo(102, SerialOf(2026, 1, 1)), 0);
   EXPECT_EQ(balance.Saldo(102, SerialOf(2026, 10, 4)), 2500000);
@@ -54,42 +42,42 @@ TEST_F(Demo, BalancesOfPostedEntries) {
   EXPECT_EQ(balance.Saldo(203, SerialOf(2026, 10, 15)), -300000);
 }
 
-TEST_F(Demo, RightsOfTheDemoUsers) {
-  EXPECT_EQ(suite::DbUserRights(cn_, 1).Letras(2, "comprobantes"), "AMEeTQ");
-  suite::DbUserRights carlos(cn_, 4);
+TEST_P(Demo, RightsOfTheDemoUsers) {
+  EXPECT_EQ(suite::DbUserRights(cn, 1).Letras(2, "comprobantes"), "AMEeTQ");
+  suite::DbUserRights carlos(cn, 4);
   EXPECT_EQ(carlos.Letras(1, "PasajeAsientos"), "AM");
   EXPECT_EQ(carlos.Letras(1, "Papelera"), "E");
   EXPECT_EQ(carlos.Letras(1, "Comprobantes"), "");
   EXPECT_EQ(carlos.Letras(2, "PasajeAsientos"), "");
-  EXPECT_EQ(suite::DbUserRights(cn_, 2).Letras(1, "PasajeAsientos"), "");
+  EXPECT_EQ(suite::DbUserRights(cn, 2).Letras(1, "PasajeAsientos"), "");
 }
 
-TEST_F(Demo, SettingsCountersAndNoticeUsers) {
+TEST_P(Demo, SettingsCountersAndNoticeUsers) {
   auto messages = std::make_shared<suite::ScriptedMessages>();
-  suite::DbFncs fncs(cn_, messages);
+  suite::DbFncs fncs(cn, messages);
   EXPECT_EQ(vb::CLng(fncs.GetSetting("Idioma")), 1);
   EXPECT_EQ(fncs.GetSetting("defBDDateFormat"), Variant("yyyy-mm-dd hh:nn:ss"));
   EXPECT_EQ(fncs.GetSetting("defBDDateCharSQLs"), Variant("'"));
 
-  cn_->BeginTrans();
+  cn->BeginTrans();
   EXPECT_EQ(fncs.GetTableCounter("genMovimientosFrecuentes"), 101);
   EXPECT_EQ(fncs.GetTableCounter("genRecurrencias"), 101);
-  cn_->RollbackTrans();
+  cn->RollbackTrans();
 
   EXPECT_FALSE(fncs.VincularAvisos(8, "1,3"));  // 3 is disabled
   EXPECT_FALSE(fncs.VincularAvisos(8, "0"));    // the system user is nobody's recipient
-  cn_->BeginTrans();
+  cn->BeginTrans();
   EXPECT_TRUE(fncs.VincularAvisos(8, "1,4"));
-  cn_->RollbackTrans();
+  cn->RollbackTrans();
 }
 
-TEST_F(Demo, DefaultsFollowTheOptions) {
+TEST_P(Demo, DefaultsFollowTheOptions) {
   EXPECT_THROW(SuiteServices::Defaults(nullptr), std::invalid_argument);
 
   DefaultServiceOptions options;
   options.respuesta = true;
   options.hoy = SerialOf(2026, 11, 10);
-  SuiteServices s = SuiteServices::Defaults(cn_, 4, options);
+  SuiteServices s = SuiteServices::Defaults(cn, 4, options);
   ASSERT_TRUE(s.db && s.rights && s.messages && s.input && s.clock && s.balance);
   EXPECT_FALSE(s.calendar);
   EXPECT_EQ(s.rights->Usuario(), 4);
@@ -100,10 +88,12 @@ TEST_F(Demo, DefaultsFollowTheOptions) {
   EXPECT_EQ(s.balance->Saldo(101, s.clock->Today()), 150000);
 
   options.respuesta = false;
-  EXPECT_EQ(SuiteServices::Defaults(cn_, 1, options)
+  EXPECT_EQ(SuiteServices::Defaults(cn, 1, options)
                 .messages->Show({"¿Confirma?", "Prueba", MsgIcon::Question, MsgButtons::YesNo, 1}),
             kMsgNo);
 }
+
+KMF_INSTANTIATE_ENGINES(Demo);
 
 }  // namespace
 }  // namespace kivmovfrec

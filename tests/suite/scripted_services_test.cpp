@@ -58,10 +58,9 @@ TEST(ScriptedServices, WithoutDatabaseEverythingIsInMemory) {
   EXPECT_EQ(s.scripted_balance->asked().size(), 3u);
 }
 
-TEST(ScriptedServices, WithDatabaseCountersAndSettingsComeFromIt) {
-  testing::TempDatabase db;
-  db.InstallSchema();
-  auto cn = db.Open();
+using ScriptedServicesOnDatabase = testing::SuiteTablesTest;
+
+TEST_P(ScriptedServicesOnDatabase, CountersAndSettingsComeFromIt) {
   cn->Execute("Insert Into genContadores Values ('genRecurrencias', 30)");
   cn->Execute("Insert Into genParametros (ParNombre, ParValor) Values ('Idioma', 1)");
   cn->Execute(
@@ -72,7 +71,7 @@ TEST(ScriptedServices, WithDatabaseCountersAndSettingsComeFromIt) {
   ScriptedServices s = ScriptedServices::Make(cn, SerialOf(2024, 3, 15));
   EXPECT_FALSE(s.scripted_balance);
   EXPECT_EQ(s.db->GetTableCounter("genRecurrencias"), 31);
-  auto other = db.Open();
+  auto other = OpenAnother();
   EXPECT_EQ(
       ScriptedServices::Make(other, SerialOf(2024, 3, 15)).db->GetTableCounter("genRecurrencias"),
       32);
@@ -87,6 +86,8 @@ TEST(ScriptedServices, WithDatabaseCountersAndSettingsComeFromIt) {
   EXPECT_EQ(vb::CLng(rs->Get(0)), 1);
   EXPECT_EQ(s.balance->Saldo(120, SerialOf(2024, 3, 15)), 0);
 }
+
+KMF_INSTANTIATE_ENGINES(ScriptedServicesOnDatabase);
 
 }  // namespace
 }  // namespace kivmovfrec

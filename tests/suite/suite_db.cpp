@@ -1,9 +1,5 @@
 #include "suite/suite_db.h"
 
-#include <unistd.h>
-
-#include <atomic>
-#include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -48,28 +44,11 @@ void RunSqlFile(Connection& cn, const std::string& path) {
   cn.CommitTrans();
 }
 
-TempDatabase::TempDatabase() {
-  static std::atomic<int> serial{0};
-  path_ = ::testing::TempDir() + "kmf_suite_" + std::to_string(getpid()) + "_" +
-          std::to_string(serial++) + ".db";
-  std::remove(path_.c_str());
-}
-
-TempDatabase::~TempDatabase() {
-  for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
-    std::remove((path_ + suffix).c_str());
-  }
-}
-
-void TempDatabase::InstallSchema() const {
-  auto cn = Open();
-  RunSqlFile(*cn, std::string(KMF_SOURCE_DIR) + "/schema/sqlite/schema.sql");
-}
-
-void TempDatabase::InstallDemo() const {
-  InstallSchema();
-  auto cn = Open();
-  RunSqlFile(*cn, std::string(KMF_SOURCE_DIR) + "/schema/sqlite/demo.sql");
+void InstallSuiteTables(Connection& cn, bool demo) {
+  const std::string dir = std::string(KMF_SOURCE_DIR) + "/schema/" +
+                          (cn.engine() == Engine::PostgreSQL ? "postgresql" : "sqlite");
+  RunSqlFile(cn, dir + "/schema.sql");
+  if (demo) RunSqlFile(cn, dir + "/demo.sql");
 }
 
 }  // namespace kivmovfrec::testing

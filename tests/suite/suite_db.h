@@ -1,36 +1,27 @@
-// Test helpers: a fresh SQLite database file with the suite tables.
+// Test helpers: the suite tables on a test database of either engine, created from the DDL
+// scripts in schema/ (the suite services do not depend on the installer).
 #pragma once
 
 #include <memory>
 #include <string>
 
 #include "kivmovfrec/db.h"
+#include "support/db_engines.h"
 
 namespace kivmovfrec::testing {
 
 // Runs every statement of an SQL script file (comments starting "--" dropped, statements split
-// at ";" outside quotes).
+// at ";" outside quotes), in one transaction.
 void RunSqlFile(Connection& cn, const std::string& path);
 
-// A new, empty database file in the test temp directory; removed with its WAL files when the
-// object goes away. `Open` gives additional connections to the same file.
-class TempDatabase {
- public:
-  TempDatabase();
-  ~TempDatabase();
-  TempDatabase(const TempDatabase&) = delete;
-  TempDatabase& operator=(const TempDatabase&) = delete;
+// Creates the suite tables from schema/<engine>/schema.sql and, when asked, loads the demo
+// company from schema/<engine>/demo.sql.
+void InstallSuiteTables(Connection& cn, bool demo = false);
 
-  const std::string& path() const { return path_; }
-  std::string uri() const { return "sqlite:" + path_; }
-  std::shared_ptr<Connection> Open() const { return OpenConnection(uri()); }
-  // Creates the suite tables from schema/sqlite/schema.sql.
-  void InstallSchema() const;
-  // The tables and the demo company (schema/sqlite/demo.sql).
-  void InstallDemo() const;
-
- private:
-  std::string path_;
+// An engine test whose database holds the suite tables (no rows).
+class SuiteTablesTest : public EngineTest {
+ protected:
+  void SetUpDatabase() override { InstallSuiteTables(*cn); }
 };
 
 }  // namespace kivmovfrec::testing

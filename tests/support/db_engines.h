@@ -121,13 +121,17 @@ class TestDatabase {
 };
 
 // Base of the tests that run on every engine: `cn` is a connection to a fresh database.
+// A fixture derived from it may also be used by a plain TEST_F (not parameterised): that test
+// then runs on SQLite only.
 class EngineTest : public ::testing::TestWithParam<Engine> {
  protected:
   void SetUp() override {
-    if (GetParam() == Engine::PostgreSQL && !PostgresUri()) {
+    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    engine_ = info != nullptr && info->value_param() != nullptr ? GetParam() : Engine::SQLite;
+    if (engine_ == Engine::PostgreSQL && !PostgresUri()) {
       GTEST_SKIP() << kPostgresSkipMessage;
     }
-    db_.emplace(GetParam());
+    db_.emplace(engine_);
     cn = db_->Open();
     SetUpDatabase();
   }
@@ -135,12 +139,13 @@ class EngineTest : public ::testing::TestWithParam<Engine> {
   // Tables and rows the fixture needs; runs after `cn` is open (never for a skipped engine).
   virtual void SetUpDatabase() {}
 
-  Engine engine() const { return GetParam(); }
-  bool postgres() const { return GetParam() == Engine::PostgreSQL; }
+  Engine engine() const { return engine_; }
+  bool postgres() const { return engine_ == Engine::PostgreSQL; }
   // Another connection to the same database.
   std::shared_ptr<Connection> OpenAnother() const { return db_->Open(); }
   const TestDatabase& database() const { return *db_; }
 
+  Engine engine_ = Engine::SQLite;
   // Declared before `cn`, so that the connections go first and the database after them.
   std::optional<TestDatabase> db_;
   std::shared_ptr<Connection> cn;

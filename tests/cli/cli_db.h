@@ -1,0 +1,119 @@
+// The database a movfrec test works on, on each engine: a fresh SQLite file, or a fresh schema
+// in the PostgreSQL database of KMF_TEST_PG reached through a URI whose `options` parameter sets
+// the search path (movfrec hands the URI to libpq as it is). The CLI tests do not link the
+// component, so schemas are made and SQL is run through the engines' own shells (sqlite3,
+// psql).
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+namespace kmf_cli {
+
+enum class Motor { SQLite, PostgreSQL };
+
+inline std::string NombreMotor(const ::testing::TestParamInfo<Motor>& info) {
+  return info.param == Motor::SQLite ? "SQLite" : "PostgreSQL";
+}
+
+inline std::string Quote(const std::string& arg) {
+  std::string q = "'";
+  for (char c : arg) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+
+inline std::string ServidorPostgres() {
+  const char* uri = std::getenv("KMF_TEST_PG");
+  return uri == nullptr ? std::string() : std::string(uri);
+}
+
+inline bool Hay(const char* programa) {
+  return std::system(("command -v " + std::string(programa) + " > /dev/null 2>&1").c_str()) == 0;
+}
+
+// Why this engine cannot be tested in this run ("" when it can).
+inline std::string MotivoParaSaltar(Motor motor) {
+  if (motor == Motor::SQLite) return "";
+  if (ServidorPostgres().empty()) {
+    return "PostgreSQL no está disponible en esta ejecución: defina KMF_TEST_PG con la "
+           "dirección de un servidor (scripts/pg.sh start la imprime)";
+  }
+  if (!Hay("psql")) return "falta el programa psql para preparar el esquema de PostgreSQL";
+  return "";
+}
+
+// One database for one test; `base` is a unique path prefix in the temporary folder.
+class CliDatabase {
+ public:
+  CliDatabase(Motor motor, const std::string& base) : motor_(motor), base_(base) {
+    if (motor == Motor::SQLite) {
+      file_ = base + ".db";
+      uri_ = "sqlite:" + file_;
+      return;
+    }
+    const std::string servidor = ServidorPostgres();
+    schema_ = "kmf_cli_" + std::to_string(::getpid()) + "_" + std::to_string(Serial()++);
+    creado_ = Psql(servidor, "CREATE SCHEMA " + schema_);
+    uri_ = servidor + (servidor.find('?') == std::string::npos ? "?" : "&") +
+           "options=-csearch_path%3D" + schema_;
+  }
+  ~CliDatabase() {
+    if (motor_ == Motor::PostgreSQL) {
+      if (creado_ && !Psql(ServidorPostgres(), "DROP SCHEMA " + schema_ + " CASCADE")) {
+        std::cerr << "No se pudo eliminar el esquema de prueba " << schema_ << "\n";
+      }
+      return;
+    }
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
+      std::remove((file_ + suffix).c_str());
+    }
+  }
+  CliDatabase(const CliDatabase&) = delete;
+  CliDatabase& operator=(const CliDatabase&) = delete;
+
+  Motor motor() const { return motor_; }
+  // False when the PostgreSQL schema could not be created.
+  bool ok() const { return motor_ == Motor::SQLite || creado_; }
+  // What --db or MOVFREC_DB receives.
+  const std::string& uri() const { return uri_; }
+
+  // Runs SQL on this database through the engine's shell; false when the shell is missing or
+  // the statement failed.
+  bool Sql(const std::string& sql) const {
+    if (motor_ == Motor::PostgreSQL) return Psql(uri_, sql);
+    if (!Hay("sqlite3")) return false;
+    return std::system(("sqlite3 " + Quote(file_) + " " + Quote(sql) + " > /dev/null").c_str()) ==
+           0;
+  }
+
+ private:
+  static int& Serial() {
+    static int serial = 0;
+    return serial;
+  }
+  static bool Psql(const std::string& uri, const std::string& sql) {
+    const std::string cmd =
+        "psql -X -q -v ON_ERROR_STOP=1 -d " + Quote(uri) + " -c " + Quote(sql) + " > /dev/null";
+    return std::system(cmd.c_str()) == 0;
+  }
+
+  Motor motor_;
+  std::string base_;
+  std::string file_;
+  std::string schema_;
+  std::string uri_;
+  bool creado_ = false;
+};
+
+}  // namespace kmf_cli
+
+// Instantiates a movfrec test suite once per engine.
+#define KMF_CLI_MOTORES(suite)                                                                   \
+  INSTANTIATE_TEST_SUITE_P(                                                                      \
+      Engines, suite, ::testing::Values(::kmf_cli::Motor::SQLite, ::kmf_cli::Motor::PostgreSQL), \
+      ::kmf_cli::NombreMotor)
