@@ -100,6 +100,13 @@ TEST_F(Calculo, MarkerDateTakesTheNextDueDateOrTodayAndIsWrittenBack) {
   EXPECT_EQ(fecha, SerialOf(2026, 11, 16));
   EXPECT_DOUBLE_EQ(mf.Renglones()->Renglon(1)->ImporteMF(), 1000 * (1425.75 - 1410.25));
 
+  // A movement of another company reloads the evaluator's company context.
+  fecha = formula::FechaNoIndicada();
+  ASSERT_TRUE(calc.SetCalculoFormulasMF(mf, 23, true, fecha)) << calc.Traza().error;
+  EXPECT_EQ(calc.Funciones().Empresa().ID(), 2);
+  EXPECT_EQ(calc.Funciones().Marcadores("[pEmp]/[prmLIB]", 23), "2/2");
+  EXPECT_EQ(empresa.ID(), 1);
+
   // A movement that does not exist fails and says so.
   fecha = formula::FechaNoIndicada();
   EXPECT_FALSE(calc.SetCalculoFormulasMF(mf, 999, true, fecha));
