@@ -212,3 +212,39 @@ TEST_F(Calcular, VerAndExportarCarryTheDisplayFormWhichImportarIgnores) {
 }
 
 }  // namespace
+
+// movfrec evaluar: what a formula author sees when trying an expression.
+TEST_F(Calcular, EvaluarPrintsTheResultOrTheErrorWithACaretUnderItsColumn) {
+  Result r = Run({"evaluar", "Round(1500.5*1.0825, 2)"});
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out, "1624.29\n");
+
+  r = Run({"evaluar", "3,5*2"});  // decimal comma: the host retries with a point
+  EXPECT_EQ(r.out, "7\n");
+
+  r = Run({"evaluar", "Year(Date) * 100 + Month(Date)"});  // Date follows --hoy
+  EXPECT_EQ(r.out, "202611\n");
+
+  r = Run({"evaluar", "(2 +"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_TRUE(Has(r.err, "Error 1023: Se esperaba una expresión (columna 4)")) << r.err;
+  EXPECT_TRUE(Has(r.err, "  (2 +\n      ^\n")) << r.err;
+
+  r = Run({"--json", "evaluar", "1/0"});
+  EXPECT_EQ(r.status, 1);
+  const Json j = Json::parse(r.out);
+  EXPECT_EQ(j["Error"]["Numero"], 11);
+  EXPECT_EQ(j["Error"]["Columna"], 0);
+}
+
+TEST_F(Calcular, EvaluarReadsTheDatabaseButNeverWritesIt) {
+  const std::string count = "rdoCBase.OpenResultset(\"select count(*) from genMonedas\")(0)";
+  Result before = Run({"evaluar", count});
+  ASSERT_EQ(before.status, 0) << before.err;
+  EXPECT_NE(before.out, "0\n");
+
+  Result write = Run({"evaluar", "rdoCBase.OpenResultset(\"delete from genMonedas\")(0)"});
+  EXPECT_EQ(write.status, 1);
+  EXPECT_TRUE(Has(write.err, "Error 40002")) << write.err;
+  EXPECT_EQ(Run({"evaluar", count}).out, before.out);
+}
