@@ -89,7 +89,7 @@ class Context {
 // Runs the chosen command; returns the exit status.
 using Action = std::function<int(Context&)>;
 
-struct CommandSpec {
+struct CommandDef {
   std::string name;         // as typed on the command line
   std::string description;  // one line, Spanish
   int order = 100;          // place in the help listing
@@ -98,8 +98,8 @@ struct CommandSpec {
 };
 
 // Adds a command; returns true so it can initialise a namespace-scope constant.
-bool RegisterCommand(CommandSpec spec);
+bool RegisterCommand(CommandDef def);
 // Registered commands in help order.
-std::vector<CommandSpec> RegisteredCommands();
+std::vector<CommandDef> RegisteredCommands();
 
 }  // namespace kivmovfrec::cli

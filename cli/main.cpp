@@ -105,11 +105,11 @@ int Run(int argc, char** argv) {
   app.add_flag("--json", options.json, "Resultado en JSON por la salida estándar");
 
   std::map<const CLI::App*, Action> actions;
-  for (const CommandSpec& spec : RegisteredCommands()) {
-    CLI::App* sub = app.add_subcommand(spec.name, spec.description);
+  for (const CommandDef& def : RegisteredCommands()) {
+    CLI::App* sub = app.add_subcommand(def.name, def.description);
     sub->group("Comandos");
     sub->set_help_flag("-h,--help", "Muestra la ayuda del comando y termina");
-    actions[sub] = spec.setup(*sub);
+    actions[sub] = def.setup(*sub);
   }
 
   try {

@@ -5,22 +5,22 @@
 namespace kivmovfrec::cli {
 namespace {
 
-std::vector<CommandSpec>& Registry() {
-  static std::vector<CommandSpec> commands;
+std::vector<CommandDef>& Registry() {
+  static std::vector<CommandDef> commands;
   return commands;
 }
 
 }  // namespace
 
-bool RegisterCommand(CommandSpec spec) {
-  Registry().push_back(std::move(spec));
+bool RegisterCommand(CommandDef def) {
+  Registry().push_back(std::move(def));
   return true;
 }
 
-std::vector<CommandSpec> RegisteredCommands() {
-  std::vector<CommandSpec> commands = Registry();
+std::vector<CommandDef> RegisteredCommands() {
+  std::vector<CommandDef> commands = Registry();
   std::stable_sort(commands.begin(), commands.end(),
-                   [](const CommandSpec& a, const CommandSpec& b) { return a.order < b.order; });
+                   [](const CommandDef& a, const CommandDef& b) { return a.order < b.order; });
   return commands;
 }
 
