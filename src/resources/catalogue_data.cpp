@@ -204,6 +204,12 @@ constexpr auto kEntradas = std::to_array<EntradaCatalogo>({
     Es(kSeEliminoAgenda, "Se elimino la agenda."),
     Es(kEliminarAgendasVinculadas,
        " ¿Desea eliminar las agendas vinculadas que eran iguales a la anterior?", kBorde),
+    Es(kVinculosParInvalido,
+       "Los vínculos no son válidos: el par [p] no tiene la forma movimiento:orden."),
+    Es(kVinculosOrdenFuera,
+       "Los vínculos no son válidos: el orden del par [p] debe estar entre 1 y 255."),
+    Es(kVinculosRepetido,
+       "Los vínculos no son válidos: el movimiento del par [p] figura más de una vez."),
 
     // Formula editor.
     Es(kTituloAgregarFormula, "Agregar fórmula"),

@@ -181,6 +181,10 @@ inline constexpr int kSeCambioAgenda = 672;
 inline constexpr int kCambiarAgendasVinculadas = 673;  // second line, begins with a blank
 inline constexpr int kSeEliminoAgenda = 674;
 inline constexpr int kEliminarAgendasVinculadas = 675;  // second line, begins with a blank
+// A link text that cannot be read; [p] is the position of the offending pair.
+inline constexpr int kVinculosParInvalido = 676;
+inline constexpr int kVinculosOrdenFuera = 677;
+inline constexpr int kVinculosRepetido = 678;
 
 // --- Formula editor (own numbers) --------------------------------------------------------------
 inline constexpr int kTituloAgregarFormula = 680;
