@@ -57,27 +57,21 @@ int64_t DoubleToWhole(double d) {
   return *whole;
 }
 
-// Any value as a whole number with banker's rounding (range checked by the caller).
+// Any value as a whole number with banker's rounding (range checked by the caller). Empty,
+// Boolean and the whole-number subtypes are read exactly through CDbl; Null fails there (94).
 int64_t ToWhole(const Variant& v, const Locale& loc) {
   switch (v.type()) {
-    case VarType::Empty:
-      return 0;
-    case VarType::Null:
-      throw VbError(94);
-    case VarType::Boolean:
-      return v.AsBool() ? -1 : 0;
-    case VarType::Byte:
-      return v.AsByte();
-    case VarType::Integer:
-      return v.AsInteger();
-    case VarType::Long:
-      return v.AsLong();
     case VarType::Currency:
       return CurrencyToWhole(v.AsCurrency());
     case VarType::Object:
       return ToWhole(DefaultValue(v), loc);
-    default:
+    case VarType::Single:
+    case VarType::Double:
+    case VarType::Date:
+    case VarType::String:
       return DoubleToWhole(CDbl(v, loc));
+    default:
+      return static_cast<int64_t>(CDbl(v, loc));
   }
 }
 
