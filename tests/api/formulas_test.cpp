@@ -8,9 +8,9 @@
 namespace kivmovfrec::testing {
 namespace {
 
-using Formulas = Fachada;
+class Formulas : public Fachada {};
 
-TEST_F(Formulas, MovementWithoutDueDateIsComputedAsOfTodayAndKeepsTheMarkerText) {
+TEST_P(Formulas, MovementWithoutDueDateIsComputedAsOfTodayAndKeepsTheMarkerText) {
   storage::Parametros().moneda_contabilidad = 0;
   ASSERT_TRUE(mf.SetCalculoFormulasMF(18, true)) << mf.UltimaTrazaFx().error;
   EXPECT_EQ(storage::Parametros().moneda_contabilidad, 1);  // copied from the company
@@ -29,7 +29,7 @@ TEST_F(Formulas, MovementWithoutDueDateIsComputedAsOfTodayAndKeepsTheMarkerText)
   EXPECT_EQ(mf.EstructuraMovFrec()->Recurrencia()->FechaProxima(), "10/11/2026");
 }
 
-TEST_F(Formulas, ScheduledMovementUsesItsNextDueDate) {
+TEST_P(Formulas, ScheduledMovementUsesItsNextDueDate) {
   ASSERT_TRUE(mf.SetCalculoFormulasMF(1, true)) << mf.UltimaTrazaFx().error;
   EXPECT_EQ(mf.UltimaTrazaFx().fecha, suite::SerialOf(2026, 11, 10));
   EXPECT_EQ(mf.UltimaTrazaFx().origen_fecha, "próximo vencimiento del movimiento");
@@ -46,7 +46,7 @@ TEST_F(Formulas, ScheduledMovementUsesItsNextDueDate) {
   EXPECT_DOUBLE_EQ(mf.UltimaTrazaFx().total_haber, 39650);
 }
 
-TEST_F(Formulas, FailuresAreReportedWithTheirOwnTexts) {
+TEST_P(Formulas, FailuresAreReportedWithTheirOwnTexts) {
   // Movement 26 needs a document of movement 25 from the last two minutes: there is none.
   EXPECT_FALSE(mf.SetCalculoFormulasMF(26, true));
   ASSERT_EQ(Mensajes().size(), 1u);
@@ -73,7 +73,7 @@ TEST_F(Formulas, FailuresAreReportedWithTheirOwnTexts) {
   EXPECT_EQ(Mensajes().back().request.text, "Fórmula sin resultado");
 }
 
-TEST_F(Formulas, RecalculationUpdatesTheLinesInPlaceAndAsksTheRate) {
+TEST_P(Formulas, RecalculationUpdatesTheLinesInPlaceAndAsksTheRate) {
   ASSERT_TRUE(mf.LoadMF(7));
   auto lineas = mf.EstructuraMovFrec()->Renglones();
   lineas->Renglon(1)->Formula("[12:]+100");  // [pIDMov] is the current movement: no schedule
@@ -90,7 +90,7 @@ TEST_F(Formulas, RecalculationUpdatesTheLinesInPlaceAndAsksTheRate) {
   EXPECT_DOUBLE_EQ(lineas->Renglon(3)->ImporteMF(), 17.36);
 }
 
-TEST_F(Formulas, LegendMacros) {
+TEST_P(Formulas, LegendMacros) {
   const Date d = vb::DateSerial(2008, 2, 15);
   EXPECT_EQ(mf.InterpretarFormulaLeyenda("Alquiler &[FFAñoMes] al &[FUltimoDia]", d),
             "Alquiler 02/2008 al 29/02/2008");
@@ -113,6 +113,8 @@ TEST(FormulasSinConexion, EveryMemberIsANoOp) {
   EXPECT_TRUE(editable);
   EXPECT_DOUBLE_EQ(importe, 3);
 }
+
+KMF_INSTANTIATE_ENGINES(Formulas);
 
 }  // namespace
 }  // namespace kivmovfrec::testing

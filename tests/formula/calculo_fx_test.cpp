@@ -26,10 +26,10 @@ using suite::SerialOf;
 // "Today" is 10/11/2026 and the clock stands at 10:00:00.
 const Date kHoy = SerialOf(2026, 11, 10);
 
-class Calculo : public ::testing::Test {
+class Calculo : public DemoEngineTest {
  protected:
-  void SetUp() override {
-    cn = DemoDb();
+  void SetUpDatabase() override {
+    DemoEngineTest::SetUpDatabase();
     sv = suite::ScriptedServices::Make(cn, kHoy);
     reloj = std::make_shared<suite::FixedClock>(kHoy, 10.0 / 24);
     ASSERT_TRUE(empresa.Load(1, *cn));
@@ -65,13 +65,12 @@ class Calculo : public ::testing::Test {
 
   void Ejecutar(const std::string& sql) { cn->Execute(sql); }
 
-  std::shared_ptr<Connection> cn;
   suite::ScriptedServices sv;
   std::shared_ptr<suite::FixedClock> reloj;
   clsEmpresa empresa;
 };
 
-TEST_F(Calculo, MarkerDateTakesTheNextDueDateOrTodayAndIsWrittenBack) {
+TEST_P(Calculo, MarkerDateTakesTheNextDueDateOrTodayAndIsWrittenBack) {
   auto calc = Evaluador();
   clsMFTipo mf;
   // Scheduled movement 4 falls due on 30/11/2026: 1000 × (rate that day − rate at the end of
@@ -113,7 +112,7 @@ TEST_F(Calculo, MarkerDateTakesTheNextDueDateOrTodayAndIsWrittenBack) {
   EXPECT_NE(calc.Traza().error.find("999"), std::string::npos);
 }
 
-TEST_F(Calculo, BalancesAtTheDayTheDayBeforeAndTheEndOfLastMonth) {
+TEST_P(Calculo, BalancesAtTheDayTheDayBeforeAndTheEndOfLastMonth) {
   // Entries of a leap-year February and March on Caja (101).
   Ejecutar(
       "Insert Into cceAsientos (AsiID, AsiEmpresa, AsiNumero, AsiFecha, AsiLibro, AsiEstado, "
@@ -145,7 +144,7 @@ TEST_F(Calculo, BalancesAtTheDayTheDayBeforeAndTheEndOfLastMonth) {
   EXPECT_FALSE(calc.RecalcularFormulasMF(falta, 1, true, SerialOf(2024, 3, 15)));
 }
 
-TEST_F(Calculo, RatesAndIndicesComeFromTheRateService) {
+TEST_P(Calculo, RatesAndIndicesComeFromTheRateService) {
   auto calc = Evaluador();
   // Dollar today / yesterday / end of last month, euro through the dollar, CER index.
   clsRenglonesMF r = Lineas({{141, true, "[13:1;2]"},
@@ -174,7 +173,7 @@ TEST_F(Calculo, RatesAndIndicesComeFromTheRateService) {
   EXPECT_NE(calc.Traza().lineas[0].elementos[0].detalle.find("se usa 1"), std::string::npos);
 }
 
-TEST_F(Calculo, MovementTotalIsAskedOnlyWhenPromptsAreAllowed) {
+TEST_P(Calculo, MovementTotalIsAskedOnlyWhenPromptsAreAllowed) {
   auto calc = Evaluador();
   clsMFTipo mf;
   Date fecha = formula::FechaNoIndicada();
@@ -208,7 +207,7 @@ TEST_F(Calculo, MovementTotalIsAskedOnlyWhenPromptsAreAllowed) {
   EXPECT_DOUBLE_EQ(mf.Renglones()->Renglon(1)->ImporteMF(), 0);
 }
 
-TEST_F(Calculo, ReferencedLinesAreWorkedOutFirstAndTheDifferenceBalances) {
+TEST_P(Calculo, ReferencedLinesAreWorkedOutFirstAndTheDifferenceBalances) {
   auto calc = Evaluador();
   // Line 1 refers to line 2, which has its own formula and a stale stored amount.
   clsRenglonesMF r =
@@ -245,7 +244,7 @@ TEST_F(Calculo, ReferencedLinesAreWorkedOutFirstAndTheDifferenceBalances) {
   EXPECT_FALSE(calc.RecalcularFormulasMF(mixta, 1, true, kHoy));
 }
 
-TEST_F(Calculo, ACycleOfLinesFailsEveryLineOfItWithoutChangingThem) {
+TEST_P(Calculo, ACycleOfLinesFailsEveryLineOfItWithoutChangingThem) {
   auto calc = Evaluador();
   clsRenglonesMF r = Lineas({{101, true, "[1:102;0;0]+1", 7},
                              {102, true, "[1:104;0;0]+1", 8},
@@ -268,7 +267,7 @@ TEST_F(Calculo, ACycleOfLinesFailsEveryLineOfItWithoutChangingThem) {
   EXPECT_FALSE(calc.RecalcularFormulasMF(ajena, 1, true, kHoy));
 }
 
-TEST_F(Calculo, OtherMovementsDocumentCountsOnlyWithinTwoMinutes) {
+TEST_P(Calculo, OtherMovementsDocumentCountsOnlyWithinTwoMinutes) {
   auto calc = Evaluador();
   // Movement 26 takes 0.1 % of line 114 of the entry generated from movement 25.
   Ejecutar(
@@ -306,7 +305,7 @@ TEST_F(Calculo, OtherMovementsDocumentCountsOnlyWithinTwoMinutes) {
   EXPECT_EQ(calc.Traza().lineas[0].elementos[0].documento, 601);
 }
 
-TEST_F(Calculo, APlainNumberNeverReachesTheScriptHost) {
+TEST_P(Calculo, APlainNumberNeverReachesTheScriptHost) {
   auto calc = Evaluador();
   int llamadas = 0;
   calc.Evaluador([&](Connection* c, std::string_view e, bool x) {
@@ -328,7 +327,7 @@ TEST_F(Calculo, APlainNumberNeverReachesTheScriptHost) {
   EXPECT_DOUBLE_EQ(Mf(n, 1), 21000);
 }
 
-TEST_F(Calculo, QueriesAndScriptsWithTheirPlaceholders) {
+TEST_P(Calculo, QueriesAndScriptsWithTheirPlaceholders) {
   auto calc = Evaluador();
   clsRenglonesMF r =
       Lineas({{101, true, "[query]Select [prmiva] + [pEmp] + [prmMonedaContabilidad][/query]"},
@@ -358,7 +357,7 @@ TEST_F(Calculo, QueriesAndScriptsWithTheirPlaceholders) {
   EXPECT_FALSE(calc.RecalcularFormulasMF(u, 1, true, kHoy));
 }
 
-TEST_F(Calculo, ConversionAndTheExchangeRatePrompt) {
+TEST_P(Calculo, ConversionAndTheExchangeRatePrompt) {
   auto calc = Evaluador();
   // A movement in pesos with a dollar account: the pesos are divided by the dollar's rate.
   clsMFTipo mf;
@@ -395,7 +394,7 @@ TEST_F(Calculo, ConversionAndTheExchangeRatePrompt) {
   EXPECT_NE(calc.Traza().lineas[0].error.find("no hay cotización"), std::string::npos);
 }
 
-TEST_F(Calculo, OneLegAmountAndWhetherItMayBeEdited) {
+TEST_P(Calculo, OneLegAmountAndWhetherItMayBeEdited) {
   auto calc = Evaluador();
   bool editable = true;
   double importe = 0;
@@ -430,7 +429,7 @@ TEST_F(Calculo, OneLegAmountAndWhetherItMayBeEdited) {
   EXPECT_DOUBLE_EQ(importe, 5);
 }
 
-TEST_F(Calculo, DemoMovementUsesEveryKindOfValueAndBalances) {
+TEST_P(Calculo, DemoMovementUsesEveryKindOfValueAndBalances) {
   auto calc = Evaluador();
   clsMFTipo mf;
   Date fecha = SerialOf(2026, 11, 20);
@@ -453,6 +452,8 @@ TEST_F(Calculo, DemoMovementUsesEveryKindOfValueAndBalances) {
         << static_cast<int>(o);
   }
 }
+
+KMF_INSTANTIATE_ENGINES(Calculo);
 
 }  // namespace
 }  // namespace kivmovfrec::testing

@@ -117,8 +117,9 @@ std::set<int> Ofrecidos(Connection& cn, std::string_view consulta, int empresa, 
   return ids;
 }
 
-TEST(CatalogoFx, MovementLookupsOfferOnlyActiveMovementsOfTheCompanyButNotTheOneEdited) {
-  auto cn = testing::DemoDb();
+class CatalogoBD : public testing::DemoEngineTest {};
+
+TEST_P(CatalogoBD, MovementLookupsOfferOnlyActiveMovementsOfTheCompanyButNotTheOneEdited) {
   clsFxMovFrec c;
   // Frequent entries of company 1: 2, 5, 16, 17, 18, 26; 20 is in the bin, 19 is a system entry
   // and 23 belongs to company 2.
@@ -131,8 +132,7 @@ TEST(CatalogoFx, MovementLookupsOfferOnlyActiveMovementsOfTheCompanyButNotTheOne
   EXPECT_EQ(Ofrecidos(*cn, c.Consulta1(c.Buscar(20)), 1, 0), (std::set<int>{6}));
 }
 
-TEST(CatalogoFx, OtherLookupsLeaveOutIndexTypesFoldersAndOtherCompanies) {
-  auto cn = testing::DemoDb();
+TEST_P(CatalogoBD, OtherLookupsLeaveOutIndexTypesFoldersAndOtherCompanies) {
   clsFxMovFrec c;
   EXPECT_EQ(Ofrecidos(*cn, c.Consulta1(c.Buscar(13)), 1, 0), (std::set<int>{1, 2}));
   EXPECT_EQ(Ofrecidos(*cn, c.Consulta2(c.Buscar(13)), 1, 0), (std::set<int>{1, 2, 3, 4}));
@@ -140,6 +140,8 @@ TEST(CatalogoFx, OtherLookupsLeaveOutIndexTypesFoldersAndOtherCompanies) {
   auto cuentas = Ofrecidos(*cn, c.Consulta2(c.Buscar(5)), 2, 0);
   EXPECT_EQ(cuentas, (std::set<int>{201, 202, 203, 204, 205}));
 }
+
+KMF_INSTANTIATE_ENGINES(CatalogoBD);
 
 }  // namespace
 }  // namespace kivmovfrec::formula

@@ -9,16 +9,12 @@
 namespace kivmovfrec::formula {
 namespace {
 
-using testing::DemoDb;
 using testing::FormulaDemo;
 
-class FormulaMF : public ::testing::Test {
- protected:
-  std::shared_ptr<Connection> cn_ = DemoDb();
-};
+class FormulaMF : public testing::DemoEngineTest {};
 
-TEST_F(FormulaMF, EveryKindOfReferenceIsShownWithItsCaptionAndArguments) {
-  auto f = FormulaDemo(cn_, 2);
+TEST_P(FormulaMF, EveryKindOfReferenceIsShownWithItsCaptionAndArguments) {
+  auto f = FormulaDemo(cn, 2);
   EXPECT_EQ(f.AVisible("[5:101]"), "Saldo al día de hoy(\"1.1.01 Caja\")");
   EXPECT_EQ(f.AVisible("[4:112]*-1"), "Saldo al mes anterior(\"2.1.02 IVA Débito Fiscal\")*-1");
   EXPECT_EQ(f.AVisible("1000*([13:1;2]-[7:1;2])"),
@@ -36,19 +32,19 @@ TEST_F(FormulaMF, EveryKindOfReferenceIsShownWithItsCaptionAndArguments) {
   EXPECT_EQ(f.AVisible("[11:]"), "Pedir valor()");
   EXPECT_EQ(f.AVisible("[11:Sueldos brutos del mes]"), "Pedir valor(\"Sueldos brutos del mes\")");
   // A line of another movement: the movement's name, then the line.
-  auto g = FormulaDemo(cn_, 17);
+  auto g = FormulaDemo(cn, 17);
   EXPECT_EQ(g.AVisible("[2:16;141;0;0]*0.24"),
             "Asiento Frecuente(\"Provisión de aguinaldo\"; \"5.1.01 Sueldos y jornales\")*0.24");
-  auto h = FormulaDemo(cn_, 26);
+  auto h = FormulaDemo(cn, 26);
   EXPECT_EQ(h.AVisible("[19:25;114;0;0]"),
             "Asiento agendado(\"Pago de cargas sociales\"; \"2.1.04 Cargas sociales a pagar\")");
-  auto k = FormulaDemo(cn_, 18);
+  auto k = FormulaDemo(cn, 18);
   EXPECT_EQ(k.AVisible("[1:145;1;1]*0.5"),
             "Cuenta Ingresada(\"5.1.05 Servicios y honorarios ROS ADM\")*0.5");
 }
 
-TEST_F(FormulaMF, TextOutsideCatalogueReferencesIsLeftAsItIs) {
-  auto f = FormulaDemo(cn_, 2);
+TEST_P(FormulaMF, TextOutsideCatalogueReferencesIsLeftAsItIs) {
+  auto f = FormulaDemo(cn, 2);
   EXPECT_EQ(f.AVisible("450000*(1+0.02)"), "450000*(1+0.02)");
   EXPECT_EQ(f.AVisible(""), "");
   EXPECT_EQ(f.AVisible("[99:5]+[ImpMov]+[15:]"), "[99:5]+[ImpMov]+[15:]");
@@ -59,13 +55,13 @@ TEST_F(FormulaMF, TextOutsideCatalogueReferencesIsLeftAsItIs) {
   EXPECT_EQ(f.AGuardada(bloques), bloques);
 }
 
-TEST_F(FormulaMF, AccountsWithoutCodesWhenTheCompanyDoesNotShowThem) {
-  auto f = FormulaDemo(cn_, 2, /*codigos=*/false);
+TEST_P(FormulaMF, AccountsWithoutCodesWhenTheCompanyDoesNotShowThem) {
+  auto f = FormulaDemo(cn, 2, /*codigos=*/false);
   EXPECT_EQ(f.AVisible("[3:101]"), "Saldo al día anterior(\"Caja\")");
   EXPECT_EQ(f.AGuardada("Saldo al día anterior(\"caja\")"), "[3:101]");
 }
 
-TEST_F(FormulaMF, DemoFormulasRoundTrip) {
+TEST_P(FormulaMF, DemoFormulasRoundTrip) {
   struct Caso {
     int mov;
     std::string guardada;
@@ -88,7 +84,7 @@ TEST_F(FormulaMF, DemoFormulasRoundTrip) {
       {2, "[9:24;145;0;0]+[20:6;105;0;0]"},
   };
   for (const Caso& c : casos) {
-    auto f = FormulaDemo(cn_, c.mov);
+    auto f = FormulaDemo(cn, c.mov);
     std::string visible = f.AVisible(c.guardada);
     EXPECT_EQ(visible.find('['), std::string::npos) << visible;
     LecturaFormula r = f.LeerVisible(visible);
@@ -97,8 +93,8 @@ TEST_F(FormulaMF, DemoFormulasRoundTrip) {
   }
 }
 
-TEST_F(FormulaMF, ReadingBackIgnoresCaptionCaseAndAcceptsKeysAndDisplayTexts) {
-  auto f = FormulaDemo(cn_, 4);
+TEST_P(FormulaMF, ReadingBackIgnoresCaptionCaseAndAcceptsKeysAndDisplayTexts) {
+  auto f = FormulaDemo(cn, 4);
   EXPECT_EQ(f.AGuardada("COTIZACIÓN DEL DÍA(\"Oficial\"; \"U$S\")"), "[13:1;2]");
   EXPECT_EQ(f.AGuardada("cotización del día ( \"oficial\" ;\"dólar estadounidense (u$s)\" )"),
             "[13:1;2]");
@@ -108,8 +104,8 @@ TEST_F(FormulaMF, ReadingBackIgnoresCaptionCaseAndAcceptsKeysAndDisplayTexts) {
   EXPECT_EQ(f.AVisible("[11:Un \"dato\"]"), "Pedir valor(\"Un \"\"dato\"\"\")");
 }
 
-TEST_F(FormulaMF, FailuresGiveThePositionWhereReadingStopped) {
-  auto f = FormulaDemo(cn_, 2);
+TEST_P(FormulaMF, FailuresGiveThePositionWhereReadingStopped) {
+  auto f = FormulaDemo(cn, 2);
   // Unknown id left as typed: fails at its bracket.
   EXPECT_EQ(f.AGuardada("1+[99:5]"), ":e:3");
   // Positions count characters, not bytes ("í" and "ó" are two bytes each).
@@ -129,13 +125,13 @@ TEST_F(FormulaMF, FailuresGiveThePositionWhereReadingStopped) {
   EXPECT_EQ(f.AGuardada("Pedir valor(\"a;b\")"), ":e:14");
 }
 
-TEST_F(FormulaMF, LinesOfTheMovementBeingEdited) {
+TEST_P(FormulaMF, LinesOfTheMovementBeingEdited) {
   // Line 141 / department 1 is on movement 2, not on movement 3.
-  auto f = FormulaDemo(cn_, 3);
+  auto f = FormulaDemo(cn, 3);
   EXPECT_EQ(f.AVisible("[1:141;0;1]"), "Cuenta Ingresada(\"141;0;1\")");
   EXPECT_EQ(f.AGuardada("Cuenta Ingresada(\"5.1.01 Sueldos y jornales ADM\")"), ":e:19");
   // A new movement: the editor's lines are used.
-  auto nueva = FormulaDemo(cn_, 0);
+  auto nueva = FormulaDemo(cn, 0);
   nueva.LineasEnMemoria({{{101, 0, 0}, "1.1.01", "Caja", "", ""},
                          {{145, 2, 3}, "5.1.05", "Servicios y honorarios", "COR", "PRD"}});
   EXPECT_EQ(nueva.AVisible("[1:145;2;3]/2"),
@@ -145,8 +141,8 @@ TEST_F(FormulaMF, LinesOfTheMovementBeingEdited) {
             "[1:145;2;3]");
 }
 
-TEST_F(FormulaMF, AnotherMovementsLineIsLookedForInThatMovement) {
-  auto f = FormulaDemo(cn_, 17);
+TEST_P(FormulaMF, AnotherMovementsLineIsLookedForInThatMovement) {
+  auto f = FormulaDemo(cn, 17);
   // 113 is a line of 16, 142 is not.
   EXPECT_EQ(
       f.AGuardada("Asiento Frecuente(\"Provisión de aguinaldo\"; \"2.1.03 Sueldos a pagar\")"),
@@ -161,14 +157,16 @@ TEST_F(FormulaMF, AnotherMovementsLineIsLookedForInThatMovement) {
   EXPECT_EQ(f.AGuardada("Asiento Frecuente(\"Asiento de prueba descartado\"; \"x\")"), ":e:20");
 }
 
-TEST_F(FormulaMF, ReferencesLineAndArgumentChecks) {
+TEST(FormulaTexto, ReferencesToALine) {
   EXPECT_TRUE(ReferenciaLinea("[1:141;0;1]*0.24", {141, 0, 1}));
   EXPECT_TRUE(ReferenciaLinea("2+[1:141;;]", {141, 0, 0}));
   EXPECT_FALSE(ReferenciaLinea("[1:141;0;1]", {141, 0, 0}));
   EXPECT_FALSE(ReferenciaLinea("[2:16;141;0;1]", {141, 0, 1}));
   EXPECT_FALSE(ReferenciaLinea("[query][1:141;0;1][/query]", {141, 0, 1}));
+}
 
-  auto f = FormulaDemo(cn_, 2);
+TEST_P(FormulaMF, ArgumentChecks) {
+  auto f = FormulaDemo(cn, 2);
   EXPECT_TRUE(f.ArgumentosValidos("[1:141;0;1]+[5:101]+[13:1;2]+[10:]+[11:Sueldo]"));
   EXPECT_FALSE(f.ArgumentosValidos("[5:100]"));      // a folder
   EXPECT_FALSE(f.ArgumentosValidos("[5:201]"));      // another company's account
@@ -179,11 +177,13 @@ TEST_F(FormulaMF, ReferencesLineAndArgumentChecks) {
   EXPECT_FALSE(f.ArgumentosValidos("[5:x]"));
 }
 
-TEST_F(FormulaMF, WithoutADatabaseArgumentsAreShownAsStored) {
+TEST(FormulaTexto, WithoutADatabaseArgumentsAreShownAsStored) {
   clsFormulaMF f(nullptr, {1, 2, true});
   EXPECT_EQ(f.AVisible("[5:101]+[10:]"), "Saldo al día de hoy(\"101\")+Diferencia()");
   EXPECT_EQ(f.AGuardada("Saldo al día de hoy(\"101\")"), ":e:22");
 }
+
+KMF_INSTANTIATE_ENGINES(FormulaMF);
 
 }  // namespace
 }  // namespace kivmovfrec::formula

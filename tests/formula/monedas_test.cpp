@@ -20,19 +20,19 @@ Currency C(int64_t diezmilesimos) {
   return Currency::FromUnits(diezmilesimos);
 }
 
-class Monedas : public ::testing::Test {
+class Monedas : public testing::DemoEngineTest {
  protected:
-  void SetUp() override {
-    m_.Connect(cn_);
+  void SetUpDatabase() override {
+    DemoEngineTest::SetUpDatabase();
+    m_.Connect(cn);
     m_.MonedaContabilidad(1);
     ASSERT_TRUE(m_.Load());
   }
-  std::shared_ptr<Connection> cn_ = testing::DemoDb();
   std::shared_ptr<suite::FixedClock> reloj_ = std::make_shared<suite::FixedClock>(D(2026, 11, 18));
   clsMonedas m_{reloj_};
 };
 
-TEST_F(Monedas, CurrencyDataWithDefaultFormatsAndTheRememberedLastHit) {
+TEST_P(Monedas, CurrencyDataWithDefaultFormatsAndTheRememberedLastHit) {
   ASSERT_EQ(m_.Monedas().size(), 5u);
   EXPECT_EQ(m_.DatosMoneda(2, 2), Variant("U$S"));
   EXPECT_EQ(m_.Escaneos(), 1);
@@ -46,7 +46,7 @@ TEST_F(Monedas, CurrencyDataWithDefaultFormatsAndTheRememberedLastHit) {
   EXPECT_EQ(m_.Escaneos(), 2);
   // 0 is the accounting currency (from the company).
   clsEmpresa empresa;
-  ASSERT_TRUE(empresa.Load(1, *cn_));
+  ASSERT_TRUE(empresa.Load(1, *cn));
   m_.Empresa(empresa);
   EXPECT_EQ(m_.DatosMoneda(0, 2), Variant("$"));
   EXPECT_EQ(m_.DatosMoneda(0, 1), Variant(int16_t{1}));
@@ -56,7 +56,7 @@ TEST_F(Monedas, CurrencyDataWithDefaultFormatsAndTheRememberedLastHit) {
   EXPECT_TRUE(m_.DatosMoneda(2, 9).IsEmpty());
 }
 
-TEST_F(Monedas, TheDirectLookUpStatement) {
+TEST(MonedasSql, TheDirectLookUpStatement) {
   EXPECT_EQ(clsMonedas::SqlCotizacionDirecta(3, 2, 1, D(2026, 11, 30)),
             testing::DirectRateSql("'2026-11-30 00:00:00'", 3, 2, 1));
   EXPECT_STREQ(kSqlCotizaEn,
@@ -64,7 +64,7 @@ TEST_F(Monedas, TheDirectLookUpStatement) {
                "Not Null");
 }
 
-TEST_F(Monedas, DirectInverseAndLaterDateRules) {
+TEST_P(Monedas, DirectInverseAndLaterDateRules) {
   // Direct, on and between quotation dates.
   auto u = m_.Cotizacion(2, 1, 1, D(2026, 11, 20));
   EXPECT_EQ(u.tasa, C(14257500));
@@ -85,7 +85,7 @@ TEST_F(Monedas, DirectInverseAndLaterDateRules) {
   EXPECT_EQ(m_.Cotizacion(1, 2, 2, D(2026, 11, 25)).tasa, C(7));
 }
 
-TEST_F(Monedas, NothingFoundGivesOneDatedAsAsked) {
+TEST_P(Monedas, NothingFoundGivesOneDatedAsAsked) {
   auto u = m_.Cotizacion(2, 1, 1, D(2026, 8, 30));
   EXPECT_TRUE(u.por_defecto);
   EXPECT_EQ(u.tasa, C(10000));
@@ -98,14 +98,14 @@ TEST_F(Monedas, NothingFoundGivesOneDatedAsAsked) {
   EXPECT_EQ(f, D(2026, 1, 1));
 }
 
-TEST_F(Monedas, TheEmptyDateMeansTheClocksToday) {
+TEST_P(Monedas, TheEmptyDateMeansTheClocksToday) {
   Date f = FechaVaciaCotizacion();
   Currency t{};
   EXPECT_EQ(m_.Cotizacion(2, 1, 1, f, t), C(14257500));
   EXPECT_EQ(f, D(2026, 11, 16));
 }
 
-TEST_F(Monedas, OneHopThroughTheQuotedInCurrency) {
+TEST_P(Monedas, OneHopThroughTheQuotedInCurrency) {
   // Euro in pesos: euro in dollars times dollars in pesos, at three decimals.
   auto u = m_.Cotizacion(3, 1, 1, D(2026, 11, 30));
   EXPECT_TRUE(u.por_escala);
@@ -121,11 +121,11 @@ TEST_F(Monedas, OneHopThroughTheQuotedInCurrency) {
   EXPECT_TRUE(m_.Cotizacion(3, 4, 1, D(2026, 11, 30)).por_defecto);
 }
 
-TEST_F(Monedas, ThreeDecimalsOnlyOnTheFallBackPath) {
-  cn_->Execute(
+TEST_P(Monedas, ThreeDecimalsOnlyOnTheFallBackPath) {
+  cn->Execute(
       "INSERT INTO genMonedas (MonID, MonSimbolo, MonNombre, MonTipo, MonCotizaEn) VALUES "
       "(8, 'AAA', 'Moneda A', 1, 9), (9, 'CCC', 'Moneda C', 1, 1), (10, 'BBB', 'Moneda B', 1, 9)");
-  cn_->Execute(
+  cn->Execute(
       "INSERT INTO genCotizacionesMoneda (CMoMoneda, CMoCotizaEn, CMoTipoCotizacion, CMoFecha, "
       "CMoCompra, CMoVenta) VALUES (8, 9, 1, '2026-11-01 00:00:00', 3.1416, 3.2), "
       "(9, 1, 1, '2026-11-05 00:00:00', 1, 1), (10, 9, 1, '2026-11-01 00:00:00', 0.1234, 0.2)");
@@ -139,8 +139,8 @@ TEST_F(Monedas, ThreeDecimalsOnlyOnTheFallBackPath) {
   EXPECT_EQ(m_.Cotizacion(10, 1, 1, D(2026, 11, 15)).tasa, C(1230));
 }
 
-TEST_F(Monedas, DatabaseErrorsFallBackToOne) {
-  cn_->Execute("DROP TABLE genCotizacionesMoneda");
+TEST_P(Monedas, DatabaseErrorsFallBackToOne) {
+  cn->Execute("DROP TABLE genCotizacionesMoneda");
   auto u = m_.Cotizacion(2, 1, 1, D(2026, 11, 30));
   EXPECT_TRUE(u.por_defecto);
   EXPECT_EQ(u.tasa, C(10000));
@@ -149,6 +149,8 @@ TEST_F(Monedas, DatabaseErrorsFallBackToOne) {
   EXPECT_FALSE(sin_conexion.Load());
   EXPECT_EQ(sin_conexion.Cotizacion(2, 1, 1, D(2026, 11, 30)).tasa, C(10000));
 }
+
+KMF_INSTANTIATE_ENGINES(Monedas);
 
 }  // namespace
 }  // namespace kivmovfrec::formula

@@ -51,10 +51,13 @@ TEST(ReglasFx, ReferencesToLinesOrEntriesThatDoNotExist) {
   EXPECT_TRUE(ReglaReferenciasValidas(v));
   v[2].formula = "[1:abc]";
   EXPECT_TRUE(ReglaReferenciasValidas(v));
-  // With the database: a lookup row that does not exist.
-  auto cn = testing::DemoDb();
+}
+
+class ReglasBD : public testing::DemoEngineTest {};
+
+TEST_P(ReglasBD, ReferencesToLookupRowsThatDoNotExist) {
   auto fx = testing::FormulaDemo(cn, 2);
-  v = Sueldos();
+  auto v = Sueldos();
   EXPECT_FALSE(ReglaReferenciasValidas(v, &fx));
   v[0].formula = "[5:999]";
   EXPECT_EQ(ReglaReferenciasValidas(v, &fx)->linea, 0);
@@ -120,6 +123,8 @@ TEST(ReglasFx, TotalsSidesAndZeroAmounts) {
   EXPECT_EQ(h->linea, 1);
   EXPECT_EQ(h->mensaje, msg::kCuentasImporteCero);
 }
+
+KMF_INSTANTIATE_ENGINES(ReglasBD);
 
 }  // namespace
 }  // namespace kivmovfrec::formula
