@@ -1,4 +1,5 @@
-// ParseDate: day-first dates as people type them and ISO dates as databases return them.
+// ParseDate: day-first dates as people type them and ISO dates as databases return them;
+// ParseIsoDateTime: the exact ISO form a database stores.
 #include <optional>
 #include <string_view>
 
@@ -55,9 +56,23 @@ bool ValidDay(const DateParts& p) {
          p.day <= DaysInMonth(p.year, p.month);
 }
 
-// "h:nn" or "h:nn:ss", optionally with a fraction of a second that is dropped.
-bool ReadTime(Reader& r, DateParts& p) {
-  const auto h = r.Digits(1, 2);
+// One or more digits after a decimal point, added to `fraction` as tenths, hundredths...
+bool ReadFraction(Reader& r, double& fraction) {
+  double scale = 0.1;
+  bool any = false;
+  for (char c = r.Peek(); c >= '0' && c <= '9'; c = r.Peek()) {
+    fraction += (c - '0') * scale;
+    scale /= 10;
+    r.Take(c);
+    any = true;
+  }
+  return any;
+}
+
+// "h:nn" or "h:nn:ss" (hours with `hour_digits` to 2 digits), optionally with a fraction of a
+// second: added to `*fraction` when given, else dropped (at most nine digits then).
+bool ReadTime(Reader& r, DateParts& p, size_t hour_digits = 1, double* fraction = nullptr) {
+  const auto h = r.Digits(hour_digits, 2);
   if (!h || !r.Take(':')) return false;
   const auto n = r.Digits(2, 2);
   if (!n) return false;
@@ -66,7 +81,9 @@ bool ReadTime(Reader& r, DateParts& p) {
     const auto sec = r.Digits(2, 2);
     if (!sec) return false;
     s = *sec;
-    if (r.Take('.') && !r.Digits(1, 9)) return false;
+    if (r.Take('.') && !(fraction ? ReadFraction(r, *fraction) : r.Digits(1, 9).has_value())) {
+      return false;
+    }
   }
   if (*h > 23 || *n > 59 || s > 59) return false;
   p.hour = *h;
@@ -140,6 +157,30 @@ std::optional<Date> ParseDate(std::string_view text) {
     }
   }
   return std::nullopt;
+}
+
+std::optional<Date> ParseIsoDateTime(std::string_view text) {
+  Reader r(text);
+  DateParts p;
+  const auto y = r.Digits(4, 4);
+  if (!y || !r.Take('-')) return std::nullopt;
+  const auto m = r.Digits(2, 2);
+  if (!m || !r.Take('-')) return std::nullopt;
+  const auto d = r.Digits(2, 2);
+  if (!d) return std::nullopt;
+  p.year = *y;
+  p.month = *m;
+  p.day = *d;
+  double fraction = 0;
+  if (!r.AtEnd() &&
+      (!(r.Take(' ') || r.Take('T')) || !ReadTime(r, p, 2, &fraction) || !r.AtEnd())) {
+    return std::nullopt;
+  }
+  if (!ValidDay(p)) return std::nullopt;
+  // The day, then the time counted forward from its midnight (also before 1899-12-30).
+  const double day = MakeDate({p.year, p.month, p.day, 0, 0, 0}).serial;
+  const double time = (p.hour * 3600 + p.minute * 60 + (p.second + fraction)) / 86400;
+  return Date{day >= 0 ? day + time : day - time};
 }
 
 }  // namespace kivmovfrec::vb

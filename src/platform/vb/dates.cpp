@@ -1,5 +1,7 @@
 #include "platform/vb/dates.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -142,6 +144,12 @@ Date MakeDate(const DateParts& p) {
   }
   return FromDayTime(DayNumber(p.year, p.month, p.day),
                      int64_t{p.hour} * 3600 + int64_t{p.minute} * 60 + p.second);
+}
+
+std::string FormatIsoDateTime(Date d) {
+  const DateParts p = Split(d);
+  return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", p.year, p.month, p.day, p.hour,
+                     p.minute, p.second);
 }
 
 Date DateSerial(int year, int month, int day) {

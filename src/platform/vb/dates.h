@@ -9,6 +9,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "kivmovfrec/variant.h"
@@ -55,5 +57,14 @@ Date DateAdd(std::string_view interval, double number, Date d);
 // DateDiff: number of interval boundaries crossed from d1 to d2 (negative when d2 is earlier);
 // "w" counts whole weeks of days, "ww" the Sundays crossed.
 int64_t DateDiff(std::string_view interval, Date d1, Date d2);
+
+// Dates as databases store them in text. FormatIsoDateTime writes "yyyy-mm-dd hh:nn:ss", the
+// time rounded to the nearest second as Split does; VbError(6) outside years 100-9999.
+std::string FormatIsoDateTime(Date d);
+// Reads a stored date exactly, the strict counterpart of ParseDate's ISO form (a stored value
+// is not text typed by a person): "yyyy-mm-dd", optionally followed by " " or "T" and
+// "hh:nn", ":ss" and a fraction of a second, which is kept. Every field has its full width, no
+// blanks around. Nothing for any other text or an impossible date (2005-02-30, 24:00).
+std::optional<Date> ParseIsoDateTime(std::string_view text);
 
 }  // namespace kivmovfrec::vb
