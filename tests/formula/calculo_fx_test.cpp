@@ -305,6 +305,44 @@ TEST_P(Calculo, OtherMovementsDocumentCountsOnlyWithinTwoMinutes) {
   EXPECT_EQ(calc.Traza().lineas[0].elementos[0].documento, 601);
 }
 
+TEST_P(Calculo, AnotherMovementsVoucherLineSumsItsRowsAndTakesNullKeysAsZero) {
+  auto calc = Evaluador();
+  // Voucher 700 generated from movement 6 a minute ago: line 105 (debit side on movement 6)
+  // appears twice, once with its project and department left Null.
+  Ejecutar(
+      "Insert Into cceComprobantes (ComID, ComEmpresa, ComFecha, ComEstado, ComMovFrecuente, "
+      "ComFechaModificacion) Values (700, 1, '2026-11-10 00:00:00', 1, 6, "
+      "'2026-11-10 09:59:00')");
+  Ejecutar(
+      "Insert Into cceComprobanteCuenta (CCuIDComprobante, CCuOrden, CCuIDCuenta, CCuIDProyecto, "
+      "CCuIDDepartamento, CCuMoneda, CCuImporteCuenta, CCuDebe, CCuHaber) Values (700, 1, 105, "
+      "Null, Null, 1, 21000, 21000, 0), (700, 2, 105, 0, 0, 1, 1000, 0, 1000), (700, 3, 111, 0, "
+      "0, 1, 20000, 0, 20000)");
+  // An entry of the same movement, newer, is not a voucher and is not read.
+  Ejecutar(
+      "Insert Into cceAsientos (AsiID, AsiEmpresa, AsiNumero, AsiFecha, AsiLibro, AsiEstado, "
+      "AsiMovFrecuente, AsiFechaModificado) Values (610, 1, 610, '2026-11-10 00:00:00', 1, 1, 6, "
+      "'2026-11-10 09:59:30')");
+  Ejecutar(
+      "Insert Into cceAsientoCuenta (ACuIDAsiento, ACuOrden, ACuCuenta, ACuProyecto, "
+      "ACuDepartamento, ACuImporteMC, ACuDebe, ACuHaber) Values (610, 1, 105, 0, 0, 5, 5, 0)");
+  clsRenglonesMF r = Lineas({{101, true, "[20:6;105;0;0]*2"}, {131, false, "[10:]"}});
+  ASSERT_TRUE(calc.RecalcularFormulasMF(r, 1, true, kHoy)) << calc.Traza().lineas[0].error;
+  EXPECT_DOUBLE_EQ(Mf(r, 1), 40000);  // (21000 − 1000) × 2
+  const auto& e = calc.Traza().lineas[0].elementos[0];
+  EXPECT_EQ(e.origen, enuOrigenFx::OtroMovimiento);
+  EXPECT_EQ(e.documento, 700);
+  EXPECT_NE(e.detalle.find("comprobante 700"), std::string::npos) << e.detalle;
+  // A line the movement does not have, and one the voucher lacks.
+  clsRenglonesMF ajena = Lineas({{101, true, "[20:6;145;0;1]"}});
+  EXPECT_FALSE(calc.RecalcularFormulasMF(ajena, 1, true, kHoy));
+  Ejecutar("Delete From cceComprobanteCuenta Where CCuIDCuenta = 105");
+  clsRenglonesMF falta = Lineas({{101, true, "[20:6;105;0;0]"}});
+  EXPECT_FALSE(calc.RecalcularFormulasMF(falta, 1, true, kHoy));
+  EXPECT_NE(calc.Traza().lineas[0].error.find("no tiene la línea"), std::string::npos)
+      << calc.Traza().lineas[0].error;
+}
+
 TEST_P(Calculo, APlainNumberNeverReachesTheScriptHost) {
   auto calc = Evaluador();
   int llamadas = 0;
