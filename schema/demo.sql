@@ -1,4 +1,4 @@
--- Demo company (SQLite).
+-- Demo company: portable SQL, run as it is on every engine (SQLite and PostgreSQL).
 --
 -- Deterministic demo data: two companies, a small Argentine-style chart of accounts, currencies
 -- and rates, users and rights, posted entries with known balances, and frequent movements of

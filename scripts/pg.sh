@@ -6,8 +6,6 @@
 #                               postgresql://postgres@127.0.0.1:PORT/kmf_test
 #                               /tmp/kmf_pg.XXXXXX   (the folder, for stop)
 #   scripts/pg.sh stop DIR    stops that cluster and removes its folder
-#   scripts/pg.sh demo-sql    writes schema/postgresql/demo.sql from schema/sqlite/demo.sql (the
-#                             demo data is portable SQL; only the first line differs)
 #
 # Authentication is "trust" for local connections: the cluster holds test data only and accepts
 # connections from this machine alone. When run as root, the server runs as the OS user
@@ -113,18 +111,8 @@ stop() {
   rm -rf "$dir"
 }
 
-demo_sql() {
-  local root
-  root="$(cd "$(dirname "$0")/.." && pwd)"
-  {
-    echo "-- Demo company (PostgreSQL): written by scripts/pg.sh demo-sql from schema/sqlite/demo.sql."
-    tail -n +2 "$root/schema/sqlite/demo.sql"
-  } >"$root/schema/postgresql/demo.sql"
-}
-
 case "${1:-}" in
   start) start ;;
   stop) stop "${2:-}" ;;
-  demo-sql) demo_sql ;;
-  *) die "usage: pg.sh start | pg.sh stop DIR | pg.sh demo-sql" ;;
+  *) die "usage: pg.sh start | pg.sh stop DIR" ;;
 esac

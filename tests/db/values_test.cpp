@@ -1,11 +1,15 @@
 // Values through every engine's adapter: each Variant subtype written and read back, NULLs,
-// dates, names resolved without regard to case, errors that carry the statement.
+// dates (and the text they are stored as), names resolved without regard to case, errors that
+// carry the statement.
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
 
 #include "kivmovfrec/db.h"
+#include "platform/db/sql_tokens.h"
+#include "platform/vb/convert.h"
+#include "platform/vb/dates.h"
 #include "support/db_engines.h"
 
 namespace kivmovfrec {
@@ -152,6 +156,49 @@ TEST_P(Values, EngineErrorsCarryTheMessageAndTheStatement) {
 }
 
 KMF_INSTANTIATE_ENGINES(Values);
+
+// SQLite only (a plain TEST_F on the engine fixture): it stores dates as ISO text and reads them
+// back as dates only from columns declared as dates; other text stays as it is.
+TEST_F(Values, SqliteKeepsDatesAsIsoTextAndReadsThemOnlyFromDateColumns) {
+  RoundTrip("ValFecha", Date{kAug2nd2005 + 0.5});
+  cn->Execute(
+      "Insert Into Valores (ValID, ValFecha, ValTexto) Values (7, 'pronto', "
+      "'2005-08-02 12:00:00')");
+  auto rs = cn->OpenResultset(
+      "Select ValFecha, substr(ValFecha, 1) As Texto, ValTexto From Valores Order By ValID");
+  EXPECT_EQ(rs->Get("ValFecha"), Variant(Date{kAug2nd2005 + 0.5}));
+  EXPECT_EQ(rs->Get("Texto"), Variant("2005-08-02 12:00:00"));
+  rs->MoveNext();
+  EXPECT_EQ(rs->Get("ValFecha"), Variant("pronto"));  // not a date: left as text
+  EXPECT_EQ(rs->Get("ValTexto"), Variant("2005-08-02 12:00:00"));
+}
+
+// The text form dates are stored in, and its strict reading.
+TEST(StoredDates, FormatAndStrictParse) {
+  EXPECT_EQ(sql::StoredDateText(Date{kAug2nd2005 + 0.5}), "2005-08-02 12:00:00");
+  EXPECT_EQ(sql::StoredDateText(Date{-1.25}), "1899-12-29 06:00:00");
+  EXPECT_EQ(sql::StoredDateText(Date{kAug2nd2005 + 86399.7 / 86400}), "2005-08-03 00:00:00");
+  EXPECT_THROW(sql::StoredDateText(Date{3e7}), DbError);
+  EXPECT_THROW(sql::StoredDateText(Date{-700000}), DbError);  // before year 100
+
+  EXPECT_EQ(vb::ParseIsoDateTime("2005-08-02"), Date{kAug2nd2005});
+  EXPECT_EQ(vb::ParseIsoDateTime("1899-12-29 06:00:00"), Date{-1.25});
+  EXPECT_EQ(vb::ParseIsoDateTime("2005-08-02T12:00"), Date{kAug2nd2005 + 0.5});
+  // Fractions of a second are kept, also before the epoch (time counted forward).
+  auto frac = vb::ParseIsoDateTime("2005-08-02 00:00:01.5");
+  ASSERT_TRUE(frac);
+  EXPECT_DOUBLE_EQ(frac->serial, kAug2nd2005 + 1.5 / 86400);
+  auto early = vb::ParseIsoDateTime("1899-12-29 06:00:00.25");
+  ASSERT_TRUE(early);
+  EXPECT_DOUBLE_EQ(early->serial, -1.25 - 0.25 / 86400);
+  // Text a person might type (and vb::ParseDate accepts) is not a stored date.
+  for (const char* bad : {"2005-02-30", "02/08/2005", "2005-08-02 24:00:00", "2005-08-02 10",
+                          "2005-08-02 10:00:00x", "2005-8-2", "", " 2005-08-02", "2005-08-02 9:00",
+                          "2005-08-02  09:00", "2005-08-02 09:00:00.", "0099-12-31"}) {
+    EXPECT_FALSE(vb::ParseIsoDateTime(bad)) << bad;
+  }
+  EXPECT_TRUE(vb::ParseDate("2005-08-02 9:00"));
+}
 
 }  // namespace
 }  // namespace kivmovfrec

@@ -13,6 +13,7 @@
 #include "platform/vb/convert.h"
 #include "suite/suite_db.h"
 #include "support/child_processes.h"
+#include "support/faulty_connection.h"
 
 namespace kivmovfrec {
 namespace {
@@ -113,48 +114,6 @@ TEST_P(Counter, IncrementAndReadAreOneUnit) {
   EXPECT_EQ(other, 7);  // it waited for the first draw to end
 }
 
-// Forwards to a real connection; the k-th statement or commit (1-based) throws instead.
-class FailingAt : public Connection {
- public:
-  FailingAt(std::shared_ptr<Connection> inner, int fail_at)
-      : inner_(std::move(inner)), fail_at_(fail_at) {}
-  bool failed() const { return failed_; }
-
-  Engine engine() const override { return inner_->engine(); }
-  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
-    Tick();
-    return inner_->OpenResultset(sql);
-  }
-  std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
-    Tick();
-    return inner_->OpenReadOnly(sql);
-  }
-  int64_t Execute(std::string_view sql) override {
-    Tick();
-    return inner_->Execute(sql);
-  }
-  void BeginTrans() override { inner_->BeginTrans(); }
-  void CommitTrans() override {
-    Tick();
-    inner_->CommitTrans();
-  }
-  void RollbackTrans() override { inner_->RollbackTrans(); }
-  bool InTransaction() const override { return inner_->InTransaction(); }
-  std::string Translate(std::string_view sql) const override { return inner_->Translate(sql); }
-
- private:
-  void Tick() {
-    if (++count_ == fail_at_) {
-      failed_ = true;
-      throw DbError("fallo provocado");
-    }
-  }
-  std::shared_ptr<Connection> inner_;
-  int fail_at_;
-  int count_ = 0;
-  bool failed_ = false;
-};
-
 TEST_P(Counter, AFailingStatementGivesMinusOneAndChangesNothing) {
   auto real = cn;
   // Once with the row present and once without it, each statement of the draw fails in turn.
@@ -162,7 +121,7 @@ TEST_P(Counter, AFailingStatementGivesMinusOneAndChangesNothing) {
     real->Execute("Delete From genContadores");
     if (seeded) real->Execute("Insert Into genContadores Values ('genRecurrencias', 5)");
     for (int fail_at = 1;; ++fail_at) {
-      FailingAt failing(real, fail_at);
+      testing::FaultyConnection failing(real, fail_at);
       const int32_t value = suite::DrawTableCounter(failing, "genRecurrencias");
       EXPECT_FALSE(real->InTransaction());
       if (!failing.failed()) {

@@ -45,10 +45,10 @@ void RunSqlFile(Connection& cn, const std::string& path) {
 }
 
 void InstallSuiteTables(Connection& cn, bool demo) {
-  const std::string dir = std::string(KMF_SOURCE_DIR) + "/schema/" +
-                          (cn.engine() == Engine::PostgreSQL ? "postgresql" : "sqlite");
-  RunSqlFile(cn, dir + "/schema.sql");
-  if (demo) RunSqlFile(cn, dir + "/demo.sql");
+  const std::string dir = std::string(KMF_SOURCE_DIR) + "/schema/";
+  RunSqlFile(cn,
+             dir + (cn.engine() == Engine::PostgreSQL ? "postgresql" : "sqlite") + "/schema.sql");
+  if (demo) RunSqlFile(cn, dir + "demo.sql");
 }
 
 }  // namespace kivmovfrec::testing

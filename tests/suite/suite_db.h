@@ -15,7 +15,7 @@ namespace kivmovfrec::testing {
 void RunSqlFile(Connection& cn, const std::string& path);
 
 // Creates the suite tables from schema/<engine>/schema.sql and, when asked, loads the demo
-// company from schema/<engine>/demo.sql.
+// company from schema/demo.sql.
 void InstallSuiteTables(Connection& cn, bool demo = false);
 
 // An engine test whose database holds the suite tables (no rows).

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "kivmovfrec/db.h"
+#include "platform/vb/dates.h"
 
 namespace kivmovfrec::sql {
 
@@ -166,6 +167,25 @@ std::vector<size_t> MatchParentheses(const std::vector<Token>& tokens, std::stri
     throw DbError(fmt::format("Paréntesis sin cerrar en la sentencia SQL: {}", sql));
   }
   return match;
+}
+
+std::string QuoteName(std::string_view name) {
+  std::string out = "\"";
+  for (char c : name) {
+    out += c;
+    if (c == '"') out += '"';
+  }
+  out += '"';
+  return out;
+}
+
+std::string StoredDateText(Date d) {
+  try {
+    return vb::FormatIsoDateTime(d);
+  } catch (const VbError&) {
+    throw DbError(
+        fmt::format("Fecha fuera del intervalo admitido (años 100 a 9999): {}", d.serial));
+  }
 }
 
 }  // namespace kivmovfrec::sql

@@ -1,4 +1,5 @@
-// A small SQL tokenizer shared by the dialect translation and the adapters.
+// A small SQL tokenizer shared by the dialect translation and the adapters, and the spelling of
+// names and dates that both adapters write.
 //
 // It knows just enough of SQL to find statement structure without being fooled by text: string
 // literals ('...' with '' as an escaped quote), quoted names ("...", [...], `...`), numbers,
@@ -8,8 +9,11 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
+
+#include "kivmovfrec/variant.h"
 
 namespace kivmovfrec::sql {
 
@@ -39,6 +43,13 @@ TokenList Tokenize(std::string_view sql);
 
 // ASCII case-insensitive comparison, as the engines resolve names.
 bool EqualsNoCase(std::string_view a, std::string_view b);
+
+// `name` as a quoted identifier ("name", inner quotes doubled), as both engines read it.
+std::string QuoteName(std::string_view name);
+
+// A date as both adapters store it in text (vb::FormatIsoDateTime). Throws DbError for a date
+// outside years 100-9999.
+std::string StoredDateText(Date d);
 
 // True when the token is the word `keyword` (compared without regard to case).
 bool IsKeyword(const Token& t, std::string_view keyword);

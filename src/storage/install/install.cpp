@@ -22,7 +22,7 @@ void Install(Connection& cn, const InstallOptions& opts) {
   const bool pg = cn.engine() == Engine::PostgreSQL;
   install::RunScript(cn, "schema.sql", pg ? embedded::schema_postgresql : embedded::schema_sqlite);
   if (opts.demo && !CompanyExists(cn, 1)) {
-    install::RunScript(cn, "demo.sql", pg ? embedded::demo_postgresql : embedded::demo_sqlite);
+    install::RunScript(cn, "demo.sql", embedded::demo);
   }
 }
 

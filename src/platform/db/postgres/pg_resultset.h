@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kivmovfrec/db.h"
+#include "platform/db/materialised_resultset.h"
 #include "platform/db/postgres/pg_session.h"
 
 namespace kivmovfrec::postgres {
@@ -24,11 +25,9 @@ inline constexpr const char* kCtidAlias = "kmf_ctid__";
 // key (genRenglonMovFrecuentes has none) is identified by the row version's ctid instead; a
 // ctid changes whenever the row is updated, so when anything else updated or deleted the row
 // after the set read it, Update and Delete find nothing and throw DbError, writing nothing.
-struct WriteTarget {
-  std::string table;                 // as written in the statement, for messages
-  std::string qualified;             // schema-qualified and quoted, for the statements written
-  std::vector<std::string> columns;  // the table's columns in table order (`Select *` order)
-  std::vector<size_t> key;           // positions of the primary key columns; empty = ctid
+struct WriteTarget : sql::TableColumns {
+  std::string qualified;    // schema-qualified and quoted, for the statements written
+  std::vector<size_t> key;  // positions of the primary key columns; empty = ctid
 };
 
 // Reads every row of `result` at once. With a ctid target, the result's first column is the

@@ -138,14 +138,4 @@ std::string SqlState(const PGresult* result) {
   return code ? code : "";
 }
 
-std::string QuoteName(std::string_view name) {
-  std::string out = "\"";
-  for (char c : name) {
-    out += c;
-    if (c == '"') out += '"';
-  }
-  out += '"';
-  return out;
-}
-
 }  // namespace kivmovfrec::postgres

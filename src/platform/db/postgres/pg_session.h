@@ -69,7 +69,4 @@ class Session {
 // SQLSTATE of a failed result ("" when there is none).
 std::string SqlState(const PGresult* result);
 
-// `name` quoted as a PostgreSQL identifier.
-std::string QuoteName(std::string_view name);
-
 }  // namespace kivmovfrec::postgres

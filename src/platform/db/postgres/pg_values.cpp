@@ -10,7 +10,8 @@
 #include <type_traits>
 
 #include "kivmovfrec/db.h"
-#include "platform/db/iso_date.h"
+#include "platform/db/sql_tokens.h"
+#include "platform/vb/dates.h"
 
 namespace kivmovfrec::postgres {
 
@@ -40,7 +41,7 @@ Variant FractionalNumber(std::string_view text) {
 }
 
 Variant DateTime(std::string_view text) {
-  if (auto d = db::ParseIsoDateTime(text)) return Variant(*d);
+  if (auto d = vb::ParseIsoDateTime(text)) return Variant(*d);
   return Variant(std::string(text));
 }
 
@@ -52,7 +53,7 @@ Variant DateTimeWithZone(std::string_view text) {
 }
 
 Variant TimeOfDay(std::string_view text) {
-  if (auto d = db::ParseIsoDateTime("1899-12-30 " + std::string(text))) return Variant(*d);
+  if (auto d = vb::ParseIsoDateTime("1899-12-30 " + std::string(text))) return Variant(*d);
   return Variant(std::string(text));
 }
 
@@ -130,7 +131,7 @@ std::optional<std::string> ToParam(const Variant& value) {
         } else if constexpr (std::is_same_v<T, Currency>) {
           return CurrencyText(v);
         } else if constexpr (std::is_same_v<T, Date>) {
-          return db::FormatIsoDateTime(v);
+          return sql::StoredDateText(v);
         } else if constexpr (std::is_same_v<T, std::string>) {
           return v;
         } else {

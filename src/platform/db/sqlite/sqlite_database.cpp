@@ -8,9 +8,9 @@
 
 #include "kivmovfrec/db.h"
 #include "platform/db/dialect.h"
-#include "platform/db/iso_date.h"
 #include "platform/db/sql_tokens.h"
 #include "platform/db/sqlite/sqlite_like.h"
+#include "platform/vb/dates.h"
 
 namespace kivmovfrec::sqlite {
 
@@ -101,7 +101,7 @@ void Statement::Bind(int index, const Variant& value) {
         } else if constexpr (std::is_same_v<T, Currency>) {
           return sqlite3_bind_double(s, index, v.ToDouble());
         } else if constexpr (std::is_same_v<T, Date>) {
-          std::string text = db::FormatIsoDateTime(v);
+          std::string text = sql::StoredDateText(v);
           return sqlite3_bind_text(s, index, text.data(), static_cast<int>(text.size()),
                                    SQLITE_TRANSIENT);
         } else if constexpr (std::is_same_v<T, std::string>) {
@@ -153,21 +153,11 @@ Variant ReadValue(sqlite3_stmt* stmt, int index, bool date_column) {
       const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt, index));
       std::string text(p ? p : "", static_cast<size_t>(sqlite3_column_bytes(stmt, index)));
       if (date_column) {
-        if (auto d = db::ParseIsoDateTime(text)) return Variant(*d);
+        if (auto d = vb::ParseIsoDateTime(text)) return Variant(*d);
       }
       return Variant(std::move(text));
     }
   }
-}
-
-std::string QuoteName(std::string_view name) {
-  std::string out = "\"";
-  for (char c : name) {
-    out += c;
-    if (c == '"') out += '"';
-  }
-  out += '"';
-  return out;
 }
 
 }  // namespace kivmovfrec::sqlite

@@ -71,7 +71,4 @@ std::vector<ColumnInfo> ReadColumns(sqlite3_stmt* stmt);
 // The value of column `index` of the current row, mapped as described in sqlite_connection.h.
 Variant ReadValue(sqlite3_stmt* stmt, int index, bool date_column);
 
-// `name` quoted as an SQLite identifier.
-std::string QuoteName(std::string_view name);
-
 }  // namespace kivmovfrec::sqlite

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kivmovfrec/db.h"
+#include "platform/db/materialised_resultset.h"
 #include "platform/db/sqlite/sqlite_database.h"
 
 namespace kivmovfrec::sqlite {
@@ -15,12 +16,8 @@ namespace kivmovfrec::sqlite {
 // Name of the hidden column that carries each row's rowid in an updatable set.
 inline constexpr const char* kRowidAlias = "kmf_rowid__";
 
-// The table behind an updatable set: its name and its columns as declared, in table order
-// (the order of `Select *`).
-struct WriteTarget {
-  std::string table;
-  std::vector<std::string> columns;
-};
+// The table behind an updatable set; its rows are found again by rowid.
+using WriteTarget = sql::TableColumns;
 
 // Reads every row of `stmt` at once. With a target, the statement's first column is the rowid
 // (kRowidAlias), hidden from the reader, and the remaining columns are the table's.
