@@ -10,30 +10,15 @@ namespace kivmovfrec::script {
 
 namespace {
 
-Variant CIntF(std::span<Variant> a, const CallContext& cx) {
-  return Variant(vb::CInt(a[0], cx.loc));
+// CInt CLng CByte CDbl CSng CCur CBool: the vb conversion in the script's locale.
+template <auto Convert>
+Variant ConvertF(std::span<Variant> a, const CallContext& cx) {
+  return Variant(Convert(a[0], cx.loc));
 }
-Variant CLngF(std::span<Variant> a, const CallContext& cx) {
-  return Variant(vb::CLng(a[0], cx.loc));
-}
-Variant CByteF(std::span<Variant> a, const CallContext& cx) {
-  return Variant(vb::CByte(a[0], cx.loc));
-}
-Variant CDblF(std::span<Variant> a, const CallContext& cx) {
-  return Variant(vb::CDbl(a[0], cx.loc));
-}
-Variant CSngF(std::span<Variant> a, const CallContext& cx) {
-  return Variant(vb::CSng(a[0], cx.loc));
-}
-Variant CCurF(std::span<Variant> a, const CallContext& cx) {
-  return Variant(vb::CCur(a[0], cx.loc));
-}
+
 Variant CStrF(std::span<Variant> a, const CallContext& cx) {
   if (a[0].IsString()) return std::move(a[0]);
   return Variant(vb::CStr(a[0], cx.loc));
-}
-Variant CBoolF(std::span<Variant> a, const CallContext& cx) {
-  return Variant(vb::CBool(a[0], cx.loc));
 }
 Variant CDateF(std::span<Variant> a, const CallContext&) {
   return Variant(vb::CDate(a[0]));
@@ -91,14 +76,14 @@ Variant VarTypeF(std::span<Variant> a, const CallContext&) {
 }
 
 const Builtin kConvert[] = {
-    {"CInt", 1, 1, 0, CIntF},
-    {"CLng", 1, 1, 0, CLngF},
-    {"CByte", 1, 1, 0, CByteF},
-    {"CDbl", 1, 1, 0, CDblF},
-    {"CSng", 1, 1, 0, CSngF},
-    {"CCur", 1, 1, 0, CCurF},
+    {"CInt", 1, 1, 0, ConvertF<vb::CInt>},
+    {"CLng", 1, 1, 0, ConvertF<vb::CLng>},
+    {"CByte", 1, 1, 0, ConvertF<vb::CByte>},
+    {"CDbl", 1, 1, 0, ConvertF<vb::CDbl>},
+    {"CSng", 1, 1, 0, ConvertF<vb::CSng>},
+    {"CCur", 1, 1, 0, ConvertF<vb::CCur>},
     {"CStr", 1, 1, 0, CStrF},
-    {"CBool", 1, 1, 0, CBoolF},
+    {"CBool", 1, 1, 0, ConvertF<vb::CBool>},
     {"CDate", 1, 1, 0, CDateF},
     {"IsNumeric", 1, 1, 0, IsNumericF},
     {"IsDate", 1, 1, 0, IsDateF},

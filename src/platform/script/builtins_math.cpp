@@ -1,6 +1,7 @@
 // Numeric functions: Abs Int Fix Round Sgn Sqr Log Exp Atn Sin Cos Tan Hex Oct.
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "platform/script/builtins.h"
@@ -11,9 +12,9 @@ namespace kivmovfrec::script {
 
 namespace {
 
-// Int (toward minus infinity) and Fix (toward zero), keeping the subtype.
-Variant WholePart(const Variant& v, const vb::Locale& loc, bool toward_minus_infinity) {
-  auto round = [&](double x) { return toward_minus_infinity ? std::floor(x) : std::trunc(x); };
+// Null, Empty, Boolean and the whole-number subtypes are their own whole part and their own
+// rounding: Null stays Null, Empty and Boolean become the Integer 0 / -1. Nothing for the rest.
+std::optional<Variant> AlreadyWhole(const Variant& v) {
   switch (KindOf(v)) {
     case kNull:
       return Variant::Null();
@@ -25,6 +26,16 @@ Variant WholePart(const Variant& v, const vb::Locale& loc, bool toward_minus_inf
     case kInt:
     case kLong:
       return v;
+    default:
+      return std::nullopt;
+  }
+}
+
+// Int (toward minus infinity) and Fix (toward zero), keeping the subtype.
+Variant WholePart(const Variant& v, const vb::Locale& loc, bool toward_minus_infinity) {
+  auto round = [&](double x) { return toward_minus_infinity ? std::floor(x) : std::trunc(x); };
+  if (auto whole = AlreadyWhole(v)) return *whole;
+  switch (KindOf(v)) {
     case kSingle:
       return Variant(static_cast<float>(round(v.AsSingle())));
     case kCur: {
@@ -85,17 +96,8 @@ Variant Round(std::span<Variant> a, const CallContext& cx) {
     if (n < 0) throw VbError(5);
     digits = n > 30 ? 30 : n;
   }
+  if (auto whole = AlreadyWhole(v)) return *whole;
   switch (KindOf(v)) {
-    case kNull:
-      return Variant::Null();
-    case kEmpty:
-      return Variant(int16_t{0});
-    case kBool:
-      return Variant(static_cast<int16_t>(v.AsBool() ? -1 : 0));
-    case kByte:
-    case kInt:
-    case kLong:
-      return v;
     case kSingle:
       return Variant(static_cast<float>(vb::RoundHalfEven(v.AsSingle(), digits)));
     case kCur: {

@@ -34,9 +34,11 @@ inline Kind KindOf(const Variant& v) {
 // Largest string the engine builds (String, Space, &, Replace...); beyond it error 7.
 inline constexpr size_t kMaxStringBytes = size_t{64} << 20;
 
+// The engine's coercions are vb::CDbl, vb::CLng and vb::CStr, except that an object (or Nothing)
+// is always a type mismatch (13): script objects have no default value to read.
 // Empty 0, Boolean -1/0, numbers, Date serial, numeric text in the locale. Null -> 94.
 double ToDouble(const Variant& v, const vb::Locale& loc);
-// ToDouble rounded half to even into the Long range (else 6).
+// vb::CLng: rounded half to even into the Long range (else 6).
 int32_t ToLongRounded(const Variant& v, const vb::Locale& loc);
 // ToLongRounded, for counts and positions of the text functions.
 inline int64_t ToCount(const Variant& v, const vb::Locale& loc) {

@@ -26,21 +26,6 @@ bool IsWholeKind(Kind k) {
   return k == kEmpty || k == kBool || k == kByte || k == kInt || k == kLong;
 }
 
-int64_t WholeValue(const Variant& v) {
-  switch (KindOf(v)) {
-    case kBool:
-      return v.AsBool() ? -1 : 0;
-    case kByte:
-      return v.AsByte();
-    case kInt:
-      return v.AsInteger();
-    case kLong:
-      return v.AsLong();
-    default:
-      return 0;
-  }
-}
-
 // Result subtype of + - * for two operands that are numeric, Empty or Boolean.
 Kind Promote(Kind x, Kind y, OpCode op) {
   if (x == kDate || y == kDate) {
@@ -130,7 +115,7 @@ void Arithmetic(OpCode op, Variant& a, const Variant& b, const vb::Locale& loc) 
     case kByte:
     case kInt:
     case kLong: {
-      const int64_t x = WholeValue(a), y = WholeValue(*pb);
+      const int64_t x = ToLongRounded(a, loc), y = ToLongRounded(*pb, loc);
       const int64_t r = op == OpCode::Add ? x + y : op == OpCode::Sub ? x - y : x * y;
       a = FitWhole(r, result);
       return;
@@ -420,10 +405,10 @@ void ApplyNegate(Variant& a, const vb::Locale& loc) {
     case kBool:
     case kByte:
     case kInt:
-      a = FitWhole(-WholeValue(a), kInt);
+      a = FitWhole(-int64_t{ToLongRounded(a, loc)}, kInt);
       return;
     case kLong:
-      a = FitWhole(-WholeValue(a), kLong);
+      a = FitWhole(-int64_t{ToLongRounded(a, loc)}, kLong);
       return;
     case kSingle:
       a = Variant(-a.AsSingle());
