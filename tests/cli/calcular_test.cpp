@@ -1,76 +1,39 @@
 // movfrec calcular / leyenda / formula, run as a script would run them, on a fresh demo
 // database per test.
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "cli_db.h"
+
 namespace {
+
+using kmf_cli::Has;
+using kmf_cli::Result;
 
 using Json = nlohmann::ordered_json;
 
-struct Result {
-  int status = -1;
-  std::string out;
-  std::string err;
-};
-
-std::string Slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  std::remove(path.c_str());
-  return text.str();
-}
-
-std::string Quote(const std::string& arg) {
-  std::string q = "'";
-  for (char c : arg) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
-
-bool Has(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
+// A fresh SQLite demo database per test.
 class Calcular : public ::testing::Test {
  protected:
   void SetUp() override {
-    static int serial = 0;
-    base_ = ::testing::TempDir() + "movfrec_calc_" + std::to_string(getpid()) + "_" +
-            std::to_string(serial++);
-    db_ = "sqlite:" + base_ + ".db";
     const Result init = Run({"init", "--demo"});
     ASSERT_EQ(init.status, 0) << init.err;
   }
-  void TearDown() override {
-    for (const char* suffix : {".db", ".db-wal", ".db-shm"}) std::remove((base_ + suffix).c_str());
-  }
 
-  // movfrec --db <test db> --hoy 2026-11-10 `args`, standard input closed.
+  // movfrec --db <test db> --hoy 2026-11-10 `args`.
   Result Run(const std::vector<std::string>& args) {
-    std::string cmd = "env -u MOVFREC_DB " + Quote(std::string(KMF_BINARY_DIR) + "/cli/movfrec") +
-                      " --db " + Quote(db_) + " --hoy 2026-11-10";
-    for (const auto& a : args) cmd += " " + Quote(a);
-    cmd += " < /dev/null > " + Quote(base_ + ".out") + " 2> " + Quote(base_ + ".err");
-    const int raw = std::system(cmd.c_str());
-    Result r;
-    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    r.out = Slurp(base_ + ".out");
-    r.err = Slurp(base_ + ".err");
-    return r;
+    std::vector<std::string> all = {"--db", db_.uri(), "--hoy", "2026-11-10"};
+    all.insert(all.end(), args.begin(), args.end());
+    return kmf_cli::RunMovfrec(base_, all);
   }
 
-  std::string base_;
-  std::string db_;
+  std::string base_ = kmf_cli::UniqueBase("movfrec_calc");
+  kmf_cli::CliDatabase db_{kmf_cli::Motor::SQLite, base_};
 };
 
 TEST_F(Calcular, TraceOfTheDemoMovementShowsABalancedEntryAndWhereEveryValueCameFrom) {

@@ -6,12 +6,17 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
+#include <memory>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace kmf_cli {
 
@@ -25,6 +30,49 @@ inline std::string Quote(const std::string& arg) {
   std::string q = "'";
   for (char c : arg) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
   return q + "'";
+}
+
+inline bool Has(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+// The whole content of a file, which is then removed unless `remove` is false.
+inline std::string Slurp(const std::string& path, bool remove = true) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  if (remove) std::remove(path.c_str());
+  return text.str();
+}
+
+// How one run of movfrec ended: exit status (-1 when it did not exit) and its two outputs.
+struct Result {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+// Runs the movfrec binary with `args`, standard input closed, MOVFREC_DB set to `env_db` (unset
+// when empty). The outputs pass through the files `base`.out and `base`.err.
+inline Result RunMovfrec(const std::string& base, const std::vector<std::string>& args,
+                         const std::string& env_db = "") {
+  std::string cmd = env_db.empty() ? "env -u MOVFREC_DB " : "env MOVFREC_DB=" + Quote(env_db) + " ";
+  cmd += Quote(std::string(KMF_BINARY_DIR) + "/cli/movfrec");
+  for (const auto& a : args) cmd += " " + Quote(a);
+  cmd += " < /dev/null > " + Quote(base + ".out") + " 2> " + Quote(base + ".err");
+  const int raw = std::system(cmd.c_str());
+  Result r;
+  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+  r.out = Slurp(base + ".out");
+  r.err = Slurp(base + ".err");
+  return r;
+}
+
+// A path prefix in the temporary folder no other test of this process uses.
+inline std::string UniqueBase(const std::string& name) {
+  static int serial = 0;
+  return ::testing::TempDir() + name + "_" + std::to_string(::getpid()) + "_" +
+         std::to_string(serial++);
 }
 
 inline std::string ServidorPostgres() {
@@ -108,6 +156,28 @@ class CliDatabase {
   std::string schema_;
   std::string uri_;
   bool creado_ = false;
+};
+
+// A test run once per engine on a fresh, empty database (`db_` is its URI); skipped when the
+// engine is not available in this run.
+class MotorTest : public ::testing::TestWithParam<Motor> {
+ protected:
+  void SetUp() override {
+    if (const std::string motivo = MotivoParaSaltar(GetParam()); !motivo.empty()) {
+      GTEST_SKIP() << motivo;
+    }
+    base_ = UniqueBase("movfrec");
+    db_obj_ = std::make_unique<CliDatabase>(GetParam(), base_);
+    ASSERT_TRUE(db_obj_->ok()) << "no se pudo preparar la base de prueba";
+    db_ = db_obj_->uri();
+  }
+  // True when SetUp skipped the test or could not prepare the database.
+  bool NoPreparada() const { return IsSkipped() || HasFatalFailure(); }
+  bool postgres() const { return GetParam() == Motor::PostgreSQL; }
+
+  std::string base_;
+  std::unique_ptr<CliDatabase> db_obj_;
+  std::string db_;
 };
 
 }  // namespace kmf_cli

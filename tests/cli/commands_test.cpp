@@ -1,15 +1,9 @@
 // movfrec ver / exportar / importar / estado / borrar / realizar / agenda, run as a script would
 // run them, on a fresh demo database per test.
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -20,39 +14,17 @@
 
 namespace {
 
-using kmf_cli::CliDatabase;
-using kmf_cli::Motor;
-using kmf_cli::Quote;
+using kmf_cli::Result;
+using kmf_cli::Slurp;
 
 using Json = nlohmann::ordered_json;
 
-struct Result {
-  int status = -1;
-  std::string out;
-  std::string err;
-};
-
-std::string Slurp(const std::string& path, bool remove = true) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  if (remove) std::remove(path.c_str());
-  return text.str();
-}
-
 // Each test runs on a fresh demo database of each engine.
-class MovfrecComandos : public ::testing::TestWithParam<Motor> {
+class MovfrecComandos : public kmf_cli::MotorTest {
  protected:
   void SetUp() override {
-    if (const std::string motivo = kmf_cli::MotivoParaSaltar(GetParam()); !motivo.empty()) {
-      GTEST_SKIP() << motivo;
-    }
-    static int serial = 0;
-    base_ = ::testing::TempDir() + "movfrec_cmd_" + std::to_string(getpid()) + "_" +
-            std::to_string(serial++);
-    db_obj_ = std::make_unique<CliDatabase>(GetParam(), base_);
-    ASSERT_TRUE(db_obj_->ok()) << "no se pudo preparar la base de prueba";
-    db_ = db_obj_->uri();
+    MotorTest::SetUp();
+    if (NoPreparada()) return;
     const Result init = Run({"init", "--demo"});
     ASSERT_EQ(init.status, 0) << init.err;
   }
@@ -60,20 +32,11 @@ class MovfrecComandos : public ::testing::TestWithParam<Motor> {
     for (const char* suffix : {".json", ".ics"}) std::remove((base_ + suffix).c_str());
   }
 
-  // Runs movfrec --db <test db> --hoy 2026-11-10 `args`, standard input closed.
+  // Runs movfrec --db <test db> --hoy 2026-11-10 `args`.
   Result Run(const std::vector<std::string>& args) {
-    std::string cmd = "env -u MOVFREC_DB " + Quote(std::string(KMF_BINARY_DIR) + "/cli/movfrec") +
-                      " --db " + Quote(db_) + " --hoy 2026-11-10";
-    for (const auto& a : args) cmd += " " + Quote(a);
-    const std::string out = base_ + ".out";
-    const std::string err = base_ + ".err";
-    cmd += " < /dev/null > " + Quote(out) + " 2> " + Quote(err);
-    const int raw = std::system(cmd.c_str());
-    Result r;
-    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    r.out = Slurp(out);
-    r.err = Slurp(err);
-    return r;
+    std::vector<std::string> all = {"--db", db_, "--hoy", "2026-11-10"};
+    all.insert(all.end(), args.begin(), args.end());
+    return kmf_cli::RunMovfrec(base_, all);
   }
 
   Json RunJson(const std::vector<std::string>& args) {
@@ -94,13 +57,8 @@ class MovfrecComandos : public ::testing::TestWithParam<Motor> {
 
   // Runs SQL on the test database through the engine's shell; false when there is none.
   bool Sql(const std::string& sql) { return db_obj_->Sql(sql); }
-  bool postgres() const { return GetParam() == Motor::PostgreSQL; }
 
   size_t Movements() { return RunJson({"listar"}).size(); }
-
-  std::string base_;
-  std::unique_ptr<CliDatabase> db_obj_;
-  std::string db_;
 };
 
 // A voucher with a monthly schedule that ends, a notice lead and a postponement, and two lines:

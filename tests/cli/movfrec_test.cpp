@@ -1,10 +1,4 @@
 // The movfrec binary, run as a person or a script would run it.
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <memory>
 #include <regex>
 #include <sstream>
@@ -20,36 +14,11 @@ namespace {
 
 using kmf_cli::CliDatabase;
 using kmf_cli::Motor;
-using kmf_cli::Quote;
-
-struct Result {
-  int status = -1;
-  std::string out;
-  std::string err;
-};
-
-std::string Slurp(const std::string& path) {
-  std::ifstream in(path);
-  std::ostringstream text;
-  text << in.rdbuf();
-  std::remove(path.c_str());
-  return text.str();
-}
+using kmf_cli::Result;
 
 // Each test runs on a fresh database of each engine (a second one, `otra`, on demand).
-class Movfrec : public ::testing::TestWithParam<Motor> {
+class Movfrec : public kmf_cli::MotorTest {
  protected:
-  void SetUp() override {
-    if (const std::string motivo = kmf_cli::MotivoParaSaltar(GetParam()); !motivo.empty()) {
-      GTEST_SKIP() << motivo;
-    }
-    static int serial = 0;
-    base_ = ::testing::TempDir() + "movfrec_cli_" + std::to_string(getpid()) + "_" +
-            std::to_string(serial++);
-    db_obj_ = std::make_unique<CliDatabase>(GetParam(), base_);
-    ASSERT_TRUE(db_obj_->ok()) << "no se pudo preparar la base de prueba";
-    db_ = db_obj_->uri();
-  }
   // Another empty database of the same engine.
   std::string Otra() {
     otra_ = std::make_unique<CliDatabase>(GetParam(), base_ + ".otra");
@@ -57,21 +26,9 @@ class Movfrec : public ::testing::TestWithParam<Motor> {
     return otra_->uri();
   }
 
-  // Runs movfrec with `args`, standard input closed, MOVFREC_DB as given ("" = unset).
+  // Runs movfrec with `args`, MOVFREC_DB as given ("" = unset).
   Result Run(const std::vector<std::string>& args, const std::string& env_db = "") {
-    std::string cmd =
-        env_db.empty() ? "env -u MOVFREC_DB " : "env MOVFREC_DB=" + Quote(env_db) + " ";
-    cmd += Quote(std::string(KMF_BINARY_DIR) + "/cli/movfrec");
-    for (const auto& a : args) cmd += " " + Quote(a);
-    const std::string out = base_ + ".out";
-    const std::string err = base_ + ".err";
-    cmd += " < /dev/null > " + Quote(out) + " 2> " + Quote(err);
-    const int raw = std::system(cmd.c_str());
-    Result r;
-    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    r.out = Slurp(out);
-    r.err = Slurp(err);
-    return r;
+    return kmf_cli::RunMovfrec(base_, args, env_db);
   }
 
   nlohmann::ordered_json Listar(const std::vector<std::string>& filters) {
@@ -82,10 +39,7 @@ class Movfrec : public ::testing::TestWithParam<Motor> {
     return nlohmann::ordered_json::parse(r.out);
   }
 
-  std::string base_;
-  std::unique_ptr<CliDatabase> db_obj_;
   std::unique_ptr<CliDatabase> otra_;
-  std::string db_;
 };
 
 TEST_P(Movfrec, InitDemoThenListAsJson) {
