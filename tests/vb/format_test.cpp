@@ -2,22 +2,13 @@
 
 #include "platform/vb/dates.h"
 #include "platform/vb/format.h"
+#include "vb_test_util.h"
 
 namespace kivmovfrec::vb {
 namespace {
 
-Date D(int y, int m, int d, int h = 0, int n = 0, int s = 0) {
-  return MakeDate(DateParts{y, m, d, h, n, s});
-}
-
-int ErrorNumber(auto&& f) {
-  try {
-    f();
-  } catch (const VbError& e) {
-    return e.number();
-  }
-  return 0;
-}
+using testing::D;
+using testing::ErrorNumber;
 
 TEST(FormatDate, NamedStyles) {
   const Date d = D(2005, 8, 2, 10, 57, 58);

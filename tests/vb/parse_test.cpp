@@ -2,13 +2,12 @@
 
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
+#include "vb_test_util.h"
 
 namespace kivmovfrec::vb {
 namespace {
 
-Date D(int y, int m, int d, int h = 0, int n = 0, int s = 0) {
-  return MakeDate(DateParts{y, m, d, h, n, s});
-}
+using testing::D;
 
 TEST(ParseNumber, AcceptsPointOrLocaleCommaSignsExponentsAndBlanks) {
   EXPECT_EQ(ParseNumber("1E5"), 100000);

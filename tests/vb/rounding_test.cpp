@@ -2,9 +2,12 @@
 
 #include "platform/vb/convert.h"
 #include "platform/vb/decimal.h"
+#include "vb_test_util.h"
 
 namespace kivmovfrec::vb {
 namespace {
+
+using testing::ErrorNumber;
 
 TEST(RoundHalfEven, RoundsTheDecimalTheDoubleStandsFor) {
   EXPECT_DOUBLE_EQ(RoundHalfEven(0.12345, 4), 0.1234);
@@ -27,12 +30,7 @@ TEST(RoundHalfEven, WholeNumbersAndSigns) {
 }
 
 TEST(RoundHalfEven, NegativeDigitsAreRefused) {
-  try {
-    RoundHalfEven(1.5, -1);
-    FAIL() << "expected VbError";
-  } catch (const VbError& e) {
-    EXPECT_EQ(e.number(), 5);
-  }
+  EXPECT_EQ(ErrorNumber([] { RoundHalfEven(1.5, -1); }), 5);
 }
 
 TEST(RoundDecimal, HalfAwayFromZeroAndDigitSplit) {
@@ -57,6 +55,9 @@ TEST(RoundDecimal, HalfAwayFromZeroAndDigitSplit) {
 
 TEST(Currency, FromDoubleUsesTheSameHalfToEvenRule) {
   EXPECT_EQ(Currency::FromDouble(1.23455).units, 12346);
+  EXPECT_EQ(Currency::FromDouble(0.00005).units, 0);  // an exact half of a unit goes to even
+  EXPECT_EQ(Currency::FromDouble(0.00015).units, 2);
+  EXPECT_EQ(ErrorNumber([] { Currency::FromDouble(1e300); }), 6);
   EXPECT_EQ(Currency::FromDouble(1.23465).units, 12346);
   EXPECT_EQ(Currency::FromDouble(-0.00015).units, -2);
   EXPECT_EQ(Currency::FromDouble(922337203685477.0).units, 9223372036854770000);
