@@ -111,7 +111,9 @@ bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
 }
 
 bool StartsWithIgnoreCase(std::string_view s, std::string_view prefix) {
-  const std::u32string fs = Folded(s);
+  // Only the start of `s` can match: as many bytes as the prefix's code points could take (at
+  // most 4 each), so that scanning a long text position by position stays linear.
+  const std::u32string fs = Folded(s.substr(0, 4 * prefix.size()));
   const std::u32string fp = Folded(prefix);
   return fs.size() >= fp.size() && std::equal(fp.begin(), fp.end(), fs.begin());
 }
