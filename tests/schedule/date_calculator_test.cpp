@@ -54,47 +54,40 @@ TEST(ProximaFecha, RejectsUnreadableCodes) {
   }
 }
 
-TEST(CalcularFinal, CountGivesLastDateAndBack) {
-  DateCalculator calc;
-  int32_t n = 3;
+// CalcularFinal both ways: the last date of `n` occurrences, and the occurrences on or before a
+// last date.
+Date UltimaDe(std::string_view code, Date start, int32_t n) {
   Date last{};
-  calc.CalcularFinal("200001", D(2024, 1, 31), n, last);
-  EXPECT_EQ(last, D(2024, 3, 31));
-  EXPECT_EQ(n, 3);
-
-  // The other way: occurrences on or before a last date, which need not be an occurrence.
-  n = 0;
-  last = D(2024, 4, 29);
-  calc.CalcularFinal("200001", D(2024, 1, 31), n, last);
-  EXPECT_EQ(n, 3);
-  n = 0;
-  last = D(2024, 4, 30);
-  calc.CalcularFinal("200001", D(2024, 1, 31), n, last);
-  EXPECT_EQ(n, 4);
+  int32_t count = n;
+  DateCalculator().CalcularFinal(code, start, count, last);
+  EXPECT_EQ(count, n);  // the count asked is kept
+  return last;
+}
+int32_t OcurrenciasHasta(std::string_view code, Date start, Date last) {
+  int32_t n = 0;
+  DateCalculator().CalcularFinal(code, start, n, last);
+  return n;
 }
 
-TEST(CalcularFinal, EdgeCases) {
-  DateCalculator calc;
+TEST(CalcularFinal, CountGivesLastDateAndBack) {
+  EXPECT_EQ(UltimaDe("200001", D(2024, 1, 31), 3), D(2024, 3, 31));
+  // The last date need not be an occurrence.
+  EXPECT_EQ(OcurrenciasHasta("200001", D(2024, 1, 31), D(2024, 4, 29)), 3);
+  EXPECT_EQ(OcurrenciasHasta("200001", D(2024, 1, 31), D(2024, 4, 30)), 4);
   // A start date at 18:30 counts as that day at midnight.
-  int32_t n = 2;
+  EXPECT_EQ(UltimaDe("000001", D(2024, 3, 1, 18, 30), 2), D(2024, 3, 2));
+  // A last date before the start holds no occurrence; one on the start date itself holds one.
+  EXPECT_EQ(OcurrenciasHasta("000007", D(2024, 3, 1), D(2024, 2, 1)), 0);
+  EXPECT_EQ(OcurrenciasHasta("000007", D(2024, 3, 1), D(2024, 3, 1, 9, 0)), 1);
+}
+
+TEST(CalcularFinal, OnceOnlyIsOneOccurrenceOnTheStartDate) {
+  DateCalculator calc;
+  int32_t n = 5;
   Date last{};
-  calc.CalcularFinal("000001", D(2024, 3, 1, 18, 30), n, last);
-  EXPECT_EQ(last, D(2024, 3, 2));
-  // Once only: one occurrence on the start date, whatever was asked.
-  n = 5;
   calc.CalcularFinal("000000", D(2024, 3, 1, 18, 30), n, last);
   EXPECT_EQ(n, 1);
   EXPECT_EQ(last, D(2024, 3, 1));
-  // A last date before the start holds no occurrence.
-  n = 0;
-  last = D(2024, 2, 1);
-  calc.CalcularFinal("000007", D(2024, 3, 1), n, last);
-  EXPECT_EQ(n, 0);
-  // The last date on the start date itself holds one.
-  n = 0;
-  last = D(2024, 3, 1, 9, 0);
-  calc.CalcularFinal("000007", D(2024, 3, 1), n, last);
-  EXPECT_EQ(n, 1);
 }
 
 TEST(DescribirFrecuencia, SpanishSentences) {

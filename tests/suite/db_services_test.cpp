@@ -89,7 +89,7 @@ TEST_P(DbServices, RightsForCurrentUserCompanyAndOption) {
   EXPECT_EQ(suite::DbUserRights(bare.Open(), 5).Letras(1, "Papelera"), "");
 }
 
-TEST_P(DbServices, MemoryRightsCompareLikeTheDatabase) {
+TEST(MemoryRights, CompareLikeTheDatabase) {
   suite::MemoryUserRights rights(3);
   rights.Set(1, "CheckList", " AE ");
   EXPECT_EQ(rights.Letras(1, "checklist"), "AE");

@@ -106,14 +106,8 @@ TEST(ScriptedMessages, RecordsEverythingAndAnswersFromTheQueue) {
   EXPECT_EQ(messages.Show(Question("¿E?")), kMsgNo);  // Cancel is not a Yes / No button
 
   ASSERT_EQ(messages.shown().size(), 6u);
-  const auto& second = messages.shown()[1];
-  EXPECT_EQ(second.request.text, "¿A?");
-  EXPECT_EQ(second.request.caption, "Movimientos Frecuentes");
-  EXPECT_EQ(second.request.icon, MsgIcon::Question);
-  EXPECT_EQ(second.request.buttons, MsgButtons::YesNo);
-  EXPECT_EQ(second.request.default_button, 2);
-  EXPECT_EQ(second.answer, kMsgYes);
-  EXPECT_EQ(messages.shown()[0].request.icon, MsgIcon::Exclamation);
+  EXPECT_EQ(messages.shown()[1].request.text, "¿A?");
+  EXPECT_EQ(messages.shown()[1].answer, kMsgYes);
 
   messages.ShowHelp(305);
   EXPECT_EQ(messages.help_topics(), std::vector<int>{305});
