@@ -57,10 +57,11 @@ TEST(ScriptBuiltins, Math) {
   });
 }
 
+// The conversions are the vb ones (tested there): one case each shows the wiring, the script's
+// locale and how errors come back.
 TEST(ScriptBuiltins, Conversions) {
   ExpectValues({
       {"CInt(2.5)", I(2)},
-      {"CInt(\"12\")", I(12)},
       {"CLng(\"70000\")", L(70000)},
       {"CByte(255)", Variant(uint8_t{255})},
       {"CDbl(\"1,5\")", D(1.5)},
@@ -68,19 +69,12 @@ TEST(ScriptBuiltins, Conversions) {
       {"CCur(\"2,5\")", Variant(Currency::FromUnits(25000))},
       {"CStr(1.5)", S("1,5")},
       {"CStr(True)", S("Verdadero")},
-      {"CStr(Empty)", S("")},
       {"CStr(3.5/42)", S("8,33333333333333E-02")},
-      {"CStr(-0.5*0)", S("0")},
       {"CBool(1)", B(true)},
-      {"CBool(0)", B(false)},
       {"CDate(\"02/01/2005\")", DateOf(38354)},
       {"IsNumeric(\"12,5\")", B(true)},
-      {"IsNumeric(\"abc\")", B(false)},
       {"IsNumeric(Null)", B(false)},
-      {"IsNumeric(Empty)", B(true)},
-      {"IsNumeric(True)", B(true)},
       {"IsDate(\"31/12/2005\")", B(true)},
-      {"IsDate(\"abc\")", B(false)},
       {"IsNull(Null)", B(true)},
       {"IsNull(Empty)", B(false)},
       {"IsEmpty(Empty)", B(true)},
@@ -102,10 +96,10 @@ TEST(ScriptBuiltins, Conversions) {
   ExpectErrors({
       {"CInt(32767.5)", 6},
       {"CByte(\"-1\")", 6},
-      {"CInt(\"\")", 13},
-      {"CInt(\"TRUE\")", 13},
       {"CStr(Null)", 94},
-      {"CDbl(\"abc\")", 13},
+      // Nothing passed as a value is an unset object variable.
+      {"Hex(Nothing)", 91},
+      {"Left(Nothing, 1)", 91},
   });
 }
 
