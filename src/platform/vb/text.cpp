@@ -1,6 +1,7 @@
 #include "platform/vb/text.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "kivmovfrec/variant.h"
 #include "platform/vb/utf8.h"
@@ -113,6 +114,12 @@ bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
 bool StartsWithIgnoreCase(std::string_view s, std::string_view prefix) {
   // Only the start of `s` can match: as many bytes as the prefix's code points could take (at
   // most 4 each), so that scanning a long text position by position stays linear.
+  if (!s.empty() && !prefix.empty()) {
+    // Two ASCII first letters settle most calls without decoding anything.
+    const auto a = static_cast<unsigned char>(s[0]);
+    const auto b = static_cast<unsigned char>(prefix[0]);
+    if (a < 0x80 && b < 0x80 && std::tolower(a) != std::tolower(b)) return false;
+  }
   const std::u32string fs = Folded(s.substr(0, 4 * prefix.size()));
   const std::u32string fp = Folded(prefix);
   return fs.size() >= fp.size() && std::equal(fp.begin(), fp.end(), fs.begin());
