@@ -69,6 +69,16 @@ Result Session::Send(std::string_view sql, const Params& params, std::string_vie
   if (params.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {
     throw DbError("Demasiados parámetros en la sentencia SQL");
   }
+  // libpq takes C strings: a NUL would silently cut the statement or the value short.
+  if (sql.find('\0') != std::string_view::npos) {
+    throw DbError(fmt::format("La sentencia SQL contiene un carácter nulo: {}", shown));
+  }
+  for (const auto& p : params) {
+    if (p && p->find('\0') != std::string::npos) {
+      throw DbError(fmt::format(
+          "PostgreSQL no admite el carácter nulo dentro de un texto (sentencia: {})", shown));
+    }
+  }
   std::vector<const char*> values;
   values.reserve(params.size());
   for (const auto& p : params) values.push_back(p ? p->c_str() : nullptr);

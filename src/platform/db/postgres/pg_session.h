@@ -49,7 +49,8 @@ class Session {
 
   // Sends one statement without savepoint and without checking the outcome: the result may be
   // a failed one (see Check). For callers that manage the transaction state themselves (the
-  // read-only runner). Throws DbError only when the statement cannot be sent at all.
+  // read-only runner). Throws DbError only when the statement cannot be sent at all, which
+  // includes a NUL character in the text or in a parameter (libpq would cut it short there).
   Result Send(std::string_view sql, const Params& params, std::string_view shown);
 
   // Throws DbError with the server's message and `shown` when `result` is a failure.
