@@ -351,12 +351,29 @@ struct Lector {
 constexpr std::string_view kBloques[][2] = {{"[query]", "[/query]"},
                                             {"[codescript]", "[/codescript]"}};
 
+// Byte offset of the first character that no one can type: a NUL or bytes that are not UTF-8.
+// npos when there is none.
+size_t PrimerCaracterInvalido(std::string_view s) {
+  for (size_t i = 0; i < s.size();) {
+    const auto c = static_cast<unsigned char>(s[i]);
+    if (c == 0) return i;
+    const size_t n = c < 0x80 ? 1 : c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : 2;
+    if (i + n > s.size() || !vb::IsValidUtf8(s.substr(i, n))) return i;
+    i += n;
+  }
+  return std::string_view::npos;
+}
+
 }  // namespace
 
 LecturaFormula clsFormulaMF::LeerVisible(std::string_view visible) const {
   Lector r{visible, 0, {}};
   std::string out;
   const std::string_view s = visible;
+  if (const size_t malo = PrimerCaracterInvalido(s); malo != std::string_view::npos) {
+    r.Fallar(malo, "La fórmula contiene un carácter que no es válido.");
+    return r.fallo;
+  }
   while (r.i < s.size()) {
     const char c = s[r.i];
     if (c == '[') {

@@ -38,7 +38,9 @@
 //   * other: the text as typed ("[", "]" and ";" are refused, they would break the reference).
 // [query] / [codescript] blocks are copied untouched; numbers, operators and other words are
 // copied as they are. Failures: an unknown or unclosed bracket, a quote outside a function, a
-// caption without "(", a wrong number of arguments, an argument that resolves to nothing. The
+// caption without "(", a wrong number of arguments, an argument that resolves to nothing, a NUL
+// character or bytes that are not UTF-8 (the text is then refused as a whole, before any
+// lookup). The
 // result then carries the 1-based character position (code points) where reading failed and a
 // Spanish explanation; Resultado() gives ":e:" + position. Nothing here throws and nothing is
 // written to the database.
