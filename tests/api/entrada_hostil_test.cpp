@@ -1,0 +1,374 @@
+// Hostile text through every entry point that takes text from a person: the display-form reader
+// and the saving of a line formula, the calculation of a stored formula and of lines in memory,
+// legend expansion, the script host, and the name and comment of a movement. Nothing may crash,
+// hang, let an exception escape a member that traps its errors, or write: a formula text gives
+// a clear error (or its plain value), and a text that is data is kept exactly as typed.
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fachada_fixture.h"
+#include "formula/formula_mf.h"
+#include "formula/reglas_fx.h"
+#include "platform/script/script_host.h"
+#include "platform/vb/text.h"
+#include "resources/catalogue.h"
+#include "resources/msg.h"
+#include "storage/sql_texto.h"
+
+namespace kivmovfrec::testing {
+namespace {
+
+// Movement 18 of the demo company: line 1 holds 30000, line 2 (Orden 2) a formula, line 3 the
+// difference. Every hostile formula goes into line 2.
+constexpr int32_t kMov = 18;
+constexpr int16_t kOrden = 2;
+constexpr const char* kFormulaOriginal = "[1:145;1;1]*0.5";
+
+// A text of the corpus. `sql` set: the text is that statement inside a [query] block, and the
+// script host gets it through rdoCBase.OpenResultset.
+struct Hostil {
+  std::string nombre;
+  std::string texto;
+  std::string sql;
+  bool lee = false;                   // the display-form reader accepts it (blocks are copied)
+  std::optional<double> valor;        // what the line computes to; nothing: the line has no result
+  std::string motivo;                 // part of the failing line's explanation (when no value)
+  std::optional<std::string> script;  // the script host's result text; nothing: an error
+  std::string motivo_script;          // part of the script error's description
+};
+
+constexpr const char* kSoloLectura = "solo puede leer datos";
+constexpr const char* kUnaSentencia = "una sola sentencia";
+constexpr const char* kNoModifica = "no puede modificar la base de datos";
+
+// A text that computes to nothing and that the script host refuses.
+Hostil Falla(std::string nombre, std::string texto, bool lee) {
+  return {std::move(nombre), std::move(texto), "", lee, {}, "", {}, ""};
+}
+
+Hostil Consulta(std::string nombre, std::string sql, std::string motivo) {
+  const std::string motivo_linea = motivo.empty() ? "la consulta falló" : motivo;
+  return {std::move(nombre),
+          "[query]" + sql + "[/query]",
+          sql,
+          true,
+          std::nullopt,
+          motivo_linea,
+          std::nullopt,
+          std::move(motivo)};
+}
+
+std::vector<Hostil> Corpus() {
+  const std::string kMega = [] {
+    std::string s;
+    while (s.size() < (1u << 20)) s += "1+";
+    return s + "1";
+  }();
+  const double suma = static_cast<double>(kMega.size() / 2 + 1);
+  const std::string abre(100000, '('), cierra(100000, ')');
+  // A VBScript comment: the script is empty, so the line has no number.
+  auto comentario_vb = [](std::string nombre, std::string texto) {
+    return Hostil{std::move(nombre), std::move(texto), "", true, {}, "", "", ""};
+  };
+  std::vector<Hostil> c = {
+      comentario_vb("comilla", "O'Brien"),
+      comentario_vb("inyeccion", "'); Delete From genMovimientosFrecuentes; --"),
+      {"comentario", "1 -- 2", "", true, 3, "", "3", ""},
+      Falla("separador", "1; 2", true),
+      // Quoted arguments reach lookup SQL: a quote is refused before any is built.
+      Falla("argumento_comilla",
+            "Saldo al día de hoy(\"'); Delete From genMovimientosFrecuentes; --\")", false),
+      Falla("argumento_corchete", "Pedir valor(\"a]; [query]Delete From genRecurrencias\")", false),
+      Consulta("delete", "Delete From genMovimientosFrecuentes", kSoloLectura),
+      Consulta("update", "Update genMovimientosFrecuentes Set MFrNombre = 'x'", kSoloLectura),
+      // Without commas: the script host's retry with "," read as "." would change the statement.
+      Consulta("insert", "Insert Into genContadores Select * From genContadores", kSoloLectura),
+      Consulta("drop", "Drop Table genRecurrencias", kSoloLectura),
+      Consulta("segunda", "Select 1; Delete From genMovimientosFrecuentes", kUnaSentencia),
+      Consulta("segunda_sin_blanco", "Select 1;Drop Table genRecurrencias", kUnaSentencia),
+      // PostgreSQL refuses it inside the read-only transaction, SQLite cannot parse it.
+      Consulta("cte_delete", "With x As (Delete From genRecurrencias Returning 1) Select 1", ""),
+      {"script_execute",
+       "[codescript]rdoCBase.Execute(\"Delete From genRecurrencias\")[/codescript]",
+       "",
+       true,
+       {},
+       kNoModifica,
+       {},
+       kNoModifica},
+      {"megabyte", kMega, "", true, suma, "", std::to_string(static_cast<long>(suma)), ""},
+      Falla("parentesis", abre + "1" + cierra, true),
+      Falla("corchetes", std::string(100000, '[') + "1" + std::string(100000, ']'), false),
+      Falla("abre_corchete", "[", false),
+      Falla("cierra_corchete", "]", true),
+      Falla("dos_parentesis", "((", true),
+      Falla("cierra_parentesis", ")", true),
+      Falla("c3_suelto", "\xC3", false),
+      Falla("ff", "1+\xFF", false),
+      Falla("utf8_truncado", "2*\xF0\x9F\x98", false),
+      Falla("nul", std::string("1\0002", 3), false),
+  };
+  // A comment inside a query hides the rest of it: one statement, nothing deleted.
+  Hostil comentada = Consulta("comentario_sql", "Select 5 -- ; Delete From genRecurrencias", "");
+  comentada.valor = 5;
+  comentada.motivo.clear();
+  comentada.script = "5";
+  c.push_back(comentada);
+  return c;
+}
+
+// Figures of the whole run, printed at the end.
+struct Cifras {
+  int textos = 0;
+  int entradas = 0;
+  int errores = 0;
+  int filas_cambiadas = 0;
+};
+Cifras& Totales() {
+  static Cifras c;
+  return c;
+}
+
+class EntradaHostil : public Fachada {
+ protected:
+  static void TearDownTestSuite() {
+    const Cifras& c = Totales();
+    std::printf(
+        "[ hostil  ] %d textos probados, %d entradas, %d errores claros, %d filas "
+        "cambiadas de más\n",
+        c.textos, c.entradas, c.errores, c.filas_cambiadas);
+  }
+
+  Snapshot Todo() {
+    auto tablas = MovementTables();
+    tablas.insert(tablas.end(), {"genParametros", "cceCuentas", "cceAsientos"});
+    return TakeSnapshot(*cn, tablas);
+  }
+  // Compares with `antes`; every differing row counts as a row changed that should not have.
+  void SinCambios(const Snapshot& antes) {
+    const Snapshot despues = Todo();
+    for (const auto& [tabla, filas] : antes) {
+      if (despues.at(tabla) != filas) ++Totales().filas_cambiadas;
+      EXPECT_EQ(despues.at(tabla), filas) << "la tabla " << tabla << " cambió";
+    }
+  }
+  // Writes `formula` into line kOrden of kMov through an updatable set (bound, never SQL text).
+  void GrabarFormula(const std::string& formula) {
+    auto rs = cn->OpenResultset("Select * From genRenglonMovFrecuentes Where RMFMovimiento = " +
+                                std::to_string(kMov) + " And RMFOrden = " + std::to_string(kOrden));
+    ASSERT_FALSE(rs->Eof());
+    rs->Edit();
+    rs->Set("RMFFormula", Variant(formula));
+    rs->Update();
+  }
+  std::string FormulaGuardada() {
+    return vb::CStr(Scalar(*cn,
+                           "Select RMFFormula From genRenglonMovFrecuentes Where "
+                           "RMFMovimiento = " +
+                               std::to_string(kMov) + " And RMFOrden = " + std::to_string(kOrden)));
+  }
+  formula::clsFormulaMF Lector() {
+    clsEmpresa empresa;
+    empresa.Load(1, *cn);
+    return formula::clsFormulaMF(cn, formula::ContextoFormula::De(empresa, kMov));
+  }
+  // PostgreSQL cannot hold these bytes in a text column (invalid UTF-8, NUL).
+  bool Representable(const std::string& texto) const {
+    return !postgres() || (texto.find('\0') == std::string::npos && vb::IsValidUtf8(texto));
+  }
+  // A line that failed: the catalogue message was shown once and the trace says why.
+  void FallaConMensaje(const Hostil& h, size_t mensajes_antes) {
+    ASSERT_EQ(Mensajes().size(), mensajes_antes + 1);
+    EXPECT_EQ(Mensajes().back().request.text, resources::Texto(msg::kFormulaSinResultado));
+    const auto& lineas = mf.UltimaTrazaFx().lineas;
+    ASSERT_GE(lineas.size(), 2u);
+    EXPECT_FALSE(lineas[1].ok);
+    EXPECT_FALSE(lineas[1].error.empty());
+    std::string detalle = lineas[1].error;
+    for (const auto& e : lineas[1].elementos) detalle += " | " + e.detalle;
+    EXPECT_NE(detalle.find(h.motivo), std::string::npos) << detalle;
+    ++Totales().errores;
+  }
+};
+
+TEST_P(EntradaHostil, LectorDeFormaVisibleYGrabadoDeLaFormula) {
+  auto lector = Lector();
+  for (const Hostil& h : Corpus()) {
+    SCOPED_TRACE(h.nombre);
+    const Snapshot antes = Todo();
+    const formula::LecturaFormula l = lector.LeerVisible(h.texto);
+    ++Totales().entradas;
+    EXPECT_EQ(l.ok, h.lee) << l.error;
+    if (!l.ok) {
+      // Position of the failure, in code points of the text, and why.
+      EXPECT_GE(l.posicion, 1);
+      EXPECT_LE(static_cast<size_t>(l.posicion), h.texto.size() + 1);
+      EXPECT_FALSE(l.error.empty());
+      EXPECT_EQ(l.Resultado(), ":e:" + std::to_string(l.posicion));
+      ++Totales().errores;
+      SinCambios(antes);
+      continue;
+    }
+    // What reads back is kept as typed; after the movement's formula rules the locked save
+    // changes exactly that line's formula.
+    EXPECT_EQ(l.formula, h.texto);
+    ASSERT_TRUE(mf.LoadMF(kMov));
+    auto lineas = mf.EstructuraMovFrec()->Renglones();
+    lineas->Renglon(kOrden)->Formula(l.formula);
+    std::vector<formula::LineaRegla> reglas;
+    for (int16_t i = 1; i <= lineas->QRenglones(); ++i) {
+      const clsRegRenglonMF& r = *lineas->Renglon(i);
+      reglas.push_back(
+          {{r.Cuenta(), r.Proyecto(), r.Departamento()}, r.AlDebe(), r.Formula(), r.ImporteMF()});
+    }
+    // None of them holds a reference, so the formula rules have nothing to refuse.
+    EXPECT_FALSE(formula::ValidarFormulas(reglas, &lector).has_value());
+    ASSERT_EQ(mf.SaveMovimientoFrecuenteConBloqueo(), kMov);
+    ++Totales().entradas;
+    EXPECT_EQ(FormulaGuardada(), h.texto);
+    // Putting the old formula back gives the database exactly as it was: nothing else changed.
+    GrabarFormula(kFormulaOriginal);
+    SinCambios(antes);
+  }
+}
+
+TEST_P(EntradaHostil, CalculoDeLaFormulaGuardadaYEnMemoria) {
+  for (const Hostil& h : Corpus()) {
+    SCOPED_TRACE(h.nombre);
+    ++Totales().textos;
+    if (!Representable(h.texto)) {
+      // The engine refuses the bytes with its own message and keeps the old formula.
+      EXPECT_THROW(GrabarFormula(h.texto), DbError);
+      EXPECT_EQ(FormulaGuardada(), kFormulaOriginal);
+      ++Totales().errores;
+    } else {
+      GrabarFormula(h.texto);
+      ASSERT_EQ(FormulaGuardada(), h.texto);
+      const Snapshot antes = Todo();
+      const size_t mensajes = Mensajes().size();
+      mf.CleanEstructura();
+      const bool ok = mf.SetCalculoFormulasMF(kMov, true);
+      ++Totales().entradas;
+      EXPECT_EQ(ok, h.valor.has_value()) << mf.UltimaTrazaFx().error;
+      if (h.valor) {
+        EXPECT_DOUBLE_EQ(mf.EstructuraMovFrec()->Renglones()->Renglon(kOrden)->ImporteMF(),
+                         *h.valor);
+      } else {
+        FallaConMensaje(h, mensajes);
+      }
+      SinCambios(antes);
+    }
+    // The same text in lines held in memory, recomputed in place.
+    GrabarFormula(kFormulaOriginal);
+    const Snapshot antes = Todo();
+    mf.CleanEstructura();
+    ASSERT_TRUE(mf.LoadMF(kMov));
+    auto lineas = mf.EstructuraMovFrec()->Renglones();
+    lineas->Renglon(kOrden)->Formula(h.texto);
+    const size_t mensajes = Mensajes().size();
+    const bool ok = mf.RecalcularFormulasMF(*lineas, 1, true);
+    ++Totales().entradas;
+    EXPECT_EQ(ok, h.valor.has_value()) << mf.UltimaTrazaFx().error;
+    if (h.valor) {
+      EXPECT_DOUBLE_EQ(lineas->Renglon(kOrden)->ImporteMF(), *h.valor);
+    } else {
+      FallaConMensaje(h, mensajes);
+    }
+    SinCambios(antes);
+  }
+}
+
+TEST_P(EntradaHostil, LeyendaYScript) {
+  for (const Hostil& h : Corpus()) {
+    SCOPED_TRACE(h.nombre);
+    const Snapshot antes = Todo();
+    // No macro in any of them: the legend is the text itself, and nothing is reported.
+    const size_t mensajes = Mensajes().size();
+    EXPECT_EQ(mf.InterpretarFormulaLeyenda(h.texto, kHoy), h.texto);
+    EXPECT_EQ(Mensajes().size(), mensajes);
+    ++Totales().entradas;
+
+    // The script host: the statement through rdoCBase, or the text itself.
+    std::string texto = h.texto;
+    if (!h.sql.empty()) {
+      texto = "rdoCBase.OpenResultset(\"" + h.sql + "\")(0)";
+    } else if (texto.starts_with("[codescript]")) {
+      texto = texto.substr(12, texto.size() - 12 - 13);
+    }
+    const script::HostResult r = script::EvaluateScript(cn.get(), texto, true);
+    ++Totales().entradas;
+    if (h.script) {
+      EXPECT_TRUE(r.ok) << r.error.description;
+      EXPECT_EQ(r.text, *h.script);
+    } else {
+      EXPECT_FALSE(r.ok) << r.text;
+      EXPECT_NE(r.error.number, 0);
+      EXPECT_FALSE(r.error.description.empty());
+      EXPECT_NE(r.error.description.find(h.motivo_script), std::string::npos)
+          << r.error.description;
+      ++Totales().errores;
+    }
+    SinCambios(antes);
+  }
+}
+
+constexpr const char* kOtros = "genMovimientosFrecuentes Where MFrID <> 18";
+
+TEST_P(EntradaHostil, NombreYComentarioSeGuardanTalCualOSeRechazanSinEscribir) {
+  for (const Hostil& h : Corpus()) {
+    SCOPED_TRACE(h.nombre);
+    const Snapshot antes = Todo();
+    mf.CleanEstructura();
+    ASSERT_TRUE(mf.LoadMF(kMov));
+    const Snapshot otros = TakeSnapshot(*cn, {kOtros});
+    const std::string nombre = mf.EstructuraMovFrec()->MovFrecuente()->Nombre();
+    const std::string memo = mf.EstructuraMovFrec()->MovFrecuente()->Memo();
+    mf.EstructuraMovFrec()->MovFrecuente()->Nombre(h.texto);
+    mf.EstructuraMovFrec()->MovFrecuente()->Memo(h.texto);
+    const bool comilla = storage::TieneComilla(h.texto);
+    const bool cabe = Representable(h.texto) && (!postgres() || h.texto.size() <= 255);
+    const int32_t id = mf.SaveMovimientoFrecuenteConBloqueo();
+    ++Totales().entradas;
+    if (comilla || !cabe) {
+      // A quote is refused before any SQL is built; bytes or a length the engine cannot hold
+      // are refused by it. Either way the transaction leaves every table as it was.
+      EXPECT_EQ(id, 0);
+      SinCambios(antes);
+      ++Totales().errores;
+      if (comilla) {
+        try {
+          mf.SaveMovimientoFrecuente();
+          ADD_FAILURE() << "una comilla debe rechazarse";
+        } catch (const storage::TextoRechazado& e) {
+          EXPECT_EQ(e.campo(), "Nombre");
+          EXPECT_STREQ(e.what(), "El campo Nombre no puede contener comillas simples (').");
+        }
+        SinCambios(antes);
+      }
+      continue;
+    }
+    ASSERT_EQ(id, kMov);
+    clsMovFrecuente otro;
+    otro.Servicios(sv.Bundle());
+    otro.Connect(OpenAnother());
+    otro.Empresa(1);
+    ASSERT_TRUE(otro.LoadMF(kMov));
+    EXPECT_EQ(otro.EstructuraMovFrec()->MovFrecuente()->Nombre(), h.texto);
+    EXPECT_EQ(otro.EstructuraMovFrec()->MovFrecuente()->Memo(), h.texto);
+    // Every other movement is untouched...
+    EXPECT_EQ(TakeSnapshot(*cn, {kOtros}), otros);
+    // ...and writing the old name and comment back gives the database exactly as it was, so
+    // nothing but those two columns had changed.
+    mf.EstructuraMovFrec()->MovFrecuente()->Nombre(nombre);
+    mf.EstructuraMovFrec()->MovFrecuente()->Memo(memo);
+    ASSERT_EQ(mf.SaveMovimientoFrecuenteConBloqueo(), kMov);
+    SinCambios(antes);
+  }
+}
+
+KMF_INSTANTIATE_ENGINES(EntradaHostil);
+
+}  // namespace
+}  // namespace kivmovfrec::testing
