@@ -86,9 +86,9 @@ int32_t clsMFTipo::Save(Connection& cn, IDBFncs& dbf, int16_t libro) {
   clsRegRecurrencia& rec = *rec_;
   clsRenglonesMF& renglones = *renglones_;
 
-  storage::RechazarComillasMovimiento(mov);
+  storage::RechazarTextosMovimiento(mov);
   for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
-    storage::RechazarComillasRenglon(*renglones.Renglon(i));
+    storage::RechazarTextosRenglon(*renglones.Renglon(i));
   }
 
   // 1. Schedule.

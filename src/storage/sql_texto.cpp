@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "platform/vb/format.h"
+#include "platform/vb/text.h"
 
 namespace kivmovfrec::storage {
 
@@ -14,11 +15,28 @@ std::string FechaSQL(Date d, const ParametrosBD& p) {
   return p.caracter_fecha + FormatoFechaBD(d, p) + p.caracter_fecha;
 }
 
-TextoRechazado::TextoRechazado(std::string campo, std::string texto)
-    : std::invalid_argument(
-          fmt::format("El campo {} no puede contener comillas simples (').", campo)),
+namespace {
+
+std::string MensajeRechazo(const std::string& campo, MotivoRechazo motivo, size_t largo_maximo) {
+  switch (motivo) {
+    case MotivoRechazo::NoEsTexto:
+      return fmt::format("El campo {} contiene caracteres que no son texto válido.", campo);
+    case MotivoRechazo::Largo:
+      return fmt::format("El campo {} admite hasta {} caracteres.", campo, largo_maximo);
+    case MotivoRechazo::Comilla:
+      break;
+  }
+  return fmt::format("El campo {} no puede contener comillas simples (').", campo);
+}
+
+}  // namespace
+
+TextoRechazado::TextoRechazado(std::string campo, std::string texto, MotivoRechazo motivo,
+                               size_t largo_maximo)
+    : std::invalid_argument(MensajeRechazo(campo, motivo, largo_maximo)),
       campo_(std::move(campo)),
-      texto_(std::move(texto)) {}
+      texto_(std::move(texto)),
+      motivo_(motivo) {}
 
 bool TieneComilla(std::string_view texto) {
   return texto.find('\'') != std::string_view::npos;
@@ -26,6 +44,17 @@ bool TieneComilla(std::string_view texto) {
 
 void RechazarComilla(std::string_view texto, std::string_view campo) {
   if (TieneComilla(texto)) throw TextoRechazado(std::string(campo), std::string(texto));
+}
+
+void RechazarTextoNoAlmacenable(std::string_view texto, std::string_view campo,
+                                size_t largo_maximo) {
+  if (texto.find('\0') != std::string_view::npos || !vb::IsValidUtf8(texto)) {
+    throw TextoRechazado(std::string(campo), std::string(texto), MotivoRechazo::NoEsTexto);
+  }
+  if (largo_maximo > 0 && vb::Len(texto) > largo_maximo) {
+    throw TextoRechazado(std::string(campo), std::string(texto), MotivoRechazo::Largo,
+                         largo_maximo);
+  }
 }
 
 std::string LiteralTexto(std::string_view texto) {

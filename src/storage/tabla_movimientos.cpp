@@ -69,13 +69,15 @@ bool CargarMovimiento(Connection& cn, int32_t id, clsRegMovimientoFrecuente& mf)
   return true;
 }
 
-void RechazarComillasMovimiento(const clsRegMovimientoFrecuente& mf) {
+void RechazarTextosMovimiento(const clsRegMovimientoFrecuente& mf) {
   RechazarComilla(mf.Nombre(), "Nombre");
   RechazarComilla(mf.Memo(), "Memo");
+  RechazarTextoNoAlmacenable(mf.Nombre(), "Nombre", kLargoNombre);
+  RechazarTextoNoAlmacenable(mf.Memo(), "Memo");
 }
 
 int32_t GuardarMovimiento(Connection& cn, IDBFncs& dbf, clsRegMovimientoFrecuente& mf) {
-  RechazarComillasMovimiento(mf);
+  RechazarTextosMovimiento(mf);
   auto rs = cn.OpenResultset(SqlMovimientoPorID(mf.ID()));
   int32_t id = mf.ID();
   if (rs->Eof()) {

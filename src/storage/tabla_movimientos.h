@@ -15,6 +15,7 @@
 // Database errors (DbError) and conversion errors of stored values (VbError) propagate.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -37,11 +38,14 @@ void EscribirMovimiento(Resultset& rs, const clsRegMovimientoFrecuente& mf);
 // Reads header `id` into `mf`. Returns false, leaving `mf` untouched, when there is no such row.
 bool CargarMovimiento(Connection& cn, int32_t id, clsRegMovimientoFrecuente& mf);
 
-// Refuses (TextoRechazado) a Nombre or Memo holding a single quote. Run before any statement
-// of a save is built.
-void RechazarComillasMovimiento(const clsRegMovimientoFrecuente& mf);
+// MFrNombre's width, in characters.
+inline constexpr size_t kLargoNombre = 255;
 
-// Saves the header row: checks the texts (RechazarComillasMovimiento), opens
+// Refuses (TextoRechazado) a Nombre or Memo holding a single quote, a NUL or bytes that are not
+// UTF-8, and a Nombre longer than kLargoNombre. Run before any statement of a save is built.
+void RechazarTextosMovimiento(const clsRegMovimientoFrecuente& mf);
+
+// Saves the header row: checks the texts (RechazarTextosMovimiento), opens
 // SqlMovimientoPorID(mf.ID()); when no row is found draws a new key for
 // "genMovimientosFrecuentes" (NuevoID: ComponentError 8000 on -1, and then nothing is written)
 // and adds the row, otherwise edits the one found. Every column is written and the key is stored

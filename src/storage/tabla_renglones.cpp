@@ -42,8 +42,10 @@ void LeerRenglon(const Resultset& rs, clsRegRenglonMF& r) {
                [&](std::string v) { r.DepartamentoAbreviacion(std::move(v)); });
 }
 
-void RechazarComillasRenglon(const clsRegRenglonMF& r) {
+void RechazarTextosRenglon(const clsRegRenglonMF& r) {
   RechazarComilla(r.Detalle(), "Detalle");
+  RechazarTextoNoAlmacenable(r.Detalle(), "Detalle", kLargoDetalle);
+  RechazarTextoNoAlmacenable(r.Formula(), "Fórmula");
 }
 
 void AgregarRenglon(Resultset& rs, clsRegRenglonMF& r, int32_t id_mf, uint8_t posicion) {

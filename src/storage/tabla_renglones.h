@@ -14,6 +14,7 @@
 // Database errors (DbError) and conversion errors of stored values (VbError) propagate.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -29,9 +30,13 @@ std::string SqlRenglonesDe(int32_t id_mf);
 // Copies the line columns (and the joined display columns present in the row) into `r`.
 void LeerRenglon(const Resultset& rs, clsRegRenglonMF& r);
 
-// Refuses (TextoRechazado) a line Detalle holding a single quote. The save of a movement runs it
-// on every line before any statement is built.
-void RechazarComillasRenglon(const clsRegRenglonMF& r);
+// RMFDetalle's width, in characters.
+inline constexpr size_t kLargoDetalle = 255;
+
+// Refuses (TextoRechazado) a line Detalle holding a single quote or longer than kLargoDetalle,
+// and a Detalle or Formula holding a NUL or bytes that are not UTF-8. The save of a movement
+// runs it on every line before any statement is built.
+void RechazarTextosRenglon(const clsRegRenglonMF& r);
 
 // Adds line `r` as a new row of `rs` (a set opened with SqlRenglonesDe) for movement `id_mf`
 // at list position `posicion` (1-based): a line whose Orden is 0 is first numbered with

@@ -16,6 +16,7 @@
 #include "resources/catalogue.h"
 #include "resources/msg.h"
 #include "storage/sql_texto.h"
+#include "storage/tabla_movimientos.h"
 
 namespace kivmovfrec::testing {
 namespace {
@@ -327,26 +328,30 @@ TEST_P(EntradaHostil, NombreYComentarioSeGuardanTalCualOSeRechazanSinEscribir) {
     const std::string memo = mf.EstructuraMovFrec()->MovFrecuente()->Memo();
     mf.EstructuraMovFrec()->MovFrecuente()->Nombre(h.texto);
     mf.EstructuraMovFrec()->MovFrecuente()->Memo(h.texto);
-    const bool comilla = storage::TieneComilla(h.texto);
-    const bool cabe = Representable(h.texto) && (!postgres() || h.texto.size() <= 255);
+    // A quote, bytes that are not text and a name past the column's width are refused before
+    // any SQL is built, on every engine alike; the transaction leaves every table as it was.
+    std::optional<std::string> rechazo;
+    if (storage::TieneComilla(h.texto)) {
+      rechazo = "El campo Nombre no puede contener comillas simples (').";
+    } else if (h.texto.find('\0') != std::string::npos || !vb::IsValidUtf8(h.texto)) {
+      rechazo = "El campo Nombre contiene caracteres que no son texto válido.";
+    } else if (vb::Len(h.texto) > storage::kLargoNombre) {
+      rechazo = "El campo Nombre admite hasta 255 caracteres.";
+    }
     const int32_t id = mf.SaveMovimientoFrecuenteConBloqueo();
     ++Totales().entradas;
-    if (comilla || !cabe) {
-      // A quote is refused before any SQL is built; bytes or a length the engine cannot hold
-      // are refused by it. Either way the transaction leaves every table as it was.
+    if (rechazo) {
       EXPECT_EQ(id, 0);
       SinCambios(antes);
       ++Totales().errores;
-      if (comilla) {
-        try {
-          mf.SaveMovimientoFrecuente();
-          ADD_FAILURE() << "una comilla debe rechazarse";
-        } catch (const storage::TextoRechazado& e) {
-          EXPECT_EQ(e.campo(), "Nombre");
-          EXPECT_STREQ(e.what(), "El campo Nombre no puede contener comillas simples (').");
-        }
-        SinCambios(antes);
+      try {
+        mf.SaveMovimientoFrecuente();
+        ADD_FAILURE() << "el texto debe rechazarse";
+      } catch (const storage::TextoRechazado& e) {
+        EXPECT_EQ(e.campo(), "Nombre");
+        EXPECT_EQ(e.what(), *rechazo);
       }
+      SinCambios(antes);
       continue;
     }
     ASSERT_EQ(id, kMov);

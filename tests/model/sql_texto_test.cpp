@@ -39,6 +39,39 @@ TEST(Comillas, TextoConComillaSeRechazaNombrandoElCampo) {
   }
 }
 
+TEST(Comillas, TextoQueLaBaseNoGuardariaTalCualSeRechazaNombrandoElMotivo) {
+  const std::string largo(255, 'x');
+  EXPECT_NO_THROW(RechazarTextoNoAlmacenable(largo, "Nombre", 255));
+  EXPECT_NO_THROW(RechazarTextoNoAlmacenable(std::string(100000, 'x'), "Memo"));  // no limit
+  // Width counts characters, not bytes: 255 accented letters fit.
+  std::string acentos;
+  for (int i = 0; i < 255; ++i) acentos += "á";
+  EXPECT_NO_THROW(RechazarTextoNoAlmacenable(acentos, "Nombre", 255));
+  struct Caso {
+    std::string texto;
+    MotivoRechazo motivo;
+    const char* mensaje;
+  };
+  const Caso casos[] = {
+      {largo + "y", MotivoRechazo::Largo, "El campo Nombre admite hasta 255 caracteres."},
+      {acentos + "á", MotivoRechazo::Largo, "El campo Nombre admite hasta 255 caracteres."},
+      {std::string("a\0b", 3), MotivoRechazo::NoEsTexto,
+       "El campo Nombre contiene caracteres que no son texto válido."},
+      {"Caf\xC3", MotivoRechazo::NoEsTexto,
+       "El campo Nombre contiene caracteres que no son texto válido."},
+  };
+  for (const Caso& c : casos) {
+    try {
+      RechazarTextoNoAlmacenable(c.texto, "Nombre", 255);
+      ADD_FAILURE() << "se esperaba TextoRechazado";
+    } catch (const TextoRechazado& e) {
+      EXPECT_EQ(e.motivo(), c.motivo);
+      EXPECT_STREQ(e.what(), c.mensaje);
+      EXPECT_EQ(e.texto(), c.texto);
+    }
+  }
+}
+
 TEST(Comillas, LiteralDeBusquedaDuplicaLasComillas) {
   EXPECT_EQ(LiteralTexto("Caja"), "'Caja'");
   EXPECT_EQ(LiteralTexto("O'Brien"), "'O''Brien'");

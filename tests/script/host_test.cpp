@@ -144,8 +144,8 @@ TEST_F(HostDatabase, WritesAreRefusedAndNothingChanges) {
     const HostResult r = EvaluateScript(cn.get(), expr, true);
     ASSERT_FALSE(r.ok) << expr;
     EXPECT_EQ(r.error.number, kDatabaseError) << expr;
-    EXPECT_NE(r.error.description.find("Error de la base de datos"), std::string::npos)
-        << r.error.description;
+    // Said once, whether or not the adapter's own message already says it.
+    EXPECT_EQ(r.error.description.rfind("Error de la base de datos"), 0u) << r.error.description;
     EXPECT_EQ(Rows(), 3) << expr;
   }
   auto rs = cn->OpenResultset("select a from T where a = 1");

@@ -298,8 +298,13 @@ EvalResult Engine::Eval(std::string_view text) const {
     return Failure(e.number(), what.empty() ? ErrorDescription(e.number()) : std::string(what),
                    runtime_column);
   } catch (const DbError& e) {
-    return Failure(kDatabaseError, ErrorDescription(kDatabaseError) + ": " + e.what(),
-                   runtime_column);
+    // The adapters' messages already open with the generic description; others get it.
+    const std::string generic = ErrorDescription(kDatabaseError);
+    const std::string_view what = e.what();
+    return Failure(
+        kDatabaseError,
+        what.starts_with(generic) ? std::string(what) : generic + ": " + std::string(what),
+        runtime_column);
   } catch (const std::bad_alloc&) {
     return Failure(7, ErrorDescription(7), runtime_column);
   } catch (const std::exception& e) {
