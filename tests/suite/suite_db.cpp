@@ -4,7 +4,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include <gtest/gtest.h>
+#include "storage/install/sql_script.h"
 
 namespace kivmovfrec::testing {
 
@@ -12,35 +12,10 @@ void RunSqlFile(Connection& cn, const std::string& path) {
   std::ifstream in(path);
   if (!in) throw std::runtime_error("no se puede leer " + path);
   std::ostringstream text;
-  std::string line;
-  while (std::getline(in, line)) {
-    // Comments only start lines or follow code outside quotes in these scripts.
-    bool quoted = false;
-    size_t cut = line.size();
-    for (size_t i = 0; i + 1 < line.size(); ++i) {
-      if (line[i] == '\'') quoted = !quoted;
-      if (!quoted && line[i] == '-' && line[i + 1] == '-') {
-        cut = i;
-        break;
-      }
-    }
-    text << line.substr(0, cut) << '\n';
-  }
-  const std::string all = text.str();
+  text << in.rdbuf();
   // One transaction for the whole script: one write to disk instead of one per statement.
   cn.BeginTrans();
-  std::string statement;
-  bool quoted = false;
-  for (char c : all) {
-    if (c == '\'') quoted = !quoted;
-    if (c == ';' && !quoted) {
-      if (statement.find_first_not_of(" \t\r\n") != std::string::npos) cn.Execute(statement);
-      statement.clear();
-    } else {
-      statement += c;
-    }
-  }
-  if (statement.find_first_not_of(" \t\r\n") != std::string::npos) cn.Execute(statement);
+  install::RunScript(cn, path, text.str());
   cn.CommitTrans();
 }
 

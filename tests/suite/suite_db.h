@@ -1,5 +1,6 @@
 // Test helpers: the suite tables on a test database of either engine, created from the DDL
-// scripts in schema/ (the suite services do not depend on the installer).
+// scripts in schema/ read from the source tree (only the installer's script runner is used, so
+// these tests also check the files on disk, not just what the installer embeds).
 #pragma once
 
 #include <memory>
@@ -10,8 +11,7 @@
 
 namespace kivmovfrec::testing {
 
-// Runs every statement of an SQL script file (comments starting "--" dropped, statements split
-// at ";" outside quotes), in one transaction.
+// Runs every statement of an SQL script file in one transaction (install::RunScript).
 void RunSqlFile(Connection& cn, const std::string& path);
 
 // Creates the suite tables from schema/<engine>/schema.sql and, when asked, loads the demo
