@@ -17,26 +17,10 @@ using kmf_cli::Result;
 
 using Json = nlohmann::ordered_json;
 
-// A fresh SQLite demo database per test.
-class Calcular : public ::testing::Test {
- protected:
-  void SetUp() override {
-    const Result init = Run({"init", "--demo"});
-    ASSERT_EQ(init.status, 0) << init.err;
-  }
+// A fresh demo database per test, on each engine.
+class Calcular : public kmf_cli::DemoMotorTest {};
 
-  // movfrec --db <test db> --hoy 2026-11-10 `args`.
-  Result Run(const std::vector<std::string>& args) {
-    std::vector<std::string> all = {"--db", db_.uri(), "--hoy", "2026-11-10"};
-    all.insert(all.end(), args.begin(), args.end());
-    return kmf_cli::RunMovfrec(base_, all);
-  }
-
-  std::string base_ = kmf_cli::UniqueBase("movfrec_calc");
-  kmf_cli::CliDatabase db_{kmf_cli::Motor::SQLite, base_};
-};
-
-TEST_F(Calcular, TraceOfTheDemoMovementShowsABalancedEntryAndWhereEveryValueCameFrom) {
+TEST_P(Calcular, TraceOfTheDemoMovementShowsABalancedEntryAndWhereEveryValueCameFrom) {
   const Result r = Run({"calcular", "27", "--fecha", "20/11/2026", "--traza"});
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_TRUE(Has(r.out, "Fecha del cálculo: 20/11/2026")) << r.out;
@@ -71,7 +55,7 @@ TEST_F(Calcular, TraceOfTheDemoMovementShowsABalancedEntryAndWhereEveryValueCame
   EXPECT_EQ(doc["Renglones"][1]["Elementos"][1]["Fecha"], "16/11/2026");
 }
 
-TEST_F(Calcular, PromptsWithoutATerminalAreCancelledUnlessNotAsked) {
+TEST_P(Calcular, PromptsWithoutATerminalAreCancelledUnlessNotAsked) {
   const Result pedido = Run({"calcular", "2"});
   EXPECT_EQ(pedido.status, 1);
   EXPECT_TRUE(Has(pedido.err, "Fórmula sin resultado")) << pedido.err;
@@ -92,7 +76,7 @@ TEST_F(Calcular, PromptsWithoutATerminalAreCancelledUnlessNotAsked) {
   EXPECT_EQ(Run({"calcular", "1", "--fecha", "31/02/2026"}).status, 2);
 }
 
-TEST_F(Calcular, LegendMacros) {
+TEST_P(Calcular, LegendMacros) {
   const Result r =
       Run({"leyenda", "Alquiler &[FFAñoMes] al &[FUltimoDia]", "--fecha", "15/02/2008"});
   ASSERT_EQ(r.status, 0) << r.err;
@@ -101,7 +85,7 @@ TEST_F(Calcular, LegendMacros) {
   EXPECT_EQ(hoy.out, "10/11/2026\n");
 }
 
-TEST_F(Calcular, FormulaShownAndSavedBackThroughItsDisplayForm) {
+TEST_P(Calcular, FormulaShownAndSavedBackThroughItsDisplayForm) {
   const Result ver = Run({"formula", "ver", "2", "2"});
   ASSERT_EQ(ver.status, 0) << ver.err;
   EXPECT_EQ(ver.out, "Cuenta Ingresada(\"5.1.01 Sueldos y jornales ADM\")*0.24\n");
@@ -127,7 +111,7 @@ TEST_F(Calcular, FormulaShownAndSavedBackThroughItsDisplayForm) {
   EXPECT_EQ(Run({"formula", "ver", "2", "9"}).status, 1);
 }
 
-TEST_F(Calcular, AgendaComputesEachOccurrenceAsOfItsOwnDueDate) {
+TEST_P(Calcular, AgendaComputesEachOccurrenceAsOfItsOwnDueDate) {
   const Result r =
       Run({"--json", "agenda", "--desde", "2026-11-10", "--hasta", "2026-12-31", "--importes"});
   ASSERT_EQ(r.status, 0) << r.err;
@@ -154,7 +138,7 @@ TEST_F(Calcular, AgendaComputesEachOccurrenceAsOfItsOwnDueDate) {
   EXPECT_TRUE(Has(texto.out, "540.000,00")) << texto.out;
 }
 
-TEST_F(Calcular, VerAndExportarCarryTheDisplayFormWhichImportarIgnores) {
+TEST_P(Calcular, VerAndExportarCarryTheDisplayFormWhichImportarIgnores) {
   const Result ver = Run({"--json", "ver", "2"});
   ASSERT_EQ(ver.status, 0) << ver.err;
   const Json mov = Json::parse(ver.out);
@@ -177,7 +161,7 @@ TEST_F(Calcular, VerAndExportarCarryTheDisplayFormWhichImportarIgnores) {
 }  // namespace
 
 // movfrec evaluar: what a formula author sees when trying an expression.
-TEST_F(Calcular, EvaluarPrintsTheResultOrTheErrorWithACaretUnderItsColumn) {
+TEST_P(Calcular, EvaluarPrintsTheResultOrTheErrorWithACaretUnderItsColumn) {
   Result r = Run({"evaluar", "Round(1500.5*1.0825, 2)"});
   EXPECT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(r.out, "1624.29\n");
@@ -200,7 +184,7 @@ TEST_F(Calcular, EvaluarPrintsTheResultOrTheErrorWithACaretUnderItsColumn) {
   EXPECT_EQ(j["Error"]["Columna"], 0);
 }
 
-TEST_F(Calcular, EvaluarReadsTheDatabaseButNeverWritesIt) {
+TEST_P(Calcular, EvaluarReadsTheDatabaseButNeverWritesIt) {
   const std::string count = "rdoCBase.OpenResultset(\"select count(*) from genMonedas\")(0)";
   Result before = Run({"evaluar", count});
   ASSERT_EQ(before.status, 0) << before.err;
@@ -211,3 +195,5 @@ TEST_F(Calcular, EvaluarReadsTheDatabaseButNeverWritesIt) {
   EXPECT_TRUE(Has(write.err, "Error 40002")) << write.err;
   EXPECT_EQ(Run({"evaluar", count}).out, before.out);
 }
+
+KMF_CLI_MOTORES(Calcular);

@@ -180,6 +180,25 @@ class MotorTest : public ::testing::TestWithParam<Motor> {
   std::string db_;
 };
 
+// A MotorTest whose database holds the demo company (movfrec init --demo), with "today" fixed
+// at 10/11/2026 for every run.
+class DemoMotorTest : public MotorTest {
+ protected:
+  void SetUp() override {
+    MotorTest::SetUp();
+    if (NoPreparada()) return;
+    const Result init = Run({"init", "--demo"});
+    ASSERT_EQ(init.status, 0) << init.err;
+  }
+
+  // Runs movfrec --db <test db> --hoy 2026-11-10 `args`.
+  Result Run(const std::vector<std::string>& args) {
+    std::vector<std::string> all = {"--db", db_, "--hoy", "2026-11-10"};
+    all.insert(all.end(), args.begin(), args.end());
+    return RunMovfrec(base_, all);
+  }
+};
+
 }  // namespace kmf_cli
 
 // Instantiates a movfrec test suite once per engine.

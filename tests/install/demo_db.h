@@ -1,4 +1,4 @@
-// Helpers shared by the install tests: a fresh in-memory database and small query shortcuts.
+// Small query shortcuts shared by the database tests.
 #pragma once
 
 #include <memory>
@@ -6,16 +6,8 @@
 #include <string_view>
 
 #include "kivmovfrec/db.h"
-#include "kivmovfrec/install.h"
 
 namespace kivmovfrec::testing {
-
-// A private in-memory database with the suite tables and, when asked, the demo company.
-inline std::shared_ptr<Connection> OpenInstalledDb(bool demo = true) {
-  auto cn = OpenConnection("sqlite::memory:");
-  InstallSchema(*cn, {.demo = demo});
-  return cn;
-}
 
 // First column of the first row, Null when there is no row.
 inline Variant Scalar(Connection& cn, std::string_view sql) {

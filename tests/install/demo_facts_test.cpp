@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "install/demo_db.h"
+#include "kivmovfrec/install.h"
 #include "platform/vb/convert.h"
 #include "support/db_engines.h"
 

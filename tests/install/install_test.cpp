@@ -8,6 +8,7 @@
 #include <string>
 
 #include "install/demo_db.h"
+#include "kivmovfrec/install.h"
 #include "storage/install/sql_script.h"
 #include "support/db_engines.h"
 #include "support/db_snapshot.h"
@@ -154,7 +155,9 @@ TEST(InstallDemo, BothEnginesHoldTheSameDemo) {
   for (const auto& table : AllTables()) EXPECT_EQ(sa.at(table), sb.at(table)) << table;
 }
 
-TEST(RunScript, SplitsAtSemicolonsOutsideQuotesAndComments) {
+class RunScript : public EngineTest {};
+
+TEST_P(RunScript, SplitsAtSemicolonsOutsideQuotesAndComments) {
   const std::string script =
       "-- cabecera; con punto y coma y 'comilla\n"
       "Create Table t (a VARCHAR(20));\n"
@@ -170,14 +173,12 @@ TEST(RunScript, SplitsAtSemicolonsOutsideQuotesAndComments) {
   // The same text as an earlier statement still gets its own line.
   EXPECT_EQ(statements[3].line, 6);
 
-  auto cn = OpenConnection("sqlite::memory:");
   install::RunScript(*cn, "prueba.sql", script);
   EXPECT_EQ(CountRows(*cn, "Select * From t Where a = '[1:101;0;0]'"), 2);
   EXPECT_EQ(Scalar(*cn, "Select a From t Where a Like 'it%'"), Variant("it's; -- no comment"));
 }
 
-TEST(RunScript, ReportsScriptAndLineOfTheFailingStatement) {
-  auto cn = OpenConnection("sqlite::memory:");
+TEST_P(RunScript, ReportsScriptAndLineOfTheFailingStatement) {
   try {
     install::RunScript(*cn, "prueba.sql",
                        "Create Table t (a INTEGER);\n\nInsert Into nada Values (1);");
@@ -188,12 +189,13 @@ TEST(RunScript, ReportsScriptAndLineOfTheFailingStatement) {
   }
 }
 
-TEST(RunScript, UnclosedQuoteIsAnError) {
-  auto cn = OpenConnection("sqlite::memory:");
+TEST_P(RunScript, UnclosedQuoteIsAnError) {
   EXPECT_THROW(install::RunScript(*cn, "prueba.sql", "Create Table t (a INTEGER);\nSelect 'abc"),
                DbError);
   EXPECT_THROW(cn->OpenResultset("Select * From t"), DbError);
 }
+
+KMF_INSTANTIATE_ENGINES(RunScript);
 
 }  // namespace
 }  // namespace kivmovfrec::testing

@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "install/demo_db.h"
+#include "kivmovfrec/install.h"
 #include "install/sql_corpus.h"
 #include "support/db_engines.h"
 #include "support/db_snapshot.h"

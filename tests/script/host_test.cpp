@@ -9,6 +9,7 @@
 #include "platform/script/rdo.h"
 #include "platform/script/script_host.h"
 #include "script_test_util.h"
+#include "support/db_engines.h"
 
 namespace kivmovfrec::script::testing {
 namespace {
@@ -88,10 +89,10 @@ TEST(ScriptHost, ClockReachesTheScript) {
   EXPECT_EQ(r.text, "200508");
 }
 
-class HostDatabase : public ::testing::Test {
+// rdoCBase over a small table, on each engine.
+class HostDatabase : public kivmovfrec::testing::EngineTest {
  protected:
-  void SetUp() override {
-    cn = OpenConnection("sqlite::memory:");
+  void SetUpDatabase() override {
     cn->Execute("create table T (a integer, b text)");
     cn->Execute("insert into T values (1, 'uno')");
     cn->Execute("insert into T values (2, 'dos')");
@@ -106,10 +107,9 @@ class HostDatabase : public ::testing::Test {
     if (v.type() == VarType::Integer) return v.AsInteger();
     return static_cast<int64_t>(v.AsDouble());
   }
-  std::shared_ptr<Connection> cn;
 };
 
-TEST_F(HostDatabase, QueriesThroughRdoCBase) {
+TEST_P(HostDatabase, QueriesThroughRdoCBase) {
   struct Case {
     const char* expr;
     const char* text;
@@ -136,7 +136,7 @@ TEST_F(HostDatabase, QueriesThroughRdoCBase) {
   }
 }
 
-TEST_F(HostDatabase, WritesAreRefusedAndNothingChanges) {
+TEST_P(HostDatabase, WritesAreRefusedAndNothingChanges) {
   for (const char* expr :
        {"rdoCBase.OpenResultset(\"delete from T\")",
         "rdoCBase.OpenResultset(\"update T set a = 0\")(0)",
@@ -152,7 +152,7 @@ TEST_F(HostDatabase, WritesAreRefusedAndNothingChanges) {
   ASSERT_FALSE(rs->Eof());
 }
 
-TEST_F(HostDatabase, BadSqlAndBadFieldsAreScriptErrors) {
+TEST_P(HostDatabase, BadSqlAndBadFieldsAreScriptErrors) {
   struct Case {
     const char* expr;
     int number;
@@ -175,13 +175,13 @@ TEST_F(HostDatabase, BadSqlAndBadFieldsAreScriptErrors) {
   }
 }
 
-TEST_F(HostDatabase, ConnectionHiddenWithoutTheFlag) {
+TEST_P(HostDatabase, ConnectionHiddenWithoutTheFlag) {
   const HostResult r = EvaluateScript(cn.get(), "rdoCBase.OpenResultset(\"select 1\")(0)", false);
   ASSERT_FALSE(r.ok);
   EXPECT_EQ(r.error.number, 424);
 }
 
-TEST_F(HostDatabase, ResultSetWalksRowsAndCloses) {
+TEST_P(HostDatabase, ResultSetWalksRowsAndCloses) {
   Engine engine(FixedClock());
   engine.AddObject("rdoCBase", MakeRdoConnection(cn), true);
   const EvalResult r = engine.Eval("rdoCBase.OpenResultset(\"select a from T order by a\")");
@@ -199,6 +199,8 @@ TEST_F(HostDatabase, ResultSetWalksRowsAndCloses) {
   rs.Invoke("Close", {});
   EXPECT_THROW(rs.Invoke("EOF", {}), VbError);
 }
+
+KMF_INSTANTIATE_ENGINES(HostDatabase);
 
 }  // namespace
 }  // namespace kivmovfrec::script::testing
