@@ -14,29 +14,17 @@
 
 namespace {
 
+using kmf_cli::Has;
 using kmf_cli::Result;
 using kmf_cli::Slurp;
 
 using Json = nlohmann::ordered_json;
 
 // Each test runs on a fresh demo database of each engine.
-class MovfrecComandos : public kmf_cli::MotorTest {
+class MovfrecComandos : public kmf_cli::DemoMotorTest {
  protected:
-  void SetUp() override {
-    MotorTest::SetUp();
-    if (NoPreparada()) return;
-    const Result init = Run({"init", "--demo"});
-    ASSERT_EQ(init.status, 0) << init.err;
-  }
   void TearDown() override {
     for (const char* suffix : {".json", ".ics"}) std::remove((base_ + suffix).c_str());
-  }
-
-  // Runs movfrec --db <test db> --hoy 2026-11-10 `args`.
-  Result Run(const std::vector<std::string>& args) {
-    std::vector<std::string> all = {"--db", db_, "--hoy", "2026-11-10"};
-    all.insert(all.end(), args.begin(), args.end());
-    return kmf_cli::RunMovfrec(base_, all);
   }
 
   Json RunJson(const std::vector<std::string>& args) {
@@ -479,6 +467,41 @@ TEST_P(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
   const Result vacio = Run({"agenda", "--desde", "2030-01-01", "--hasta", "2030-01-02"});
   EXPECT_NE(vacio.out.find("No hay vencimientos ni avisos"), std::string::npos) << vacio.out;
   EXPECT_EQ(Run({"agenda", "--desde", "2026-12-01", "--hasta", "2026-11-01"}).status, 2);
+}
+
+// The main job: what falls due becomes posted documents once, in due-date order.
+TEST_P(MovfrecComandos, EjecutarPostsWhatFallsDueOnce) {
+  const Result r = Run({"ejecutar", "--hasta", "30/11/2026"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  for (const char* linea :
+       {"10/11/2026  1 Alquiler mensual de oficina: asiento 101 por 540.000,00\n",
+        "10/11/2026  25 Pago de cargas sociales: asiento 102 por 205.000,00; asiento 103 del "
+        "movimiento 26 por 205,00\n",
+        "30/11/2026  4 Diferencia de cambio Banco en dólares: asiento 105 por 29.750,00\n",
+        "4 ocurrencias ejecutadas hasta el 30/11/2026, 5 documentos, 0 con error.\n"}) {
+    EXPECT_TRUE(Has(r.out, linea)) << linea << "\n" << r.out;
+  }
+  EXPECT_EQ(Ver(1)["Recurrencia"]["FechaProxima"], "10/12/2026");
+
+  // Nothing is due any more up to that day; the next month's voucher is, as JSON.
+  EXPECT_TRUE(Has(Run({"ejecutar", "--hasta", "2026-11-30"}).out, "0 ocurrencias ejecutadas"));
+  const Json lista = RunJson({"ejecutar", "--hasta", "2026-12-01"});
+  ASSERT_EQ(lista.size(), 1u);
+  EXPECT_EQ(lista[0]["ID"], 6);
+  EXPECT_EQ(lista[0]["Fecha"], "01/12/2026");
+  EXPECT_EQ(lista[0]["Documentos"][0]["Tipo"], 2);
+  EXPECT_EQ(lista[0]["Documentos"][0]["Total"], 121000.0);
+
+  // An occurrence that cannot run unattended is reported, exit 1, and stays due.
+  ASSERT_TRUE(db_obj_->Sql(
+      "Update genRenglonMovFrecuentes Set RMFFormula = '[11:Importe]' Where RMFMovimiento = 1 "
+      "And RMFOrden = 1"));
+  const Result falla = Run({"ejecutar", "--hasta", "2026-12-10"});
+  EXPECT_EQ(falla.status, 1);
+  EXPECT_TRUE(Has(falla.out, "10/12/2026  1 Alquiler mensual de oficina: no ejecutado"))
+      << falla.out;
+  EXPECT_EQ(Ver(1)["Recurrencia"]["FechaProxima"], "10/12/2026");
+  EXPECT_EQ(Run({"ejecutar", "--hasta", "31/02/2027"}).status, 2);
 }
 
 KMF_CLI_MOTORES(MovfrecComandos);

@@ -17,6 +17,8 @@ class FaultyConnection : public Connection {
   FaultyConnection(std::shared_ptr<Connection> inner, int fail_at, bool count_commit = true)
       : inner_(std::move(inner)), fail_at_(fail_at), count_commit_(count_commit) {}
 
+  // Moves the failing statement (0: never), e.g. once the set-up statements are counted.
+  void FailAt(int fail_at) { fail_at_ = fail_at; }
   // Statements seen so far (including the failed one).
   int statements() const { return count_; }
   bool failed() const { return failed_; }
