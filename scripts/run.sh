@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds movfrec (release) and runs the main job on the embedded SQLite database movfrec.db,
-# creating it with the demo company when it does not exist yet.
+# Builds movfrec (release) and runs the main job, `movfrec ejecutar` (everything due up to today
+# becomes a posted document), on the embedded SQLite database movfrec.db, creating it with the
+# demo company when it does not exist yet.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh
@@ -11,4 +12,4 @@ mf=build/release/cli/movfrec
 if [[ "$db" == sqlite:* && ! -e "${db#sqlite:}" ]]; then
   "$mf" --db "$db" init --demo
 fi
-"$mf" --db "$db" listar
+"$mf" --db "$db" ejecutar

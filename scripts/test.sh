@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds and runs every test:
 #   1. a GCC build (benchmarks compiled too) and its tests, against SQLite and against a
-#      throwaway PostgreSQL cluster on 127.0.0.1;
+#      throwaway PostgreSQL cluster on 127.0.0.1; a host built against the installed package;
+#      the run command of the README (release build, main job on a fresh demo database);
 #   2. a clang build under AddressSanitizer + UndefinedBehaviorSanitizer, the same tests, and
 #      each libFuzzer target for FUZZ_SECONDS (default 60) seconds.
 # Stops at the first failing step; the cluster is stopped and removed on every exit.
@@ -37,6 +38,11 @@ cmake -S tests/package -B build/package-host -G Ninja \
 cmake --build build/package-host
 LD_LIBRARY_PATH="$PWD/build/package-prefix/lib" build/package-host/host_shared
 build/package-host/host_static
+
+echo "== the run command: release build of movfrec and the main job on a fresh demo database"
+run_dir=$(mktemp -d)
+MOVFREC_DB="sqlite:$run_dir/movfrec.db" bash scripts/run.sh
+rm -rf "$run_dir"
 
 echo "== clang build with AddressSanitizer + UndefinedBehaviorSanitizer (and fuzz targets)"
 cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ \
