@@ -1,8 +1,8 @@
 // Several processes using the façade on one database at the same time, on every engine (one
 // SQLite file shared by the processes, or one PostgreSQL schema): locked saves draw distinct
-// keys and none is lost; an occurrence marked done from several processes is never counted
-// twice; and a database held by another connection gives a clear error, bounded by the busy or
-// lock timeout, that the façade reports.
+// keys and none is lost; an occurrence marked done, or executed by the main job, from several
+// processes is never counted or written twice; and a database held by another connection gives a
+// clear error, bounded by the busy or lock timeout, that the façade reports.
 #include <iostream>
 #include <map>
 #include <memory>
@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "api/ejecucion.h"
 #include "fachada_fixture.h"
 #include "platform/db/postgres/pg_connection.h"
 #include "platform/db/sqlite/sqlite_connection.h"
@@ -183,6 +184,52 @@ TEST_P(Concurrencia, OcurrenciaRealizadaDesdeVariosProcesosNoSeCuentaDosVeces) {
   EXPECT_EQ(ultimas, 1);
   EXPECT_EQ(Agenda(semanal).NumOcurrencia(), 30);
   EXPECT_EQ(Estado(semanal), ToInt(enuEstadoMF::Realizado));
+}
+
+TEST_P(Concurrencia, TresProcesosEjecutanLoVencidoYCadaOcurrenciaSeEjecutaUnaVez) {
+  constexpr int kProcesos = 3;
+  constexpr int kOcurrencias = 12;  // due up to 15/01/2027 in the demo (one run alone)
+  const std::string uri = database().uri();
+  const auto resultado = RunInChildren(kProcesos, [&](int, std::ostream& out) {
+    FachadaPropia f(OpenConnection(uri));
+    for (const auto& o : api::EjecutarVencidos(f.mf, *f.cn, 1, suite::SerialOf(2027, 1, 15))) {
+      out << o.movimiento << ' ' << o.fecha.serial << ' ' << (o.ok() ? 1 : 0) << '\n';
+    }
+    return 0;
+  });
+  std::map<std::pair<int32_t, double>, int> ejecutadas;  // (movement, due date) -> times done
+  int hechas = 0, cedidas = 0;
+  for (int p = 0; p < kProcesos; ++p) {
+    EXPECT_EQ(resultado.statuses[p], 0) << "proceso " << p << ":\n" << resultado.outputs[p];
+    std::istringstream in(resultado.outputs[p]);
+    int32_t mov = 0;
+    double fecha = 0;
+    int ok = 0;
+    while (in >> mov >> fecha >> ok) {
+      if (ok == 0) {
+        ++cedidas;  // another process had it: skipped, nothing written
+        continue;
+      }
+      ++hechas;
+      ++ejecutadas[{mov, fecha}];
+    }
+  }
+  int repetidas = 0;
+  for (const auto& [clave, veces] : ejecutadas) repetidas += veces > 1;
+  // The documents the runs wrote: one per movement and due day at most.
+  const int duplicados =
+      CountRows(*cn,
+                "Select AsiMovFrecuente, AsiFecha From cceAsientos Where AsiID > 100 Group By "
+                "AsiMovFrecuente, AsiFecha Having Count(*) > 1");
+  std::cout << "[ concurrencia ] ejecutar (" << Motor() << "): " << kProcesos << " procesos, "
+            << hechas << " ocurrencias ejecutadas, " << cedidas
+            << " cedidas a otro proceso, repetidas = " << repetidas
+            << ", asientos duplicados = " << duplicados << "\n";
+  EXPECT_EQ(hechas, kOcurrencias);
+  EXPECT_EQ(static_cast<int>(ejecutadas.size()), kOcurrencias);
+  EXPECT_EQ(repetidas, 0);
+  EXPECT_EQ(duplicados, 0);
+  EXPECT_EQ(Agenda(1).FechaProxima(), "10/02/2027");
 }
 
 // A connection with a short wait for locks, so the tests below do not wait long.
