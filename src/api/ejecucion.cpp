@@ -188,8 +188,11 @@ class Ejecutor {
     doc.total = DeCentavos(debe);
     if (lineas.empty()) return doc;
 
+    // The movement's memo is its legend template ("Alquiler de oficina &[FFAñoMes]"); a
+    // movement without one is described by its name.
+    const std::string& plantilla = cab.Memo().empty() ? cab.Nombre() : cab.Memo();
     const std::string leyenda = vb::Left(
-        formula::InterpretarFormulaLeyenda(cab.Nombre(), SoloDia(fecha), reloj_), kLargoLeyenda);
+        formula::InterpretarFormulaLeyenda(plantilla, SoloDia(fecha), reloj_), kLargoLeyenda);
     if (cab.Tipo() == enuTipoMovFrec::Comprobante) {
       doc.id = Comprobante(cab, lineas, SoloDia(fecha), leyenda);
     } else {

@@ -20,8 +20,8 @@
 //     document. Refused (nothing of the occurrence is written): debits and credits that differ
 //     after rounding, and an entry in a currency other than the company's accounting currency
 //     (its debit and credit are kept in the accounting currency and no conversion is made).
-//     The legend (AsiLeyenda / ComDetalle) is the movement's name with its date macros expanded
-//     for the due day.
+//     The legend (AsiLeyenda / ComDetalle) is the movement's memo, or its name when it has none,
+//     with its date macros expanded for the due day.
 //  4. The schedule advances (AvanceAgenda::Realizar): next due date, or Realizado after the last.
 // A failed occurrence is rolled back and reported; the movement's later occurrences are not
 // attempted in this run (they would come out of order), the other movements go on.

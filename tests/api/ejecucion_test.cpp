@@ -74,7 +74,8 @@ TEST_P(Ejecucion, EveryDueOccurrenceBecomesOnePostedBalancedDocumentAndItsSchedu
   EXPECT_EQ(vb::CLng(Scalar(*cn, "Select AsiMovFrecuente" + donde)), 1);
   EXPECT_EQ(vb::CLng(Scalar(*cn, "Select AsiEstado" + donde)), 1);
   EXPECT_EQ(vb::CDate(Scalar(*cn, "Select AsiFecha" + donde)), Dia(2026, 11, 10));
-  EXPECT_EQ(vb::CStr(Scalar(*cn, "Select AsiLeyenda" + donde)), "Alquiler mensual de oficina");
+  // The memo's legend with its macros for the due day.
+  EXPECT_EQ(vb::CStr(Scalar(*cn, "Select AsiLeyenda" + donde)), "Alquiler de oficina 11/2026");
   const std::string lineas =
       " From cceAsientoCuenta Where ACuIDAsiento = " + std::to_string(asiento);
   EXPECT_DOUBLE_EQ(vb::CDbl(Scalar(*cn, "Select Sum(ACuDebe)" + lineas)), 540000);
