@@ -1,6 +1,7 @@
 #include "formula/formula_mf.h"
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 
 #include "platform/vb/convert.h"
@@ -42,7 +43,8 @@ std::string Entrecomillar(std::string_view texto) {
 
 std::optional<int64_t> EnteroDe(std::string_view s) {
   auto v = vb::ParseNumber(vb::Trim(s), vb::Locale::Invariant());
-  if (!v || *v != static_cast<double>(static_cast<int64_t>(*v))) return std::nullopt;
+  // Only whole numbers well inside the 64-bit range convert (a longer run of digits is not a key).
+  if (!v || !(std::fabs(*v) < 9.0e18) || *v != std::trunc(*v)) return std::nullopt;
   if (vb::Trim(s).find_first_not_of("+-0123456789") != std::string::npos) return std::nullopt;
   return static_cast<int64_t>(*v);
 }
