@@ -6,6 +6,7 @@
 
 #include "api/avance_agenda.h"
 #include "api/derechos.h"
+#include "api/grupo_vinculado.h"
 #include "core/clock.h"
 #include "platform/vb/convert.h"
 #include "resources/catalogue.h"
@@ -265,7 +266,8 @@ bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez)
       Deshacer(*cn_, iniciada);
       return false;
     }
-    for (int32_t miembro : avance.MiembrosDelGrupo(lIDMF)) avance.Realizar(miembro);
+    // The rest of its linked group, in execution order (lIDMF itself is not marked twice).
+    for (const api::MiembroGrupo& m : api::GrupoEnOrden(*cn_, lIDMF)) avance.Realizar(m.id);
     cn_->CommitTrans();
     bPorUnicaVez = r == api::ResultadoOcurrencia::Terminada;
     return true;

@@ -3,11 +3,17 @@
 // keys and none is lost; an occurrence marked done, or executed by the main job, from several
 // processes is never counted or written twice; and a database held by another connection gives a
 // clear error, bounded by the busy or lock timeout, that the façade reports.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <atomic>
 #include <iostream>
 #include <map>
 #include <memory>
+#include <new>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -18,6 +24,7 @@
 #include "platform/vb/dates.h"
 #include "platform/vb/format.h"
 #include "support/child_processes.h"
+#include "support/faulty_connection.h"
 
 namespace kivmovfrec::testing {
 namespace {
@@ -34,6 +41,29 @@ struct FachadaPropia {
   std::shared_ptr<Connection> cn;
   suite::ScriptedServices sv;
   clsMovFrecuente mf;
+};
+
+// A start line for child processes: each waits there until all have reached it (at most 30 s),
+// so that their work really overlaps. It lives in memory shared across fork().
+class Salida {
+ public:
+  explicit Salida(int procesos) : total_(procesos) {
+    void* p = ::mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE,
+                     MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (p == MAP_FAILED) throw std::runtime_error("mmap");
+    listos_ = new (p) std::atomic<int>(0);
+  }
+  ~Salida() { ::munmap(listos_, sizeof(std::atomic<int>)); }
+  Salida(const Salida&) = delete;
+  Salida& operator=(const Salida&) = delete;
+  void Esperar() {
+    listos_->fetch_add(1);
+    for (int i = 0; i < 30000 && listos_->load() < total_; ++i) ::usleep(1000);
+  }
+
+ private:
+  int total_;
+  std::atomic<int>* listos_;
 };
 
 // A new entry with two lines in the façade's current movement.
@@ -190,45 +220,61 @@ TEST_P(Concurrencia, TresProcesosEjecutanLoVencidoYCadaOcurrenciaSeEjecutaUnaVez
   constexpr int kProcesos = 3;
   constexpr int kOcurrencias = 12;  // due up to 15/01/2027 in the demo (one run alone)
   const std::string uri = database().uri();
+  Salida salida(kProcesos);
   const auto resultado = RunInChildren(kProcesos, [&](int, std::ostream& out) {
     FachadaPropia f(OpenConnection(uri));
-    for (const auto& o : api::EjecutarVencidos(f.mf, *f.cn, 1, suite::SerialOf(2027, 1, 15))) {
-      out << o.movimiento << ' ' << o.fecha.serial << ' ' << (o.ok() ? 1 : 0) << '\n';
+    salida.Esperar();
+    const auto r = api::EjecutarVencidos(f.mf, *f.cn, 1, suite::SerialOf(2027, 1, 15));
+    for (const auto& o : r.ocurrencias) {
+      out << o.movimiento << ' ' << o.fecha.serial << ' ' << static_cast<int>(o.estado) << '\n';
     }
-    return 0;
+    return r.completa() ? 0 : 1;
   });
   std::map<std::pair<int32_t, double>, int> ejecutadas;  // (movement, due date) -> times done
-  int hechas = 0, cedidas = 0;
+  std::map<api::EstadoOcurrencia, int> estados;
   for (int p = 0; p < kProcesos; ++p) {
     EXPECT_EQ(resultado.statuses[p], 0) << "proceso " << p << ":\n" << resultado.outputs[p];
     std::istringstream in(resultado.outputs[p]);
     int32_t mov = 0;
     double fecha = 0;
-    int ok = 0;
-    while (in >> mov >> fecha >> ok) {
-      if (ok == 0) {
-        ++cedidas;  // another process had it: skipped, nothing written
-        continue;
-      }
-      ++hechas;
-      ++ejecutadas[{mov, fecha}];
+    int estado = 0;
+    while (in >> mov >> fecha >> estado) {
+      ++estados[static_cast<api::EstadoOcurrencia>(estado)];
+      if (estado == static_cast<int>(api::EstadoOcurrencia::Ejecutada)) ++ejecutadas[{mov, fecha}];
     }
   }
   int repetidas = 0;
   for (const auto& [clave, veces] : ejecutadas) repetidas += veces > 1;
-  // The documents the runs wrote: one per movement and due day at most.
+  // The documents the runs wrote: one per movement and due day at most, each balanced.
+  const auto contar = [&](const char* sql) { return CountRows(*cn, sql); };
   const int duplicados =
-      CountRows(*cn,
-                "Select AsiMovFrecuente, AsiFecha From cceAsientos Where AsiID > 100 Group By "
-                "AsiMovFrecuente, AsiFecha Having Count(*) > 1");
-  std::cout << "[ concurrencia ] ejecutar (" << Motor() << "): " << kProcesos << " procesos, "
-            << hechas << " ocurrencias ejecutadas, " << cedidas
-            << " cedidas a otro proceso, repetidas = " << repetidas
-            << ", asientos duplicados = " << duplicados << "\n";
-  EXPECT_EQ(hechas, kOcurrencias);
+      contar(
+          "Select AsiMovFrecuente, AsiFecha From cceAsientos Where AsiID > 100 Group By "
+          "AsiMovFrecuente, AsiFecha Having Count(*) > 1") +
+      contar(
+          "Select ComMovFrecuente, ComFecha From cceComprobantes Where ComID > 100 Group By "
+          "ComMovFrecuente, ComFecha Having Count(*) > 1");
+  const int descuadrados =
+      contar(
+          "Select ACuIDAsiento From cceAsientoCuenta Where ACuIDAsiento > 100 Group By "
+          "ACuIDAsiento Having Abs(Sum(ACuDebe) - Sum(ACuHaber)) > 0.001") +
+      contar(
+          "Select CCuIDComprobante From cceComprobanteCuenta Where CCuIDComprobante > 100 "
+          "Group By CCuIDComprobante Having Abs(Sum(CCuDebe) - Sum(CCuHaber)) > 0.001");
+  const int comprobantes = contar("Select ComID From cceComprobantes Where ComID > 100");
+  const int en_otra = estados[api::EstadoOcurrencia::HechaEnOtraParte];
+  std::cout << "[ concurrencia ] ejecutar (" << Motor() << "): " << kProcesos
+            << " procesos a la vez, " << ejecutadas.size() << " ocurrencias ejecutadas, " << en_otra
+            << " halladas hechas por otro proceso, repetidas = " << repetidas
+            << ", documentos duplicados = " << duplicados << ", descuadrados = " << descuadrados
+            << "\n";
   EXPECT_EQ(static_cast<int>(ejecutadas.size()), kOcurrencias);
   EXPECT_EQ(repetidas, 0);
+  EXPECT_EQ(estados[api::EstadoOcurrencia::Fallida], 0);
+  EXPECT_GT(en_otra, 0) << "los procesos no llegaron a competir";
   EXPECT_EQ(duplicados, 0);
+  EXPECT_EQ(descuadrados, 0);
+  EXPECT_EQ(comprobantes, 2);
   EXPECT_EQ(Agenda(1).FechaProxima(), "10/02/2027");
 }
 
@@ -240,6 +286,88 @@ std::shared_ptr<Connection> Impaciente(const TestDatabase& db) {
                               sqlite::Options{.busy_timeout_ms = kEspera});
   }
   return postgres::OpenPostgres(db.uri(), postgres::Options{.lock_timeout_ms = kEspera});
+}
+
+// Counts the transactions begun through it.
+class ContadoraDeTransacciones : public FaultyConnection {
+ public:
+  explicit ContadoraDeTransacciones(std::shared_ptr<Connection> real)
+      : FaultyConnection(std::move(real), 0) {}
+  void BeginTrans() override {
+    ++iniciadas;
+    FaultyConnection::BeginTrans();
+  }
+  int iniciadas = 0;
+};
+
+// 100 movements due while another connection holds the database (SQLite) or the movements
+// table (PostgreSQL): the main job stops at its first wait, says why once and writes nothing.
+// On PostgreSQL a row held by another transaction skips only that movement.
+TEST_P(Concurrencia, EjecutarSeDetieneAlPrimerBloqueoDeLaBaseYUnaFilaBloqueadaSoloSeSalta) {
+  constexpr int kVencidos = 100;
+  std::vector<int32_t> ids;
+  for (int i = 0; i < kVencidos; ++i) {
+    NuevoConLineas(mf, "Vencido " + std::to_string(i));
+    auto e = mf.EstructuraMovFrec();
+    for (int16_t l = 1; l <= 2; ++l) e->Renglones()->Renglon(l)->ImporteMF(100);
+    e->Recurrencia()->Frecuencia("000000");
+    e->Recurrencia()->FechaProxima("09/11/2026");
+    ids.push_back(mf.SaveMovimientoFrecuente());
+  }
+  struct Corrida {
+    api::ResultadoEjecucion r;
+    int iniciadas = 0, informadas = 0, mensajes = 0;
+  };
+  const auto correr = [&] {
+    auto cuenta = std::make_shared<ContadoraDeTransacciones>(Impaciente(database()));
+    FachadaPropia f(cuenta);
+    Corrida c;
+    c.r = api::EjecutarVencidos(f.mf, *cuenta, 1, suite::SerialOf(2026, 11, 9),
+                                [&](const auto&, const auto&) { ++c.informadas; });
+    c.iniciadas = cuenta->iniciadas;
+    c.mensajes = static_cast<int>(f.sv.messages->shown().size());
+    return c;
+  };
+  const auto documentos = [&] {
+    return CountRows(*cn, "Select AsiID From cceAsientos Where AsiID > 100");
+  };
+
+  auto otro = OpenAnother();
+  otro->BeginTrans();
+  otro->Execute(postgres() ? "Lock Table genMovimientosFrecuentes In Exclusive Mode"
+                           : "Update genMovimientosFrecuentes Set MFrNombre = MFrNombre");
+  const Snapshot antes = Tablas();
+  const Corrida bloqueada = correr();
+  EXPECT_FALSE(bloqueada.r.completa());
+  EXPECT_NE(bloqueada.r.detenida.find("bloqueada por otra conexión"), std::string::npos)
+      << bloqueada.r.detenida;
+  EXPECT_EQ(bloqueada.iniciadas, 1);
+  EXPECT_EQ(bloqueada.informadas, 0);
+  EXPECT_TRUE(bloqueada.r.ocurrencias.empty());
+  EXPECT_EQ(bloqueada.mensajes, 0);
+  EXPECT_EQ(Tablas(), antes);
+  EXPECT_EQ(documentos(), 0);
+  otro->RollbackTrans();
+  if (!postgres()) return;
+
+  const int32_t tomado = ids[kVencidos / 2];
+  otro->BeginTrans();
+  otro->Execute("Update genMovimientosFrecuentes Set MFrNombre = MFrNombre Where MFrID = " +
+                std::to_string(tomado));
+  const Corrida fila = correr();
+  otro->RollbackTrans();
+  EXPECT_TRUE(fila.r.completa()) << fila.r.detenida;
+  EXPECT_EQ(fila.iniciadas, kVencidos);
+  EXPECT_EQ(fila.informadas, kVencidos);
+  for (const auto& o : fila.r.ocurrencias) {
+    EXPECT_EQ(o.ok(), o.movimiento != tomado) << o.movimiento << ": " << o.error;
+    if (o.movimiento == tomado) {
+      EXPECT_NE(o.error.find("otra transacción tiene tomado el movimiento"), std::string::npos)
+          << o.error;
+    }
+  }
+  EXPECT_EQ(documentos(), kVencidos - 1);
+  EXPECT_EQ(Agenda(tomado).FechaProxima(), "09/11/2026");
 }
 
 TEST_P(Concurrencia, BaseOcupadaDaUnErrorClaroQueLaFachadaInforma) {
