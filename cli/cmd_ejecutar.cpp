@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <iostream>
+#include <map>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -137,11 +138,12 @@ Action Setup(CLI::App& app) {
     const Date limite = hasta->empty() ? ctx.services().clock->Today() : ParseFecha(*hasta).value();
     auto fachada = AbrirFachada(ctx);
     Progreso progreso(ctx);
-    int fallidas = 0, documentos = 0;
+    std::map<EstadoOcurrencia, size_t> por_estado;
+    int documentos = 0;
     if (ctx.json()) ctx.out() << "[" << std::flush;
     const auto al_terminar = [&](const api::OcurrenciaEjecutada& o,
                                  const api::ProgresoEjecucion& p) {
-      if (!o.ok()) ++fallidas;
+      ++por_estado[o.estado];
       if (o.estado == EstadoOcurrencia::Ejecutada) {
         for (const auto& d : o.documentos) documentos += d.id != 0;
       }
@@ -163,12 +165,15 @@ Action Setup(CLI::App& app) {
       ctx.out() << (r.ocurrencias.empty() ? "]\n" : "\n]\n");
     } else {
       ctx.out() << fmt::format(
-          "{} ocurrencias ejecutadas hasta el {}, {} documentos, {} con error.\n",
-          r.ocurrencias.size() - fallidas, FechaTexto(limite), documentos, fallidas);
+          "{} ocurrencias hasta el {}: {} ejecutadas, {} ya generadas, {} hechas en otra "
+          "ejecución, {} con error; {} documentos.\n",
+          r.ocurrencias.size(), FechaTexto(limite), por_estado[EstadoOcurrencia::Ejecutada],
+          por_estado[EstadoOcurrencia::YaGenerada], por_estado[EstadoOcurrencia::HechaEnOtraParte],
+          por_estado[EstadoOcurrencia::Fallida], documentos);
     }
     ctx.out().flush();
     if (!r.completa()) return Rechazo(ctx, "ejecutar", "se detuvo: " + r.detenida);
-    return fallidas == 0 ? kExitOk : kExitFailed;
+    return por_estado[EstadoOcurrencia::Fallida] == 0 ? kExitOk : kExitFailed;
   };
 }
 
