@@ -10,7 +10,8 @@
 namespace kivmovfrec::testing {
 namespace {
 
-// The suite's calculator, counting the calls and failing on the n-th ProximaFecha when asked.
+// A host's calculator with only the four original operations (ProximaFechaAnclada falls back on
+// ProximaFecha): the suite's, counting the calls and failing on the n-th ProximaFecha when asked.
 class CalendarioEspia : public IDateCalculator {
  public:
   std::string EditarFrecuencia() override { return real_.EditarFrecuencia(); }
@@ -63,26 +64,31 @@ class Agendas : public Fachada {
   }
 };
 
-TEST_P(Agendas, TresOcurrenciasTerminanEnRealizadoConNumeroTres) {
-  const int32_t id = NuevoAgendado("10/01/2027", "10/03/2027 18:00", 0);
-  EXPECT_FALSE(Realizar(id, 1));
-  EXPECT_EQ(Agenda(id).FechaProxima(), "10/02/2027");
-  EXPECT_EQ(Agenda(id).NumOcurrencia(), 2);
-  EXPECT_FALSE(Realizar(id, 1));
-  EXPECT_EQ(Estado(id), 0);
-  EXPECT_TRUE(Realizar(id, 1));  // the third was the last
-
-  EXPECT_EQ(Estado(id), ToInt(enuEstadoMF::Realizado));
-  EXPECT_EQ(vb::DateOnly(vb::CDate(Mov(id, "MFrFechaEstado"))), kHoy);
-  EXPECT_EQ(Agenda(id).NumOcurrencia(), 3);
-  EXPECT_EQ(Agenda(id).FechaProxima(), "10/03/2027");
-
-  // Done is done: a fourth call finds nothing pending and changes nothing.
-  const auto antes = Tablas();
-  bool ultima = true;
-  EXPECT_FALSE(mf.DarRealizadaFechaAgenda(id, ultima));
-  EXPECT_FALSE(ultima);
-  EXPECT_EQ(Tablas(), antes);
+// Three occurrences ending on the third, the due dates keeping the start's day of the month.
+TEST_P(Agendas, TresOcurrenciasConservanElDiaYTerminanEnRealizado) {
+  const char* const casos[][3] = {{"10/01/2027", "10/02/2027", "10/03/2027"},
+                                  {"30/01/2024", "29/02/2024", "30/03/2024"},
+                                  {"28/01/2023", "28/02/2023", "28/03/2023"}};
+  for (const auto& fechas : casos) {
+    const int32_t id = NuevoAgendado(fechas[0], std::string(fechas[2]) + " 18:00", 0);
+    for (int i = 1; i < 3; ++i) {
+      EXPECT_FALSE(Realizar(id, 1));
+      EXPECT_EQ(Agenda(id).FechaProxima(), fechas[i]) << fechas[0];
+      EXPECT_EQ(Agenda(id).NumOcurrencia(), i + 1);
+      EXPECT_EQ(Estado(id), 0);
+    }
+    EXPECT_TRUE(Realizar(id, 1));  // the third was the last
+    EXPECT_EQ(Estado(id), ToInt(enuEstadoMF::Realizado));
+    EXPECT_EQ(vb::DateOnly(vb::CDate(Mov(id, "MFrFechaEstado"))), kHoy);
+    EXPECT_EQ(Agenda(id).NumOcurrencia(), 3);
+    EXPECT_EQ(Agenda(id).FechaProxima(), fechas[2]);
+    // Done is done: one more call finds nothing pending and changes nothing.
+    const auto antes = Tablas();
+    bool ultima = true;
+    EXPECT_FALSE(mf.DarRealizadaFechaAgenda(id, ultima));
+    EXPECT_FALSE(ultima);
+    EXPECT_EQ(Tablas(), antes);
+  }
 }
 
 TEST_P(Agendas, UltimaFechaEntreOcurrenciasTerminaTrasLaTercera) {
