@@ -1,6 +1,6 @@
 // movfrec realizar ID: DarRealizadaFechaAgenda, then the schedule as it stands afterwards (and
-// that of the other members of ID's linked group, in execution order, which the component
-// processes with it).
+// that of the other members of the linked group ID heads, in execution order, which the
+// component processes with it).
 #include <memory>
 #include <ostream>
 #include <string>
@@ -74,8 +74,9 @@ Action Setup(CLI::App& app) {
     const auto despues = MovimientoGuardado(ctx, *id);
     if (!despues) return Rechazo(ctx, "realizar", NoExiste(*id));
     std::vector<clsMFTipo> grupo;
-    for (const api::MiembroGrupo& v : api::GrupoEnOrden(*ctx.connection(), *id)) {
-      if (v.id == *id) continue;
+    const api::GrupoVinculado vinculados = api::GrupoEnOrden(*ctx.connection(), *id);
+    for (const api::MiembroGrupo& v : vinculados.miembros) {
+      if (vinculados.id != *id || v.id == *id) continue;
       if (auto mf = MovimientoGuardado(ctx, v.id)) grupo.push_back(std::move(*mf));
     }
     if (ctx.json()) {

@@ -184,7 +184,7 @@ class Ejecutor {
         r.estado = EstadoOcurrencia::HechaEnOtraParte;
         return r;
       }
-      const std::vector<MiembroGrupo> grupo = GrupoEnOrden(cn_, v.id);
+      const std::vector<MiembroGrupo> grupo = GrupoEnOrden(cn_, v.id).miembros;
       r.documentos = Generados(grupo, v.fecha);
       r.estado = EstadoOcurrencia::YaGenerada;
       if (r.documentos.empty()) {

@@ -6,20 +6,20 @@
 
 namespace kivmovfrec::api {
 
-std::vector<MiembroGrupo> GrupoEnOrden(Connection& cn, int32_t id) {
+GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id) {
   const std::string columnas =
-      "Select MFrID, MFrNombre, MFrTipo, MFrEstado, MFrMVOrden, MFrRecurrencia, MFrMovVinculado "
+      "Select MFrID, MFrNombre, MFrTipo, MFrEstado, MFrMVOrden, MFrMovVinculado "
       "From genMovimientosFrecuentes Where ";
-  int32_t grupo = 0;
+  GrupoVinculado grupo;
   {
     auto rs = cn.OpenResultset(columnas + "MFrID = " + std::to_string(id));
-    if (rs->Eof()) return {};
+    if (rs->Eof()) return grupo;
     const Variant v = rs->Get("MFrMovVinculado");
-    grupo = storage::EsNulo(v) ? 0 : storage::ALong(v);
+    grupo.id = storage::EsNulo(v) ? 0 : storage::ALong(v);
   }
-  if (grupo < 1) grupo = id;
-  std::vector<MiembroGrupo> miembros;
-  const std::string g = std::to_string(grupo);
+  if (grupo.id < 1) grupo.id = id;
+  std::vector<MiembroGrupo>& miembros = grupo.miembros;
+  const std::string g = std::to_string(grupo.id);
   auto rs = cn.OpenResultset(columnas + "MFrMovVinculado = " + g + " Or MFrID = " + g);
   for (; !rs->Eof(); rs->MoveNext()) {
     MiembroGrupo m;
@@ -28,15 +28,13 @@ std::vector<MiembroGrupo> GrupoEnOrden(Connection& cn, int32_t id) {
     storage::SiNoNulo(*rs, "MFrTipo", storage::AInteger, [&](int16_t v) { m.tipo = v; });
     storage::SiNoNulo(*rs, "MFrEstado", storage::AInteger, [&](int16_t v) { m.estado = v; });
     storage::SiNoNulo(*rs, "MFrMVOrden", storage::ALong, [&](int32_t v) { m.orden = v; });
-    const Variant recurrencia = rs->Get("MFrRecurrencia");
-    m.agendado = !storage::EsNulo(recurrencia) && storage::ALong(recurrencia) > 0;
     miembros.push_back(std::move(m));
   }
   // Sorted here rather than by the query: the engines place NULLs at opposite ends.
   std::sort(miembros.begin(), miembros.end(), [](const MiembroGrupo& a, const MiembroGrupo& b) {
     return a.orden != b.orden ? a.orden < b.orden : a.id < b.id;
   });
-  return miembros;
+  return grupo;
 }
 
 }  // namespace kivmovfrec::api

@@ -18,19 +18,23 @@ namespace kivmovfrec::api {
 
 struct MiembroGrupo {
   int32_t id = 0;
-  std::string nombre;     // MFrNombre
-  int16_t tipo = 0;       // MFrTipo
-  int16_t estado = 0;     // MFrEstado
-  int32_t orden = 0;      // MFrMVOrden (0 when not set)
-  bool agendado = false;  // MFrRecurrencia is set
+  std::string nombre;  // MFrNombre
+  int16_t tipo = 0;    // MFrTipo
+  int16_t estado = 0;  // MFrEstado
+  int32_t orden = 0;   // MFrMVOrden (0 when not set)
 };
 
-// The group of movement `id`, every member whatever its state or kind, `id` included, in
-// execution order: MFrMVOrden, then MFrID between equal orders (an order not set counts as 0).
-// The group's identifier is the movement's MFrMovVinculado, or its own ID when that is empty;
-// the members are the movements carrying that identifier and the movement with that ID. A
-// movement in no group gives just itself; one that does not exist, nothing. Two reads, no
-// write; database errors propagate.
-std::vector<MiembroGrupo> GrupoEnOrden(Connection& cn, int32_t id);
+struct GrupoVinculado {
+  int32_t id = 0;  // the group's identifier: the ID of the movement that heads it
+  std::vector<MiembroGrupo> miembros;
+};
+
+// The group of movement `id`: its identifier is the movement's MFrMovVinculado, or its own ID
+// when that is empty; its members are the movements carrying that identifier and the movement
+// with that ID, every one whatever its state or kind, `id` included, in execution order:
+// MFrMVOrden, then MFrID between equal orders (an order not set counts as 0). A movement in no
+// group gives just itself (heading its own group of one); one that does not exist, no member.
+// Two reads, no write; database errors propagate.
+GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id);
 
 }  // namespace kivmovfrec::api

@@ -266,8 +266,12 @@ bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez)
       Deshacer(*cn_, iniciada);
       return false;
     }
-    // The rest of its linked group, in execution order (lIDMF itself is not marked twice).
-    for (const api::MiembroGrupo& m : api::GrupoEnOrden(*cn_, lIDMF)) avance.Realizar(m.id);
+    // When lIDMF heads a linked group, the rest of it in execution order (lIDMF itself is not
+    // marked twice); a member marked alone does not drag its group along.
+    const api::GrupoVinculado grupo = api::GrupoEnOrden(*cn_, lIDMF);
+    for (const api::MiembroGrupo& m : grupo.miembros) {
+      if (grupo.id == lIDMF) avance.Realizar(m.id);
+    }
     cn_->CommitTrans();
     bPorUnicaVez = r == api::ResultadoOcurrencia::Terminada;
     return true;
