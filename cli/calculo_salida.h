@@ -35,9 +35,10 @@ void ImprimirCalculo(std::ostream& out, const ResultadoCalculo& r, bool traza);
 
 // JSON: {"ID", "Nombre", "Fecha", "OrigenFecha", "Moneda", "ImporteTotal", "OrigenTotal",
 // "Renglones": [{"Orden", "Cuenta", "CuentaCodigo", "CuentaNombre", "AlDebe", "Formula",
-// "FormulaVisible", "ImporteMF", "ImporteCta", "Ok", "Error", "ReintentoTrasError"[, "Expresion", "Conversion",
-// "Elementos": [{"Elemento", "Origen", "Valor", "Detalle", "Fecha", "Documento", "Linea"}]]}],
-// "TotalDebe", "TotalHaber", "Balanceado", "Ok", "Error"}; the bracketed keys with `traza`.
+// "FormulaVisible", "ImporteMF", "ImporteCta", "Ok", "Error", "ReintentoTrasError"[, "Expresion",
+// "Conversion", "Elementos": [{"Elemento", "Origen", "Valor", "Detalle", "Fecha", "Documento",
+// "Linea"}]]}], "TotalDebe", "TotalHaber", "Balanceado", "Ok", "Error"}; the bracketed keys with
+// `traza`.
 nlohmann::ordered_json CalculoJson(const ResultadoCalculo& r, bool traza);
 
 }  // namespace kivmovfrec::cli

@@ -56,10 +56,10 @@ struct TrazaLineaFx {
   std::string cuenta_codigo;
   std::string cuenta_nombre;
   bool al_debe = false;
-  std::string formula;     // stored form, "" = none (the stored amount is kept)
-  std::string expresion;   // the arithmetic left once every element was replaced
-  bool ok = true;          // false: the line has no result ("Error")
-  std::string error;       // why, in Spanish, when !ok
+  std::string formula;    // stored form, "" = none (the stored amount is kept)
+  std::string expresion;  // the arithmetic left once every element was replaced
+  bool ok = true;         // false: the line has no result ("Error")
+  std::string error;      // why, in Spanish, when !ok
   // Set when the line's value exists only because its expression was evaluated again with
   // every "," read as "." after the first attempt failed at run time (not a syntax error):
   // that first error, for instance "error 11: División por cero". Unattended posting

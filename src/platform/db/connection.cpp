@@ -14,8 +14,7 @@ namespace {
 // Rows copied out of another set; never updatable.
 class KeptRows final : public sql::MaterialisedResultset {
  public:
-  explicit KeptRows(std::vector<std::string> columns)
-      : MaterialisedResultset(std::move(columns)) {}
+  explicit KeptRows(std::vector<std::string> columns) : MaterialisedResultset(std::move(columns)) {}
   using MaterialisedResultset::AddRow;
 
  protected:
@@ -23,7 +22,9 @@ class KeptRows final : public sql::MaterialisedResultset {
                                 const std::vector<bool>&) override {
     throw DbError("Este conjunto de resultados es de solo lectura");
   }
-  void DeleteRow(size_t) override { throw DbError("Este conjunto de resultados es de solo lectura"); }
+  void DeleteRow(size_t) override {
+    throw DbError("Este conjunto de resultados es de solo lectura");
+  }
 };
 
 }  // namespace

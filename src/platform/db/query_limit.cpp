@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-
 namespace kivmovfrec::sql {
 
 std::string QueryLimitText(std::chrono::milliseconds limit) {

@@ -34,7 +34,8 @@ std::unique_ptr<Resultset> OpenRows(Connection& cn, const std::string& sql) {
   bool more = false;
   auto rows = cn.OpenReadOnlyRows(sql, kMaxScriptRows, &more);
   if (more) {
-    DatabaseError("la consulta devuelve más de " + vb::FormatNumber(static_cast<double>(kMaxScriptRows), 0) +
+    DatabaseError("la consulta devuelve más de " +
+                  vb::FormatNumber(static_cast<double>(kMaxScriptRows), 0) +
                   " filas, el máximo que un script puede leer: " + sql);
   }
   return rows;

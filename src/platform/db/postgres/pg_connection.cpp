@@ -77,7 +77,8 @@ class PgConnection final : public Connection {
     // limit applies to this statement alone and the session's own setting comes back.
     std::string begin = nested ? "SAVEPOINT kmf_read_only; SET LOCAL transaction_read_only = on"
                                : "BEGIN READ ONLY";
-    if (limit.count() > 0) begin += fmt::format("; SET LOCAL statement_timeout = {}", limit.count());
+    if (limit.count() > 0)
+      begin += fmt::format("; SET LOCAL statement_timeout = {}", limit.count());
     session_->Command(begin.c_str());
     Result r;
     try {
@@ -166,8 +167,7 @@ class PgConnection final : public Connection {
       if (more) *more = false;
       return session_->Send(run, {}, run);
     }
-    Result declared =
-        session_->Send("DECLARE kmf_lectura NO SCROLL CURSOR FOR " + run, {}, run);
+    Result declared = session_->Send("DECLARE kmf_lectura NO SCROLL CURSOR FOR " + run, {}, run);
     if (PQresultStatus(declared.get()) != PGRES_COMMAND_OK) {
       // A data-modifying WITH is refused by DECLARE itself (feature_not_supported).
       if (SqlState(declared.get()) == "0A000") RefuseWrite(run);

@@ -149,8 +149,7 @@ class SqliteResultset final : public sql::MaterialisedResultset {
 std::unique_ptr<Resultset> MakeResultset(std::shared_ptr<Database> db, Statement& stmt,
                                          std::optional<WriteTarget> target, size_t max_rows,
                                          bool* more) {
-  return std::make_unique<SqliteResultset>(std::move(db), stmt, std::move(target), max_rows,
-                                           more);
+  return std::make_unique<SqliteResultset>(std::move(db), stmt, std::move(target), max_rows, more);
 }
 
 }  // namespace kivmovfrec::sqlite
