@@ -10,7 +10,10 @@ Context::Context(GlobalOptions options, std::ostream& out, std::ostream& err)
 Context::~Context() = default;
 
 std::shared_ptr<Connection> Context::connection() {
-  if (!cn_) cn_ = OpenConnection(options_.db);
+  if (!cn_) {
+    cn_ = OpenConnection(options_.db);
+    cn_->SetQueryLimit(options_.limite_consultas);
+  }
   return cn_;
 }
 
