@@ -69,11 +69,6 @@ struct TrazaLineaFx {
   double importe_cta = 0;  // amount in the account's currency
   std::string conversion;  // how importe_cta was obtained ("" when the currencies agree)
   std::vector<TrazaElementoFx> elementos;
-  // Set when the line's value exists only because its expression was evaluated again with
-  // every "," read as "." after the first attempt failed at run time (not a syntax error):
-  // that first error, for instance "error 11: División por cero". Unattended posting
-  // refuses such a line.
-  std::string reintento_tras_error;
 };
 
 // One call of a formula member.
