@@ -152,38 +152,26 @@ TEST_P(Ejecucion, AmountsAreRoundedOnceToTheirCurrencyAndBalanceInMinorUnits) {
     std::vector<std::string> rechazo;  // parts of the refusal, when refused
   };
   const auto asiento = enuTipoMovFrec::Asiento;
+  // clang-format off
   const std::vector<Caso> casos = {
-      {"medio centavo, hacia afuera; el negativo pasa al otro lado",
-       asiento,
-       0,
+      {"medio centavo, hacia afuera; el negativo pasa al otro lado", asiento, 0,
        {{143, true, "10.005"}, {143, true, "-2.345"}, {102, false, "[10:]"}},
-       {{10.01, 0}, {0, 2.35}, {0, 7.66}},
-       {}},
-      {"moneda de tres decimales: sin segundo redondeo a centavos",
-       enuTipoMovFrec::Comprobante,
-       6,
-       {{145, true, "1.2345"}, {111, false, "[10:]"}},
-       {{1.235, 0}, {0, 1.235}},
-       {}},
-      {"cuadra antes de redondear y no después",
-       asiento,
-       0,
-       {{143, true, "10.005"}, {102, false, "5.0025"}, {101, false, "5.0025"}},
-       {},
+       {{10.01, 0}, {0, 2.35}, {0, 7.66}}, {}},
+      {"moneda de tres decimales: sin segundo redondeo a centavos", enuTipoMovFrec::Comprobante, 6,
+       {{145, true, "1.2345"}, {111, false, "[10:]"}}, {{1.235, 0}, {0, 1.235}}, {}},
+      {"cuadra antes de redondear y no después", asiento, 0,
+       {{143, true, "10.005"}, {102, false, "5.0025"}, {101, false, "5.0025"}}, {},
        {"Debe 10,01", "Haber 10,00"}},
-      {"la línea de diferencia absorbe el centavo",
-       asiento,
-       0,
+      {"la línea de diferencia absorbe el centavo", asiento, 0,
        {{143, true, "10.005"}, {102, false, "5.0025"}, {101, false, "[10:]"}},
-       {{10.01, 0}, {0, 5.00}, {0, 5.01}},
-       {}},
-      {"importe guardado con más decimales que su moneda",
-       asiento,
-       0,
-       {{143, true, "", 10.005}, {102, false, "", 10.005}},
-       {},
-       {"10,005", "2 decimales"}},
+       {{10.01, 0}, {0, 5.00}, {0, 5.01}}, {}},
+      {"importe guardado con más decimales que su moneda", asiento, 0,
+       {{143, true, "", 10.005}, {102, false, "", 10.005}}, {}, {"10,005", "2 decimales"}},
+      {"valor rescatado leyendo \",\" como \".\" tras un error de ejecución", asiento, 0,
+       {{143, true, "Round(12000/0,2)"}, {102, false, "[10:]"}}, {},
+       {"la línea 1 (cuenta 143)", "error 11: División por cero"}},
   };
+  // clang-format on
   std::vector<int32_t> ids;
   for (const Caso& c : casos) ids.push_back(Nuevo(c.tipo, c.moneda, "05/11/2026", c.lineas));
   const auto r = Ejecutar(Dia(2026, 11, 5));
