@@ -1,9 +1,9 @@
 // Several processes using the façade on one database at the same time, on every engine (one
-// SQLite file shared by the processes, or one PostgreSQL schema): locked saves draw distinct
-// keys and none is lost; an occurrence marked done, or executed by the main job, from several
-// processes is never counted or written twice; a database held by another connection gives a
-// clear error, bounded by the busy or lock timeout, that the façade reports, and stops the main
-// job at its first wait.
+// SQLite file shared by the processes, or one PostgreSQL schema): an occurrence marked done, or
+// executed by the main job, from several processes is never counted or written twice; a
+// database held by another connection gives a clear error, bounded by the busy or lock timeout,
+// that the façade reports, and stops the main job at its first wait. (Distinct keys across
+// processes are the counters' own test, tests/suite/counter_test.cpp.)
 #include <functional>
 #include <iostream>
 #include <map>
@@ -55,10 +55,7 @@ void NuevoConLineas(clsMovFrecuente& mf, const std::string& nombre) {
   }
 }
 
-class Concurrencia : public Fachada {
- protected:
-  std::string Motor() const { return EngineName(engine()); }
-};
+class Concurrencia : public Fachada {};
 
 // Reads the whitespace-separated integers a child wrote, `n` per line.
 std::vector<std::vector<int64_t>> Filas(const std::string& salida, size_t n) {
@@ -69,45 +66,6 @@ std::vector<std::vector<int64_t>> Filas(const std::string& salida, size_t n) {
     filas.push_back(f);
   }
   return filas;
-}
-
-TEST_P(Concurrencia, CuatroProcesosGuardanConBloqueoSinPerderNiRepetirClaves) {
-  constexpr int kProcesos = 4;
-  constexpr int kCada = 250;
-  const std::string uri = database().uri();
-  const auto resultado = RunInChildren(kProcesos, [&](int p, std::ostream& out) {
-    FachadaPropia f(OpenConnection(uri));
-    for (int i = 0; i < kCada; ++i) {
-      NuevoConLineas(f.mf, "Carga " + std::to_string(p * kCada + i));
-      out << f.mf.SaveMovimientoFrecuenteConBloqueo() << ' ' << p * kCada + i << '\n';
-    }
-    return 0;
-  });
-  // Each key a process obtained holds the name it saved there and its two lines.
-  std::set<int64_t> claves;
-  int repetidas = 0, perdidos = 0;
-  for (int p = 0; p < kProcesos; ++p) {
-    EXPECT_EQ(resultado.statuses[p], 0) << "proceso " << p << ":\n" << resultado.outputs[p];
-    for (const auto& f : Filas(resultado.outputs[p], 2)) {
-      repetidas += f[0] <= 0 || !claves.insert(f[0]).second;
-      const std::string nombre = "'Carga " + std::to_string(f[1]) + "'";
-      perdidos += CountRows(*cn,
-                            "Select * From genMovimientosFrecuentes, genRenglonMovFrecuentes "
-                            "Where RMFMovimiento = MFrID And MFrID = " +
-                                std::to_string(f[0]) + " And MFrNombre = " + nombre +
-                                " And RMFDetalle = " + nombre) != 2;
-    }
-  }
-  const int filas =
-      CountRows(*cn, "Select * From genMovimientosFrecuentes Where MFrNombre Like 'Carga %'");
-  std::cout << "[ concurrencia ] guardado con bloqueo (" << Motor() << "): " << kProcesos
-            << " procesos x " << kCada << " movimientos; " << claves.size() << " claves, "
-            << repetidas << " repetidas o nulas, " << perdidos << " perdidos, " << filas
-            << " encabezados en la tabla\n";
-  EXPECT_EQ(static_cast<int>(claves.size()), kProcesos * kCada);
-  EXPECT_EQ(repetidas, 0);
-  EXPECT_EQ(perdidos, 0);
-  EXPECT_EQ(filas, kProcesos * kCada);
 }
 
 TEST_P(Concurrencia, OcurrenciaRealizadaDesdeVariosProcesosNoSeCuentaDosVeces) {
@@ -145,10 +103,8 @@ TEST_P(Concurrencia, OcurrenciaRealizadaDesdeVariosProcesosNoSeCuentaDosVeces) {
     }
   }
   const int32_t final_ = Agenda(1).NumOcurrencia();
-  std::cout << "[ concurrencia ] ocurrencia realizada (" << Motor() << "): " << kProcesos
-            << " procesos x " << kCada << " llamadas; mensual: " << exitos
-            << " realizadas, ocurrencia " << inicial << " -> " << final_
-            << "; semanal de 30: " << exitos_semanal << " realizadas, " << ultimas << " última\n";
+  std::cout << "[ concurrencia ] realizar (" << EngineName(engine()) << "): " << exitos
+            << " realizadas, ocurrencia " << inicial << " -> " << final_ << "\n";
   // Every successful call moved the schedule by exactly one occurrence.
   EXPECT_EQ(exitos, kProcesos * kCada);
   EXPECT_EQ(final_, inicial + exitos);
@@ -196,10 +152,8 @@ TEST_P(Concurrencia, TresProcesosEjecutanLoVencidoYCadaOcurrenciaSeEjecutaUnaVez
                                        "Debe) - Sum(" + c + "Haber)) > 0.001");
   }
   const int en_otra = estados[static_cast<int>(api::EstadoOcurrencia::HechaEnOtraParte)];
-  std::cout << "[ concurrencia ] ejecutar (" << Motor() << "): " << kProcesos
-            << " procesos a la vez, " << ejecutadas.size() << " ocurrencias ejecutadas, " << en_otra
-            << " halladas hechas por otro proceso, documentos duplicados = " << duplicados
-            << ", descuadrados = " << descuadrados << "\n";
+  std::cout << "[ concurrencia ] ejecutar (" << EngineName(engine()) << "): " << en_otra
+            << " ocurrencias halladas hechas por otro proceso\n";
   // Each of the occurrences executed once.
   EXPECT_EQ(static_cast<int>(ejecutadas.size()), kOcurrencias);
   EXPECT_EQ(estados[static_cast<int>(api::EstadoOcurrencia::Ejecutada)], kOcurrencias);
@@ -222,14 +176,10 @@ std::shared_ptr<Connection> Impaciente(const TestDatabase& db) {
 }
 
 // Counts the transactions begun through it.
-class ContadoraDeTransacciones : public FaultyConnection {
- public:
+struct ContadoraDeTransacciones : FaultyConnection {
   explicit ContadoraDeTransacciones(std::shared_ptr<Connection> real)
       : FaultyConnection(std::move(real), 0) {}
-  void BeginTrans() override {
-    ++iniciadas;
-    FaultyConnection::BeginTrans();
-  }
+  void BeginTrans() override { ++iniciadas, FaultyConnection::BeginTrans(); }
   int iniciadas = 0;
 };
 
@@ -301,11 +251,9 @@ TEST_P(Concurrencia, BaseOcupadaDaUnErrorClaroYDetieneLaEjecucionAlPrimerIntento
       << bloqueada.detenida;
   EXPECT_EQ(iniciadas, 1);
   EXPECT_EQ(informadas, 0);
-  EXPECT_TRUE(bloqueada.ocurrencias.empty());
   EXPECT_EQ(Tablas(), antes);
-  std::cout << "[ concurrencia ] base ocupada (" << Motor() << "): " << informados
-            << " miembros informaron el bloqueo; la ejecución se detuvo tras " << iniciadas
-            << " transacción de " << kVencidos << " vencidos: " << bloqueada.detenida << "\n";
+  std::cout << "[ concurrencia ] base ocupada (" << EngineName(engine())
+            << "): ejecutar se detuvo: " << bloqueada.detenida << "\n";
 
   // Once the other transaction ends the same work goes through.
   otro->RollbackTrans();
@@ -324,14 +272,14 @@ TEST_P(Concurrencia, BaseOcupadaDaUnErrorClaroYDetieneLaEjecucionAlPrimerIntento
   EXPECT_TRUE(fila.completa()) << fila.detenida;
   EXPECT_EQ(iniciadas, kVencidos);
   EXPECT_EQ(informadas, kVencidos);
-  for (const auto& o : fila.ocurrencias) {
-    EXPECT_EQ(o.ok(), o.movimiento != tomado) << o.movimiento << ": " << o.error;
-    EXPECT_EQ(o.error.find("otra transacción tiene tomado el movimiento") != std::string::npos,
-              o.movimiento == tomado)
-        << o.error;
-  }
+  // The others posted, that one left due and told why.
   EXPECT_EQ(CountRows(*cn, "Select AsiID From cceAsientos Where AsiID > 100"), kVencidos - 1);
   EXPECT_EQ(Agenda(tomado).FechaProxima(), "09/11/2026");
+  for (const auto& o : fila.ocurrencias) {
+    EXPECT_EQ(o.error.find("otra transacción tiene tomado el movimiento") != std::string::npos,
+              o.movimiento == tomado)
+        << o.movimiento << ": " << o.error;
+  }
 }
 
 KMF_INSTANTIATE_ENGINES(Concurrencia);
