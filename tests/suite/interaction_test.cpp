@@ -1,12 +1,15 @@
 // Messages, numeric prompts and clocks: console and scripted implementations.
 #include <cmath>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "platform/suite/clock.h"
 #include "platform/suite/console.h"
 #include "platform/suite/scripted.h"
+#include "platform/vb/typed_number.h"
 
 namespace kivmovfrec {
 namespace {
@@ -78,12 +81,55 @@ TEST(ConsoleMessages, HelpIsWrittenAsATopic) {
   EXPECT_EQ(err.str(), "Ayuda: tema 327\n");
 }
 
-TEST(ConsoleInput, RefusesTextThatIsNotANumber) {
+// Typed numbers are read the Spanish way; what could be read two ways is never a number.
+TEST(TypedNumber, SpanishGroupingAndDecimalsOnlyWhenUnambiguous) {
+  using N = vb::TypedNumber;
+  struct Caso {
+    const char* texto;
+    N::Status estado;
+    double valor;             // when kNumber
+    const char* explicacion;  // part of it, otherwise
+  };
+  for (const Caso& c : std::vector<Caso>{
+           {"1.500", N::kNumber, 1500, ""},
+           {" 1.500,25 ", N::kNumber, 1500.25, ""},
+           {"1500,25", N::kNumber, 1500.25, ""},
+           {"-1.234.567,8", N::kNumber, -1234567.8, ""},
+           {"+1234,567", N::kNumber, 1234.567, ""},  // four digits before: no English thousand
+           {"0,500", N::kNumber, 0.5, ""},
+           {",5", N::kNumber, 0.5, ""},
+           {"1.5", N::kAmbiguous, 0, "escriba 1,5."},
+           {"12.34", N::kAmbiguous, 0, "el punto separa los miles"},
+           {"1,500.25", N::kAmbiguous, 0, "escriba 1.500,25."},
+           {"1,500", N::kAmbiguous, 0, "escriba 1.500 si son miles o 1,5 si son decimales."},
+           {"-12,345", N::kAmbiguous, 0, "escriba -12.345 si son miles o -12,3450 si"},
+           {"1.50.000", N::kNotANumber, 0, "«1.50.000» no es un número."},
+           {"1,2,3", N::kNotANumber, 0, "no es un número"},
+           {"12 pesos", N::kNotANumber, 0, "no es un número"},
+           {"1E5", N::kNotANumber, 0, "no es un número"},
+           {"", N::kNotANumber, 0, "Ingrese un número."},
+       }) {
+    const N n = vb::ReadTypedNumber(c.texto);
+    EXPECT_EQ(n.status, c.estado) << c.texto;
+    if (c.estado == N::kNumber) {
+      EXPECT_EQ(n.value, c.valor) << c.texto;
+    } else {
+      EXPECT_NE(n.explanation.find(c.explicacion), std::string::npos) << n.explanation;
+    }
+  }
+  // A pasted megabyte is not echoed whole.
+  const N largo = vb::ReadTypedNumber(std::string(1 << 20, 'x'));
+  EXPECT_LT(largo.explanation.size(), 200u);
+  EXPECT_NE(largo.explanation.find("… (1048576 caracteres)"), std::string::npos);
+}
+
+TEST(ConsoleInput, AsksAgainUntilTheAnswerIsANumber) {
   std::ostringstream err;
-  std::istringstream in("doce\n12,5\n\n");
+  std::istringstream in("doce\n1,500\n1.500,5\n\n");
   suite::ConsoleInput input(err, in, true);
-  EXPECT_EQ(input.PedirNumero("kivcalculator: Importe", "Pedir dato", 3), 12.5);
-  EXPECT_NE(err.str().find("«doce» no es un número"), std::string::npos) << err.str();
+  EXPECT_EQ(input.PedirNumero("kivcalculator: Importe", "Pedir dato", 3), 1500.5);
+  EXPECT_NE(err.str().find("«doce» no es un número."), std::string::npos) << err.str();
+  EXPECT_NE(err.str().find("«1,500» puede leerse de dos maneras"), std::string::npos);
   EXPECT_EQ(input.PedirNumero("Tasa", "", 1.25), 1.25);          // Enter takes the proposed value
   EXPECT_EQ(input.PedirNumero("Tasa", "", 1.25), std::nullopt);  // end of input cancels
   std::istringstream typed("7\n");
@@ -116,24 +162,21 @@ TEST(ScriptedMessages, RecordsEverythingAndAnswersFromTheQueue) {
   EXPECT_TRUE(messages.help_topics().empty());
 }
 
-TEST(ScriptedInput, SkipsAnswersThatAreNotNumbers) {
+TEST(ScriptedInput, TakesTypedAnswersByTheConsoleRule) {
   suite::ScriptedInput input;
-  input.Answer(std::string("abc"));
-  input.Answer(std::string("12 pesos"));
-  input.Answer(std::string("42,5"));
+  for (const char* typed : {"abc", "1.5", "1,500", "42,5"}) input.Answer(std::string(typed));
   input.Answer(std::nullopt);
   EXPECT_EQ(input.PedirNumero("kivcalculator: Importe", "Pedir dato", 0), 42.5);
   EXPECT_EQ(input.PedirNumero("Tasa", "", 3), std::nullopt);  // queued cancel
   EXPECT_EQ(input.PedirNumero("Tasa", "", 3), std::nullopt);  // queue empty
   input.AcceptProposedByDefault(true);
   EXPECT_EQ(input.PedirNumero("Tasa", "", 3), 3);
-  input.Answer(0.125);
-  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), 0.125);
+  input.Answer(12.125);  // a value is taken as it is
+  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), 12.125);
 
   ASSERT_EQ(input.asked().size(), 5u);
   EXPECT_EQ(input.asked()[0].prompt, "kivcalculator: Importe");
-  EXPECT_EQ(input.asked()[0].caption, "Pedir dato");
-  EXPECT_EQ(input.asked()[0].refused, (std::vector<std::string>{"abc", "12 pesos"}));
+  EXPECT_EQ(input.asked()[0].refused, (std::vector<std::string>{"abc", "1.5", "1,500"}));
 }
 
 TEST(Clock, FixedClockKeepsTheGivenDay) {
