@@ -14,6 +14,7 @@
 #include "storage/columnas.h"
 #include "storage/parametros.h"
 #include "storage/sql_texto.h"
+#include "storage/tabla_cuentas.h"
 #include "storage/tabla_movimientos.h"
 #include "storage/tabla_renglones.h"
 #include "support/db_snapshot.h"
@@ -294,6 +295,19 @@ TEST_P(Tablas, OrdenDeVinculoLlenoEsDesbordamiento) {
       "Insert Into genMovimientosFrecuentes (MFrID, MFrTipo, MFrEstado, MFrMovVinculado, "
       "MFrMVOrden) Values (950, 1, 0, 4300, 255)");
   EXPECT_THROW(SiguienteOrdenVinculo(*cn, 4300), VbError);
+}
+
+TEST_P(Tablas, SoloUnaCuentaDeLaEmpresaQueNoEsCarpetaTomaUnRenglon) {
+  struct Caso {
+    int32_t empresa, cuenta;
+    const char* problema;  // "" when the account can take the line
+  };
+  for (const Caso& c : {Caso{1, 101, ""}, Caso{2, 202, ""}, Caso{1, 999, "la cuenta 999 no existe"},
+                        Caso{1, 100, "la cuenta 100 es una carpeta"},
+                        Caso{1, 201, "la cuenta 201 es de otra empresa (la 2)"},
+                        Caso{2, 100, "la cuenta 100 es de otra empresa (la 1)"}}) {
+    EXPECT_EQ(ProblemaCuentaRenglon(*cn, c.empresa, c.cuenta).value_or(""), c.problema);
+  }
 }
 
 TEST_P(Tablas, ParametrosDeGenParametrosDanElLiteralDeFecha) {
