@@ -4,10 +4,16 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
+
 #include "api/avance_agenda.h"
 #include "api/derechos.h"
 #include "core/clock.h"
+#include "formula/reglas_fx.h"
+#include "kivmovfrec/errors.h"
 #include "platform/vb/convert.h"
+#include "platform/vb/excerpt.h"
+#include "platform/vb/text.h"
 #include "resources/catalogue.h"
 #include "resources/msg.h"
 #include "schedule/date_calculator.h"
@@ -61,6 +67,50 @@ void CompletarRecurrencia(clsRegRecurrencia& rec) {
   }
 }
 
+// Refuses lines of which more than one holds the difference formula, before anything is written:
+// the wizard checks it, and a save repeats it for every other way lines reach the database.
+void RechazarVariasDiferencias(const clsRenglonesMF& renglones, int idioma) {
+  std::vector<formula::LineaRegla> lineas;
+  for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+    const clsRegRenglonMF& r = *renglones.Renglon(i);
+    lineas.push_back(
+        {{r.Cuenta(), r.Proyecto(), r.Departamento()}, r.AlDebe(), r.Formula(), r.ImporteMF()});
+  }
+  if (const auto fallo = formula::ReglaUnaDiferencia(lineas)) {
+    throw std::invalid_argument(fallo->Texto(idioma));
+  }
+}
+
+bool Contiene(const std::string& texto, std::initializer_list<const char*> partes) {
+  for (const char* p : partes) {
+    if (texto.find(p) != std::string::npos) return true;
+  }
+  return false;
+}
+
+// Why an operation failed, for people: the component's own refusals as they are, the counter
+// failure with its number, a database error with the engine's message (named in plain words
+// when it is a read-only or locked database), cut when long.
+std::string DescribirError(const std::exception& e) {
+  std::string texto = e.what();
+  if (const auto* c = dynamic_cast<const ComponentError*>(&e)) {
+    texto = fmt::format("error {} ({}): {}", c->number(), c->source(), c->what());
+  } else if (const auto* v = dynamic_cast<const VbError*>(&e)) {
+    texto = fmt::format("error {}: {}", v->number(), v->what());
+  } else if (dynamic_cast<const DbError*>(&e) != nullptr) {
+    const std::string motor = vb::LCase(texto);
+    if (Contiene(motor, {"readonly", "read-only", "read only"})) {
+      texto = "la base de datos es de solo lectura (" + texto + ")";
+    } else if (Contiene(motor,
+                        {"locked", "busy", "lock timeout", "could not obtain lock", "deadlock"})) {
+      texto = "la base de datos está bloqueada por otro proceso (" + texto + ")";
+    } else {
+      texto = "error de la base de datos: " + texto;
+    }
+  }
+  return vb::ShortForMessage(texto, 300);
+}
+
 }  // namespace
 
 clsMovFrecuente::clsMovFrecuente() : estructura_(std::make_shared<clsMFTipo>()) {}
@@ -112,11 +162,13 @@ int clsMovFrecuente::Idioma() const {
   return storage::Parametros().idioma;
 }
 
-void clsMovFrecuente::Reportar(const std::exception& e) {
+void clsMovFrecuente::Reportar(int accion, const std::exception& e) {
+  ultimo_error_ = DescribirError(e);
   if (!servicios_.messages) return;
   try {
     servicios_.messages->Show(
-        {e.what(), std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
+        {std::string(resources::Texto(accion, Idioma())) + "\n" + ultimo_error_,
+         std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
          MsgIcon::Critical, MsgButtons::OK, 1});
   } catch (const std::exception&) {
   }
@@ -144,16 +196,19 @@ void clsMovFrecuente::CleanEstructura() {
 
 int32_t clsMovFrecuente::SaveMovimientoFrecuente() {
   if (!cn_) return 0;
+  RechazarVariasDiferencias(*estructura_->Renglones(), Idioma());
   CompletarRecurrencia(*estructura_->Recurrencia());
   const int16_t libro = EmpresaContexto().Libro();
   return estructura_->Save(*cn_, *servicios_.db, libro);
 }
 
 int32_t clsMovFrecuente::SaveMovimientoFrecuenteConBloqueo(bool /*bDisplayMsgError*/) {
+  ultimo_error_.clear();
   if (!cn_) return 0;
   const CopiaEstructura copia(*estructura_);
   bool iniciada = false;
   try {
+    RechazarVariasDiferencias(*estructura_->Renglones(), Idioma());
     clsRegRecurrencia& rec = *estructura_->Recurrencia();
     CompletarRecurrencia(rec);
     cn_->BeginTrans();
@@ -166,9 +221,10 @@ int32_t clsMovFrecuente::SaveMovimientoFrecuenteConBloqueo(bool /*bDisplayMsgErr
     const int32_t id = estructura_->Save(*cn_, *servicios_.db, libro);
     cn_->CommitTrans();
     return id;
-  } catch (const std::exception&) {
+  } catch (const std::exception& e) {
     Deshacer(*cn_, iniciada);
     copia.Restaurar();
+    ultimo_error_ = DescribirError(e);
     return 0;
   }
 }
@@ -185,6 +241,7 @@ void clsMovFrecuente::DeleteMF(int32_t lIDMF) {
 
 bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
                                       bool bDisplayMsgQuestion) {
+  ultimo_error_.clear();
   if (!cn_) return false;
   try {
     const int idioma = Idioma();
@@ -218,12 +275,13 @@ bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
     storage::GuardarMovimiento(*cn_, *servicios_.db, mov);
     return true;
   } catch (const std::exception& e) {
-    Reportar(e);
+    Reportar(msg::kErrorCambiarEstado, e);
     return false;
   }
 }
 
 bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
+  ultimo_error_.clear();
   if (!cn_) return false;
   bool iniciada = false;
   try {
@@ -247,13 +305,14 @@ bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
     return true;
   } catch (const std::exception& e) {
     Deshacer(*cn_, iniciada);
-    Reportar(e);
+    Reportar(msg::kErrorEliminarMovimiento, e);
     return false;
   }
 }
 
 bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez) {
   bPorUnicaVez = false;
+  ultimo_error_.clear();
   if (!cn_) return false;
   bool iniciada = false;
   try {
@@ -271,7 +330,7 @@ bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez)
     return true;
   } catch (const std::exception& e) {
     Deshacer(*cn_, iniciada);
-    Reportar(e);
+    Reportar(msg::kErrorDarRealizada, e);
     return false;
   }
 }

@@ -1,9 +1,13 @@
 // Connect, the two saves, load and delete through the façade, and the members before Connect.
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "fachada_fixture.h"
+#include "resources/catalogue.h"
+#include "resources/msg.h"
 
 namespace kivmovfrec::testing {
 namespace {
@@ -128,14 +132,89 @@ TEST_P(Guardar, VinculadoNuevoLineasQuitadasYAgendaQuitada) {
   EXPECT_TRUE(Mov(4, "MFrRecurrencia").IsNull());
 }
 
-TEST_P(Guardar, ComillaEnElNombreDevuelveCeroConBloqueoYExcepcionSin) {
-  Asiento(mf, "Alquiler D'Angelo");
-  const auto antes = Tablas();
-  EXPECT_EQ(mf.SaveMovimientoFrecuenteConBloqueo(), 0);
-  EXPECT_TRUE(Mensajes().empty());  // the caller reports
-  EXPECT_THROW(mf.SaveMovimientoFrecuente(), std::invalid_argument);
-  EXPECT_EQ(Tablas(), antes);
-  EXPECT_FALSE(cn->InTransaction());
+// The engine refuses every write from here on (or writes again).
+void SoloLectura(Connection& cn, bool si) {
+  if (cn.engine() == Engine::PostgreSQL) {
+    cn.Execute(std::string("Set default_transaction_read_only = ") + (si ? "on" : "off"));
+  } else {
+    cn.Execute(std::string("PRAGMA query_only = ") + (si ? "ON" : "OFF"));
+  }
+}
+
+// A locked save that fails writes nothing and shows nothing: UltimoError says why. The refusals
+// come before anything is written, and the plain save throws them.
+TEST_P(Guardar, ElGuardadoConBloqueoDicePorQueFallo) {
+  auto diferencia = [](const std::string& formula) {
+    auto l = Linea(102);
+    l->Formula(formula);
+    return l;
+  };
+  struct Caso {
+    std::string nombre;
+    std::string motivo;  // the start of UltimoError
+    bool rechazo;        // refused before writing: the plain save throws it too
+  };
+  for (const Caso& c : std::vector<Caso>{
+           {"D'Angelo", "El campo Nombre no puede contener comillas simples", true},
+           {std::string(300, 'x'), "El campo Nombre admite hasta 255 caracteres.", true},
+           {std::string("a\0b", 3), "El campo Nombre contiene caracteres que no son", true},
+           {"dos diferencias", "No se puede incluir la fórmula resto en más de una cuenta.", true},
+           {"sin contador", "error 8000 (DBFncs): Resultado de la función get_TableCounter", false},
+           {"solo lectura", "la base de datos es de solo lectura (", false},
+       }) {
+    SCOPED_TRACE(c.nombre);
+    Asiento(mf, c.nombre);
+    if (c.nombre == "solo lectura") {
+      ASSERT_TRUE(mf.LoadMF(18));  // an update: no key to draw
+    }
+    if (c.nombre == "dos diferencias") {
+      mf.EstructuraMovFrec()->Renglones()->AddRenglon(diferencia("[10:]"));
+      mf.EstructuraMovFrec()->Renglones()->AddRenglon(diferencia(" [10:] "));
+    }
+    sv.db->CountersFail(c.nombre == "sin contador");
+    const auto antes = Tablas();
+    if (c.nombre == "solo lectura") SoloLectura(*cn, true);
+    EXPECT_EQ(mf.SaveMovimientoFrecuenteConBloqueo(), 0);
+    if (c.nombre == "solo lectura") SoloLectura(*cn, false);
+    EXPECT_EQ(mf.UltimoError().rfind(c.motivo, 0), 0u) << mf.UltimoError();
+    EXPECT_TRUE(Mensajes().empty());  // the caller reports
+    if (c.rechazo) {
+      EXPECT_THROW(mf.SaveMovimientoFrecuente(), std::invalid_argument);
+    }
+    EXPECT_EQ(Tablas(), antes);
+    EXPECT_FALSE(cn->InTransaction());
+  }
+  sv.db->CountersFail(false);
+  Asiento(mf, "Bien");
+  EXPECT_GT(mf.SaveMovimientoFrecuenteConBloqueo(), 0);
+  EXPECT_EQ(mf.UltimoError(), "");
+}
+
+// A member that traps an error shows the catalogue's text for its action with the reason below.
+TEST_P(Guardar, LosMiembrosQueAtrapanErroresDicenQueHacianYPorQue) {
+  sv.rights->Set(1, "PasajeAsientos", "AMEe");
+  sv.rights->Set(1, "Papelera", "e");
+  sv.messages->DefaultAnswer(kMsgYes);
+  struct Caso {
+    int accion;
+    std::function<bool()> miembro;
+  };
+  SoloLectura(*cn, true);
+  for (const Caso& c : std::vector<Caso>{
+           {msg::kErrorCambiarEstado, [&] { return mf.CambiarEstadoMF(1, enuEstadoMF::Papelera); }},
+           {msg::kErrorEliminarMovimiento, [&] { return mf.DeleteRegistroMFConfirmar(20); }},
+           {msg::kErrorDarRealizada, [&] { return mf.DarRealizadaFechaAgenda(1); }},
+       }) {
+    sv.messages->Clear();
+    EXPECT_FALSE(c.miembro());
+    ASSERT_FALSE(Mensajes().empty());
+    const MessageRequest& m = Mensajes().back().request;
+    EXPECT_EQ(m.text, std::string(resources::Texto(c.accion)) + "\n" + mf.UltimoError());
+    EXPECT_EQ(m.text.rfind("Error al ", 0), 0u) << m.text;
+    EXPECT_NE(mf.UltimoError().find("solo lectura"), std::string::npos) << mf.UltimoError();
+    EXPECT_EQ(m.icon, MsgIcon::Critical);
+  }
+  SoloLectura(*cn, false);
 }
 
 TEST_P(Guardar, LoadYDeleteMF) {
