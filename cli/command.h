@@ -95,6 +95,9 @@ struct CommandDef {
   int order = 100;          // place in the help listing
   // Declares the command's options on its subcommand and returns its action.
   std::function<Action(CLI::App&)> setup;
+  // The command works on the company of --empresa: when no such company exists the command is
+  // refused (exit 1) before its action runs (see ConEmpresa in fachada.h).
+  bool empresa = true;
 };
 
 // Adds a command; returns true so it can initialise a namespace-scope constant.

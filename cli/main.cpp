@@ -13,6 +13,7 @@
 
 #include "args.h"
 #include "command.h"
+#include "fachada.h"
 #include "kivmovfrec/errors.h"
 
 namespace kivmovfrec::cli {
@@ -109,7 +110,8 @@ int Run(int argc, char** argv) {
     CLI::App* sub = app.add_subcommand(def.name, def.description);
     sub->group("Comandos");
     sub->set_help_flag("-h,--help", "Muestra la ayuda del comando y termina");
-    actions[sub] = def.setup(*sub);
+    Action action = def.setup(*sub);
+    actions[sub] = def.empresa ? ConEmpresa(def.name, std::move(action)) : std::move(action);
   }
 
   try {
