@@ -5,13 +5,11 @@
 // result; JSON adds the lines' amounts. A formula reading the occurrence count
 // ([CantidadOcurrencia]) sees the stored count, which belongs to the next due date.
 //
-// Occurrences are stepped from the stored FechaProxima with the suite's date calculator by the
-// same rules that DarRealizadaFechaAgenda applies when an occurrence is marked done: the next
-// date is ProximaFecha(code, date) with the time of day kept; a once-only code has one
-// occurrence; unless SinVencimiento, the schedule ends after the last date (by day) or after
-// the count (CantidadVeces, or what CalcularFinal derives from the start and last dates). The
-// notice of an occurrence falls NotificarDias before its due date; the current occurrence's
-// notice is put off by Postergado days. Dates before --desde are stepped over, not listed.
+// Occurrences are stepped from the stored FechaProxima by the library's rule for the next due
+// date and the end of a schedule (schedule::NextOccurrence), the one that marking an occurrence
+// done applies, with the calculator the façade uses. The notice of an occurrence falls
+// NotificarDias before its due date; the current occurrence's notice is put off by Postergado
+// days. Dates before --desde are stepped over, not listed.
 #include <algorithm>
 #include <fstream>
 #include <memory>
@@ -23,6 +21,7 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include "api/avance_agenda.h"
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
@@ -35,6 +34,7 @@
 #include "platform/vb/dates.h"
 #include "platform/vb/format.h"
 #include "schedule/date_calculator.h"
+#include "schedule/next_occurrence.h"
 #include "storage/tabla_recurrencias.h"
 
 namespace kivmovfrec::cli {
@@ -100,78 +100,51 @@ std::vector<Agendado> Leer(Connection& cn, int32_t empresa) {
   return lista;
 }
 
-// A start date handed to CalcularFinal: the day only.
-Date SinHora(Date d) {
-  return vb::DateOnly(d);
-}
-
 // The occurrences of one schedule whose due or notice date falls in [desde, hasta] (by day).
 void Ocurrencias(const Agendado& a, Date desde, Date hasta, IDateCalculator& cal,
                  std::vector<Evento>& eventos, std::ostream& err) {
   const clsRegRecurrencia& r = a.rec;
-  const auto proxima = vb::ParseDate(r.FechaProxima());
-  if (!proxima) {
+  std::optional<schedule::Schedule> agenda = api::AgendaDe(r);
+  if (!agenda) {
     err << fmt::format(
         "movfrec agenda: el movimiento {} tiene una próxima fecha ilegible («{}»); "
         "se omite\n",
         a.id, r.FechaProxima());
     return;
   }
-  const std::string& codigo = r.Frecuencia();
-  const bool una_vez = vb::Val(codigo) == 0;
-  const auto final_ = vb::ParseDate(r.FechaFinal());
-  int32_t cantidad = r.CantidadVeces();
-  if (!una_vez && r.SinVencimiento() == 0 && cantidad <= 0 && final_) {
-    if (const auto inicio = vb::ParseDate(r.FechaInicio())) {
-      Date f = *final_;
-      cantidad = 0;
-      try {
-        cal.CalcularFinal(codigo, SinHora(*inicio), cantidad, f);
-      } catch (const std::exception&) {
-        cantidad = 0;
-      }
-    }
-  }
   const double antelacion = r.NotificarDias() > 0 ? r.NotificarDias() : 0.0;
+  auto en_rango = [&](Date x) {
+    const Date xd = vb::DateOnly(x);
+    return xd >= desde && xd <= hasta;
+  };
 
-  Date d = *proxima;
-  int32_t n = r.NumOcurrencia() < 1 ? 1 : r.NumOcurrencia();
   for (int paso = 0; paso < kMaxOcurrencias; ++paso) {
-    const bool actual = paso == 0;
+    const Date d = agenda->due;
+    const int32_t n = agenda->occurrence;
     const std::optional<Date> aviso =
         antelacion > 0
-            ? std::optional<Date>(Date{d.serial - antelacion + (actual ? r.Postergado() : 0.0)})
+            ? std::optional<Date>(Date{d.serial - antelacion + (paso == 0 ? r.Postergado() : 0.0)})
             : std::nullopt;
-    const Date dia = vb::DateOnly(d);
-    auto en_rango = [&](Date x) {
-      const Date xd = vb::DateOnly(x);
-      return xd >= desde && xd <= hasta;
-    };
     if (en_rango(d)) eventos.push_back({d, false, a.id, a.tipo, a.nombre, a.memo, n, d, {}});
     if (aviso && en_rango(*aviso)) {
       eventos.push_back({*aviso, true, a.id, a.tipo, a.nombre, a.memo, n, d, {}});
     }
-    if (dia > hasta && (!aviso || vb::DateOnly(*aviso) > hasta)) break;
-    if (una_vez) break;
+    if (vb::DateOnly(d) > hasta && (!aviso || vb::DateOnly(*aviso) > hasta)) break;
 
-    Date siguiente;
+    schedule::AfterOccurrence siguiente;
     try {
-      const Date paso_dia = cal.ProximaFecha(codigo, d);
-      siguiente = Date{vb::DateOnly(paso_dia).serial + (d.serial - dia.serial)};
-    } catch (const std::exception&) {
+      siguiente = schedule::NextOccurrence(*agenda, cal);
+    } catch (const std::exception& e) {
       err << fmt::format(
-          "movfrec agenda: el movimiento {} tiene la frecuencia ilegible «{}»; solo "
-          "se muestra su próximo vencimiento\n",
-          a.id, codigo);
+          "movfrec agenda: el movimiento {} (frecuencia «{}») no tiene un vencimiento calculable "
+          "después del {}: {}\n",
+          a.id, agenda->code, FechaTexto(d), e.what());
       break;
     }
-    if (siguiente <= d) break;
-    if (r.SinVencimiento() == 0) {
-      if (final_ && vb::DateOnly(siguiente) > vb::DateOnly(*final_)) break;
-      if (cantidad > 0 && n + 1 > cantidad) break;
-    }
-    d = siguiente;
-    ++n;
+    if (siguiente.ended) break;
+    agenda->due = siguiente.due;
+    agenda->occurrence = siguiente.occurrence;
+    agenda->count = siguiente.count;
   }
 }
 
@@ -269,7 +242,10 @@ Action Setup(CLI::App& app) {
                                    FechaTexto(desde)));
     }
 
-    schedule::DateCalculator calculadora;
+    // The calculator the façade steps schedules with when an occurrence is marked done.
+    schedule::DateCalculator propia;
+    IDateCalculator& calculadora =
+        ctx.services().calendar ? *ctx.services().calendar : static_cast<IDateCalculator&>(propia);
     std::vector<Evento> eventos;
     for (const Agendado& a : Leer(*ctx.connection(), ctx.options().empresa)) {
       Ocurrencias(a, desde, hasta, calculadora, eventos, ctx.err());

@@ -17,11 +17,30 @@
 
 namespace kivmovfrec {
 
+// What kind of failure a DbError is, as the engine reported it (SQLite's extended result code,
+// PostgreSQL's SQLSTATE), so callers decide without reading the engine's text.
+enum class DbErrorKind {
+  Other,           // bad SQL, wrong use of the interface, anything not listed below
+  Busy,            // the database or a row is locked by another connection and the wait ran
+                   // out (SQLite busy timeout, PostgreSQL lock_timeout, deadlock)
+  Timeout,         // the statement ran past the connection's query limit and was cancelled
+  Constraint,      // a unique, not-null, check or foreign-key constraint refused the write
+  MissingTable,    // the statement names a table or column that does not exist
+  ReadOnly,        // the database (or the transaction) accepts no writes
+  ConnectionLost,  // the server or the file can no longer be reached
+};
+
 // Any failure reported by the database engine or by the adapter (bad SQL, constraint, busy
-// database, lost connection, malformed URI). what() holds the engine's message.
+// database, lost connection, malformed URI). what() holds the engine's message; kind() says
+// what happened.
 class DbError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  explicit DbError(const std::string& message, DbErrorKind kind = DbErrorKind::Other)
+      : std::runtime_error(message), kind_(kind) {}
+  DbErrorKind kind() const { return kind_; }
+
+ private:
+  DbErrorKind kind_;
 };
 
 // Rows produced by one SELECT. A result set starts on its first row (Eof() when there is none).

@@ -135,13 +135,15 @@ class clsMovFrecuente {
   bool DeleteRegistroMFConfirmar(int32_t lIDMF);
 
   // Marks the current occurrence of scheduled movement lIDMF as done, in ONE transaction:
-  // - The schedule's next due date is ProximaFecha(code, FechaProxima) of the date
-  //   calculator; the occurrence number grows by one. A time of day in FechaProxima is kept
+  // - The schedule's next due date is ProximaFechaAnclada(code, RecFechaInicio, FechaProxima)
+  //   of the date calculator, so a monthly or yearly schedule keeps its start's day of the
+  //   month; the occurrence number grows by one. A time of day in FechaProxima is kept
   //   ("dd/mm/yyyy hh:nn").
   // - No occurrence remains when: the code is once-only (000000); or SinVencimiento is 0 and
   //   either the next date falls after the last date (RecFechaFinal, compared by day) or the
   //   new occurrence number exceeds the count (CantidadVeces, or when 0 the count that the
-  //   calculator derives from the start and last dates). SinVencimiento 1 never ends.
+  //   calculator derives from the start and last dates). SinVencimiento 1 never ends. The
+  //   whole rule is schedule::NextOccurrence (schedule/next_occurrence.h).
   //   Then the schedule is left on its last occurrence and the header becomes Realizado with
   //   FechaEstado now; otherwise the advanced schedule is saved (its Postergado cleared: a
   //   postponement belongs to the occurrence it delayed).

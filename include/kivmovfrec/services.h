@@ -140,8 +140,16 @@ class IDateCalculator {
   // occurrences on or before the last date.
   virtual void CalcularFinal(std::string_view code, Date inicio, int32_t& cantidad,
                              Date& final_) = 0;
-  // The due date that follows `fecha` under `code`.
+  // The due date that follows `fecha` under `code`, a month or year step keeping the day of
+  // `fecha` (the last day of a shorter month).
   virtual Date ProximaFecha(std::string_view code, Date fecha) = 0;
+  // The due date that follows `fecha` in a schedule that started on `inicio`: a month or year
+  // step lands on the start's day of the month (the last day of a shorter month) while `fecha`
+  // is on that day, so a schedule started on the 30th does not drift to the 29th after
+  // February. A calculator without that notion steps from `fecha` alone, which is the default.
+  virtual Date ProximaFechaAnclada(std::string_view code, Date /*inicio*/, Date fecha) {
+    return ProximaFecha(code, fecha);
+  }
   // The frequency in words ("Todos los meses", "Cada 15 días", ...).
   virtual std::string DescribirFrecuencia(std::string_view code) = 0;
 };

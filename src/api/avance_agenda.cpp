@@ -1,5 +1,7 @@
 #include "api/avance_agenda.h"
 
+#include <algorithm>
+
 #include "core/clock.h"
 #include "kivmovfrec/records.h"
 #include "platform/vb/convert.h"
@@ -12,32 +14,31 @@
 namespace kivmovfrec::api {
 namespace {
 
-bool EsFecha(const std::string& texto) {
-  return vb::IsDate(Variant(texto));
-}
-
-Date AFecha(const std::string& texto) {
-  return vb::CDate(Variant(texto));
-}
-
-// The date handed to the calculator as a start date: its short form with "  00:00:00"
-// appended, read back, so the time of day never reaches the calendar.
-Date SinHora(Date d) {
-  return vb::CDate(Variant(vb::FormatDate(d, "Short Date") + "  00:00:00"));
-}
-
-// The next due date as the schedule keeps it: the day of `proxima` with the time of day of
-// `actual`, "dd/mm/yyyy hh:nn" or, at midnight, "dd/mm/yyyy".
-std::string TextoProxima(Date proxima, Date actual) {
+// The next due date as the schedule keeps it: "dd/mm/yyyy hh:nn" or, at midnight, "dd/mm/yyyy".
+std::string TextoProxima(Date proxima) {
   std::string texto = vb::FormatDate(proxima, "dd/mm/yyyy");
-  const vb::DateParts hora = vb::Split(actual);
+  const vb::DateParts hora = vb::Split(proxima);
   if (hora.hour != 0 || hora.minute != 0 || hora.second != 0) {
-    texto += " " + vb::FormatDate(actual, "hh:nn");
+    texto += " " + vb::FormatDate(proxima, "hh:nn");
   }
   return texto;
 }
 
 }  // namespace
+
+std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec) {
+  const std::optional<Date> proxima = vb::ParseDate(rec.FechaProxima());
+  if (!proxima) return std::nullopt;
+  schedule::Schedule s;
+  s.code = rec.Frecuencia();
+  s.start = vb::ParseDate(rec.FechaInicio());
+  s.due = *proxima;
+  s.occurrence = std::max(rec.NumOcurrencia(), 1);
+  s.count = rec.CantidadVeces();
+  s.last = vb::ParseDate(rec.FechaFinal());
+  s.no_end = rec.SinVencimiento() != 0;
+  return s;
+}
 
 std::string AvanceAgenda::SqlReservar(int32_t id) {
   return "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = " +
@@ -67,36 +68,15 @@ ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
   rec.ID(mov.Recurrencia());
   if (!storage::CargarRecurrencia(cn_, rec)) return ResultadoOcurrencia::NoAplica;
 
-  const std::string& codigo = rec.Frecuencia();
-  const Date actual = AFecha(rec.FechaProxima());
-  const bool una_vez = vb::Val(codigo) == 0;
-  const int32_t siguiente = (rec.NumOcurrencia() < 1 ? 1 : rec.NumOcurrencia()) + 1;
-
-  bool termina = una_vez;
-  Date proxima = actual;
-  if (!una_vez) {
-    proxima = cal_.ProximaFecha(codigo, actual);
-    if (rec.SinVencimiento() == 0) {
-      const bool hay_final = EsFecha(rec.FechaFinal());
-      if (hay_final && vb::DateOnly(proxima) > vb::DateOnly(AFecha(rec.FechaFinal()))) {
-        termina = true;
-      }
-      int32_t cantidad = rec.CantidadVeces();
-      if (cantidad <= 0 && hay_final && EsFecha(rec.FechaInicio())) {
-        Date final_ = AFecha(rec.FechaFinal());
-        cantidad = 0;
-        cal_.CalcularFinal(codigo, SinHora(AFecha(rec.FechaInicio())), cantidad, final_);
-      }
-      if (cantidad > 0 && siguiente > cantidad) termina = true;
-    }
-  }
-
-  if (termina) {
+  const std::optional<schedule::Schedule> agenda = AgendaDe(rec);
+  if (!agenda) throw VbError(13);
+  const schedule::AfterOccurrence siguiente = schedule::NextOccurrence(*agenda, cal_);
+  if (siguiente.ended) {
     mov.Estado(enuEstadoMF::Realizado);
     mov.FechaEstado(core::Now());
   } else {
-    rec.FechaProxima(TextoProxima(proxima, actual));
-    rec.NumOcurrencia(siguiente);
+    rec.FechaProxima(TextoProxima(siguiente.due));
+    rec.NumOcurrencia(siguiente.occurrence);
     rec.Postergado(0.0f);
     storage::GuardarRecurrencia(cn_, dbf_, rec);
   }
@@ -104,7 +84,7 @@ ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
   if (mov.Tipo() == enuTipoMovFrec::Calendario) {
     cn_.Execute(SqlMarcarAvisosVistos(id, mov.Modalidad()));
   }
-  return termina ? ResultadoOcurrencia::Terminada : ResultadoOcurrencia::Avanzada;
+  return siguiente.ended ? ResultadoOcurrencia::Terminada : ResultadoOcurrencia::Avanzada;
 }
 
 std::vector<int32_t> AvanceAgenda::MiembrosDelGrupo(int32_t id) {

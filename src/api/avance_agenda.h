@@ -1,8 +1,8 @@
 // Marking a scheduled occurrence done: the work behind clsMovFrecuente::DarRealizadaFechaAgenda.
 //
 // The caller owns the transaction; this class only reads and writes through the connection it
-// is given and lets every error through (DbError, VbError for a FechaProxima that is not a date,
-// ComponentError from a counter, an unreadable frequency code from the calculator).
+// is given and lets every error through (DbError, VbError(13) for a FechaProxima that is not a
+// date, ComponentError from a counter, an unreadable frequency code from the calculator).
 //
 // Rules for one movement:
 // - Its header row is claimed first (SqlReservar, a write that changes nothing), so that two
@@ -11,13 +11,9 @@
 //   already; PostgreSQL locks a row only when it is written, and its reads never wait, so
 //   without the claim both would read the same occurrence and count it twice.
 // - Only a pending movement (Estado 0) with a stored schedule has an occurrence to mark.
-// - Next due date: ProximaFecha(code, FechaProxima). The time of day of FechaProxima is kept and
-//   written "dd/mm/yyyy hh:nn"; a due date without time is written "dd/mm/yyyy".
-// - The schedule ends (no occurrence remains) when the code is once-only (000000) — whatever
-//   SinVencimiento says, since a once-only code has no next date —, or when SinVencimiento is 0
-//   and either the next date falls after the last date (by day) or the new occurrence number
-//   exceeds the count. The count is CantidadVeces when set, otherwise what CalcularFinal derives
-//   from the start date (cut to midnight) and the last date. SinVencimiento 1 never ends.
+// - The next due date, and whether the schedule ends after this occurrence, are those of
+//   schedule::NextOccurrence (schedule/next_occurrence.h) for the schedule row (AgendaDe). The
+//   next date is written "dd/mm/yyyy hh:nn", or "dd/mm/yyyy" when it has no time of day.
 // - Advancing: FechaProxima = the next date, occurrence number + 1, Postergado cleared (a
 //   postponement belongs to the occurrence it delayed); the schedule row is saved.
 // - Ending: the schedule row is left on its last occurrence; the header becomes Realizado with
@@ -27,12 +23,15 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/reg_recurrencia.h"
 #include "kivmovfrec/services.h"
+#include "schedule/next_occurrence.h"
 
 namespace kivmovfrec::api {
 
@@ -41,6 +40,10 @@ enum class ResultadoOcurrencia {
   Avanzada,   // moved to the next due date
   Terminada,  // that was the last occurrence: now Realizado
 };
+
+// The schedule a row describes, its texts read as dates (FechaInicio and FechaFinal count as
+// missing when they are not dates); nothing when FechaProxima is not a date.
+std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec);
 
 class AvanceAgenda {
  public:

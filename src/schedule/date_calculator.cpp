@@ -1,6 +1,7 @@
 #include "schedule/date_calculator.h"
 
 #include <fmt/format.h>
+#include <algorithm>
 
 #include "platform/vb/dates.h"
 
@@ -22,20 +23,22 @@ std::string Plural(int32_t n, const char* one, const char* many_unit) {
   return fmt::format("Cada {} {}", n, many_unit);
 }
 
-}  // namespace
-
-Date AddMonthsKeepingMonthEnd(Date fecha, int months) {
+// `fecha` moved by `months` calendar months onto the anchor day (see the header).
+Date AddMonths(Date fecha, int months, Date inicio) {
   vb::DateParts p = vb::Split(fecha);
-  const bool month_end = p.day == vb::DaysInMonth(p.year, p.month);
+  const int start_day = vb::Day(inicio);
+  const bool on_start_day = p.day == std::min(start_day, vb::DaysInMonth(p.year, p.month));
+  const int anchor = on_start_day ? start_day : p.day;
   const int index = p.year * 12 + (p.month - 1) + months;
   p.year = index / 12;
   p.month = index % 12 + 1;
-  const int last = vb::DaysInMonth(p.year, p.month);
-  p.day = month_end ? last : std::min(p.day, last);
+  p.day = std::min(anchor, vb::DaysInMonth(p.year, p.month));
   return vb::MakeDate(p);
 }
 
-Date NextDate(const Frequency& f, Date fecha) {
+}  // namespace
+
+Date NextDate(const Frequency& f, Date inicio, Date fecha) {
   if (f.once()) return fecha;
   switch (f.unit) {
     case FrequencyUnit::Days:
@@ -43,9 +46,9 @@ Date NextDate(const Frequency& f, Date fecha) {
     case FrequencyUnit::Weeks:
       return Date{fecha.serial + 7.0 * f.step};
     case FrequencyUnit::Months:
-      return AddMonthsKeepingMonthEnd(fecha, f.step);
+      return AddMonths(fecha, f.step, inicio);
     case FrequencyUnit::Years:
-      return AddMonthsKeepingMonthEnd(fecha, 12 * f.step);
+      return AddMonths(fecha, 12 * f.step, inicio);
   }
   return fecha;
 }
@@ -87,7 +90,7 @@ void DateCalculator::CalcularFinal(std::string_view code, Date inicio, int32_t& 
   if (cantidad > 0) {
     if (cantidad > kMaxOccurrences) throw VbError(6);
     Date d = start;
-    for (int32_t i = 1; i < cantidad; ++i) d = NextDate(f, d);
+    for (int32_t i = 1; i < cantidad; ++i) d = NextDate(f, start, d);
     final_ = d;
     return;
   }
@@ -97,14 +100,18 @@ void DateCalculator::CalcularFinal(std::string_view code, Date inicio, int32_t& 
     return;
   }
   int32_t n = 1;
-  for (Date d = NextDate(f, start); d <= last; d = NextDate(f, d)) {
+  for (Date d = NextDate(f, start, start); d <= last; d = NextDate(f, start, d)) {
     if (++n > kMaxOccurrences) throw VbError(6);
   }
   cantidad = n;
 }
 
 Date DateCalculator::ProximaFecha(std::string_view code, Date fecha) {
-  return NextDate(ParseOrThrow(code), fecha);
+  return NextDate(ParseOrThrow(code), fecha, fecha);
+}
+
+Date DateCalculator::ProximaFechaAnclada(std::string_view code, Date inicio, Date fecha) {
+  return NextDate(ParseOrThrow(code), inicio, fecha);
 }
 
 std::string DateCalculator::DescribirFrecuencia(std::string_view code) {

@@ -2,14 +2,21 @@
 // wizard, the task lists and the façade agree on the calendar.
 //
 // Calendar rules:
-// - Day and week steps add whole days; the time of day is kept.
-// - Month and year steps keep the day of the month and fall back to the last day of a shorter
-//   month; a date that is the last day of its month steps to the last day of the target month.
-//   So monthly from 31/01/2024 gives 29/02/2024, 31/03/2024, 30/04/2024.
-// - A once-only code (step 0) has no next date: ProximaFecha returns the date it was given.
-// - CalcularFinal works on dates without their time of day.
-// An unreadable code makes ProximaFecha and CalcularFinal throw VbError(5); DescribirFrecuencia
-// returns "" for it.
+// - Day and week steps add whole days. Every step keeps the time of day.
+// - Month and year steps land on the schedule's anchor day in the target month, or on that
+//   month's last day when it is shorter. The anchor is the day of the month of the start date
+//   as long as the current due date lies on it (its day is the start's day, or the last day of
+//   its month when that month has fewer days); otherwise - a due date moved by hand, or no
+//   start date - it is the current due date's own day. So monthly from 31/01/2024 gives 29/02,
+//   31/03, 30/04; from 30/01/2024 29/02, 30/03, 30/04; from 28/01/2023 28/02, 28/03; yearly
+//   from 29/02/2024 28/02/2025, 28/02/2026, 28/02/2027, 29/02/2028. A due date of a schedule
+//   started on the 31st that was moved to the 15th steps to the 15th from then on.
+// - ProximaFecha, which is given no start, anchors on the date it steps from.
+// - A once-only code (step 0) has no next date: the date given comes back.
+// - CalcularFinal steps from its start date, anchored on it, and works on dates without their
+//   time of day.
+// An unreadable code makes ProximaFecha, ProximaFechaAnclada and CalcularFinal throw
+// VbError(5); DescribirFrecuencia returns "" for it.
 #pragma once
 
 #include <memory>
@@ -29,10 +36,9 @@ class IFrequencyEditor {
   virtual std::optional<Frequency> Edit(const Frequency& initial) = 0;
 };
 
-// Date after `fecha` under `f` (the rules above).
-Date NextDate(const Frequency& f, Date fecha);
-// `fecha` moved by `months` calendar months with the end-of-month rule above.
-Date AddMonthsKeepingMonthEnd(Date fecha, int months);
+// Due date after `fecha` under `f` for a schedule started on `inicio` (the rules above; only
+// the day of the month of `inicio` matters).
+Date NextDate(const Frequency& f, Date inicio, Date fecha);
 // The frequency in words: "Una sola vez", "Todos los días", "Cada 15 días", "Todas las
 // semanas", "Todos los meses", "Cada 2 meses", "Todos los años", ...
 std::string Describe(const Frequency& f);
@@ -47,6 +53,7 @@ class DateCalculator : public IDateCalculator {
   std::string EditarFrecuencia() override;
   void CalcularFinal(std::string_view code, Date inicio, int32_t& cantidad, Date& final_) override;
   Date ProximaFecha(std::string_view code, Date fecha) override;
+  Date ProximaFechaAnclada(std::string_view code, Date inicio, Date fecha) override;
   std::string DescribirFrecuencia(std::string_view code) override;
 
   // The frequency the editor starts from on the next EditarFrecuencia.

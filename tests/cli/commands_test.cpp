@@ -497,6 +497,28 @@ TEST_P(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
   EXPECT_EQ(Run({"agenda", "--desde", "2026-12-01", "--hasta", "2026-11-01"}).status, 2);
 }
 
+// The agenda lists the very due dates that marking each occurrence done walks through.
+TEST_P(MovfrecComandos, AgendaListsTheDatesRealizarWalksThrough) {
+  Json mov = Json::parse(kNuevo);
+  Json& rec = mov["Recurrencia"];
+  rec["FechaInicio"] = rec["FechaProxima"] = "30/01/2024";
+  rec["FechaFinal"] = "30/06/2024";
+  rec["NumOcurrencia"] = 1;
+  const Json id = RunJson({"importar", Write(mov.dump())})[0]["ID"];
+  std::vector<std::string> agenda, realizadas = {"30/01/2024"};
+  for (const Json& e : RunJson({"agenda", "--desde", "2024-01-01", "--hasta", "2024-12-31"})) {
+    if (e["ID"] == id && e["Evento"] == "Vencimiento") agenda.push_back(e["Fecha"]);
+  }
+  for (int i = 0; i < 12; ++i) {  // until the last occurrence
+    const Json r = RunJson({"realizar", id.dump()});
+    if (r.value("UltimaOcurrencia", true)) break;
+    realizadas.push_back(r["FechaProxima"]);
+  }
+  EXPECT_EQ(agenda, realizadas);
+  EXPECT_EQ(agenda.size(), 6u);
+  EXPECT_EQ(agenda.at(2), "30/03/2024");  // back on the 30th after February
+}
+
 // The main job: what falls due becomes posted documents once, in due-date order.
 TEST_P(MovfrecComandos, EjecutarPostsWhatFallsDueOnce) {
   const Result r = Run({"ejecutar", "--hasta", "30/11/2026"});

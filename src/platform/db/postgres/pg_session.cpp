@@ -23,6 +23,18 @@ std::string Tidy(const char* message) {
 
 void IgnoreNotice(void*, const char*) {}
 
+// The kind of failure behind a SQLSTATE (its class is the first two characters).
+DbErrorKind KindOf(const std::string& state) {
+  if (state == "55P03" || state == "40P01" || state == "40001") return DbErrorKind::Busy;
+  if (state == "57014") return DbErrorKind::Timeout;  // query_canceled: statement_timeout
+  if (state == "42P01" || state == "42703") return DbErrorKind::MissingTable;
+  if (state == "25006") return DbErrorKind::ReadOnly;
+  const std::string klass = state.substr(0, 2);
+  if (klass == "23") return DbErrorKind::Constraint;
+  if (klass == "08" || klass == "57") return DbErrorKind::ConnectionLost;  // 57P01 shutdown ...
+  return DbErrorKind::Other;
+}
+
 }  // namespace
 
 Session::Session(const std::string& conninfo, int lock_timeout_ms) {
@@ -32,7 +44,8 @@ Session::Session(const std::string& conninfo, int lock_timeout_ms) {
     std::string msg = Tidy(PQerrorMessage(conn_));
     PQfinish(conn_);
     conn_ = nullptr;
-    throw DbError(fmt::format("No se pudo conectar con el servidor PostgreSQL: {}", msg));
+    throw DbError(fmt::format("No se pudo conectar con el servidor PostgreSQL: {}", msg),
+                  DbErrorKind::ConnectionLost);
   }
   // "relation already exists, skipping" and the like would otherwise go to stderr.
   PQsetNoticeProcessor(conn_, IgnoreNotice, nullptr);
@@ -87,7 +100,8 @@ Result Session::Send(std::string_view sql, const Params& params, std::string_vie
                         values.data(), nullptr, nullptr, 0));
   if (!r) {
     throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})",
-                              Tidy(PQerrorMessage(conn_)), shown));
+                              Tidy(PQerrorMessage(conn_)), shown),
+                  LostOrOther());
   }
   return r;
 }
@@ -127,7 +141,8 @@ std::string Session::Command(const char* sql) {
   Result r(PQexec(conn_, sql));
   if (!r) {
     throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})",
-                              Tidy(PQerrorMessage(conn_)), sql));
+                              Tidy(PQerrorMessage(conn_)), sql),
+                  LostOrOther());
   }
   const ExecStatusType st = PQresultStatus(r.get());
   if (st != PGRES_COMMAND_OK && st != PGRES_TUPLES_OK) Fail(r.get(), sql);
@@ -140,7 +155,13 @@ void Session::Fail(const PGresult* result, std::string_view shown) const {
   if (msg.empty()) msg = Tidy(PQerrorMessage(conn_));
   const char* detail = PQresultErrorField(result, PG_DIAG_MESSAGE_DETAIL);
   if (detail != nullptr && *detail != '\0') msg += " (" + Tidy(detail) + ")";
-  throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})", msg, shown));
+  const std::string state = SqlState(result);
+  const DbErrorKind kind = state.empty() ? LostOrOther() : KindOf(state);
+  throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})", msg, shown), kind);
+}
+
+DbErrorKind Session::LostOrOther() const {
+  return PQstatus(conn_) == CONNECTION_BAD ? DbErrorKind::ConnectionLost : DbErrorKind::Other;
 }
 
 std::string SqlState(const PGresult* result) {

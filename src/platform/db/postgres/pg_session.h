@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "kivmovfrec/db.h"
+
 namespace kivmovfrec::postgres {
 
 struct ResultDeleter {
@@ -63,6 +65,8 @@ class Session {
 
  private:
   [[noreturn]] void Fail(const PGresult* result, std::string_view shown) const;
+  // ConnectionLost when the connection is gone, else Other: for failures without a SQLSTATE.
+  DbErrorKind LostOrOther() const;
 
   PGconn* conn_ = nullptr;
 };

@@ -25,6 +25,27 @@ bool MentionsDate(const char* decltype_text) {
   return upper.find("DATE") != std::string::npos || upper.find("TIME") != std::string::npos;
 }
 
+// The kind of failure behind SQLite's extended result code.
+DbErrorKind KindOf(int extended_code) {
+  switch (extended_code & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return DbErrorKind::Busy;
+    case SQLITE_INTERRUPT:
+      return DbErrorKind::Timeout;
+    case SQLITE_CONSTRAINT:
+      return DbErrorKind::Constraint;
+    case SQLITE_READONLY:
+      return DbErrorKind::ReadOnly;
+    case SQLITE_CANTOPEN:
+    case SQLITE_IOERR:
+    case SQLITE_NOTADB:
+      return DbErrorKind::ConnectionLost;
+    default:
+      return DbErrorKind::Other;
+  }
+}
+
 }  // namespace
 
 Database::Database(const std::string& path, int busy_timeout_ms) : in_memory_(path == ":memory:") {
@@ -33,7 +54,8 @@ Database::Database(const std::string& path, int busy_timeout_ms) : in_memory_(pa
     std::string msg = db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(rc);
     sqlite3_close_v2(db_);
     db_ = nullptr;
-    throw DbError(fmt::format("No se pudo abrir la base de datos {}: {}", path, msg));
+    throw DbError(fmt::format("No se pudo abrir la base de datos {}: {}", path, msg),
+                  DbErrorKind::ConnectionLost);
   }
   sqlite3_extended_result_codes(db_, 1);
   sqlite3_busy_timeout(db_, busy_timeout_ms);
@@ -46,7 +68,8 @@ Database::Database(const std::string& path, int busy_timeout_ms) : in_memory_(pa
   } catch (const DbError& e) {
     sqlite3_close_v2(db_);
     db_ = nullptr;
-    throw DbError(fmt::format("No se pudo abrir la base de datos {}: {}", path, e.what()));
+    throw DbError(fmt::format("No se pudo abrir la base de datos {}: {}", path, e.what()),
+                  e.kind());
   }
 }
 
@@ -56,7 +79,8 @@ Database::~Database() {
 
 void Database::Fail(std::string_view sql) const {
   throw DbError(
-      fmt::format("Error de la base de datos: {} (sentencia: {})", sqlite3_errmsg(db_), sql));
+      fmt::format("Error de la base de datos: {} (sentencia: {})", sqlite3_errmsg(db_), sql),
+      KindOf(sqlite3_extended_errcode(db_)));
 }
 
 void Database::Exec(const char* sql) const {
