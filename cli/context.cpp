@@ -1,6 +1,7 @@
 #include <ostream>
 
 #include "command.h"
+#include "kivmovfrec/empresa.h"
 
 namespace kivmovfrec::cli {
 
@@ -10,7 +11,14 @@ Context::Context(GlobalOptions options, std::ostream& out, std::ostream& err)
 Context::~Context() = default;
 
 std::shared_ptr<Connection> Context::connection() {
-  if (!cn_) cn_ = OpenConnection(options_.db);
+  if (!cn_) {
+    cn_ = OpenConnection(options_.db);
+    clsEmpresa empresa;
+    if (require_company_ && !empresa.Load(options_.empresa, *cn_)) {
+      throw Refused("la empresa " + std::to_string(options_.empresa) +
+                    " no existe (revise --empresa)");
+    }
+  }
   return cn_;
 }
 

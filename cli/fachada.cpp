@@ -28,16 +28,4 @@ int Rechazo(Context& ctx, const std::string& comando, const std::string& texto) 
   return kExitFailed;
 }
 
-Action ConEmpresa(std::string comando, Action accion) {
-  return [comando = std::move(comando), accion = std::move(accion)](Context& ctx) {
-    clsEmpresa empresa;
-    if (!empresa.Load(ctx.options().empresa, *ctx.connection())) {
-      return Rechazo(
-          ctx, comando,
-          "la empresa " + std::to_string(ctx.options().empresa) + " no existe (revise --empresa)");
-    }
-    return accion(ctx);
-  };
-}
-
 }  // namespace kivmovfrec::cli

@@ -28,9 +28,4 @@ std::string NoExiste(int32_t id);
 // Writes "movfrec COMANDO: texto" on the error stream and returns kExitFailed.
 int Rechazo(Context& ctx, const std::string& comando, const std::string& texto);
 
-// `accion`, run only when the company of --empresa exists (cceEmpresas); otherwise it writes
-// "movfrec COMANDO: la empresa N no existe" and returns kExitFailed. A missing table is a
-// database error as for any command.
-Action ConEmpresa(std::string comando, Action accion);
-
 }  // namespace kivmovfrec::cli

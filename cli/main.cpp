@@ -8,12 +8,12 @@
 #include <iostream>
 #include <map>
 #include <string>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
 #include "args.h"
 #include "command.h"
-#include "fachada.h"
 #include "kivmovfrec/errors.h"
 
 namespace kivmovfrec::cli {
@@ -105,13 +105,12 @@ int Run(int argc, char** argv) {
       ->check(SiNo());
   app.add_flag("--json", options.json, "Resultado en JSON por la salida estándar");
 
-  std::map<const CLI::App*, Action> actions;
+  std::map<const CLI::App*, std::pair<Action, bool>> actions;  // and whether it needs a company
   for (const CommandDef& def : RegisteredCommands()) {
     CLI::App* sub = app.add_subcommand(def.name, def.description);
     sub->group("Comandos");
     sub->set_help_flag("-h,--help", "Muestra la ayuda del comando y termina");
-    Action action = def.setup(*sub);
-    actions[sub] = def.empresa ? ConEmpresa(def.name, std::move(action)) : std::move(action);
+    actions[sub] = {def.setup(*sub), def.empresa};
   }
 
   try {
@@ -134,11 +133,16 @@ int Run(int argc, char** argv) {
 
   const CLI::App* chosen = app.get_subcommands().front();
   Context ctx(options, std::cout, std::cerr);
+  const auto& [action, company] = actions.at(chosen);
+  ctx.RequireCompany(company);
   try {
-    return actions.at(chosen)(ctx);
+    return action(ctx);
   } catch (const UsageError& e) {
     std::cerr << "movfrec " << chosen->get_name() << ": " << e.what() << '\n';
     return kExitUsage;
+  } catch (const Refused& e) {
+    std::cerr << "movfrec " << chosen->get_name() << ": " << e.what() << '\n';
+    return kExitFailed;
   }
 }
 

@@ -102,11 +102,12 @@ class clsMovFrecuente {
 
   // Why the last failing call of a member that traps its errors (the locked save and the
   // members that show "Error al ...") failed: the refusal's text, "error 8000 (DBFncs): ..." for
-  // the key counter, "la base de datos es de solo lectura (...)", "la base de datos está
-  // bloqueada por otro proceso (...)" or "error de la base de datos: ..." with the engine's
-  // message; a long text is cut (vb::ShortForMessage). Each of those members clears it when it
-  // starts, so it is "" after a call that did not fail on an error (a refusal shown as a
-  // message, such as missing rights, is not an error).
+  // the key counter, or for a database error its kind in plain words followed by the engine's
+  // message ("la base de datos es de solo lectura (...)", "la base de datos está bloqueada por
+  // otro proceso (...)"; the engine's message alone for other failures); a long text is cut
+  // (vb::ShortForMessage). Each of those members clears it when it starts, so it is "" after a
+  // call that did not fail on an error (a refusal shown as a message, such as missing rights,
+  // is not an error).
   const std::string& UltimoError() const { return ultimo_error_; }
 
   // Loads movement lIDMF into the current movement. Returns false, leaving the current

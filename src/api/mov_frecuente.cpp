@@ -13,7 +13,6 @@
 #include "kivmovfrec/errors.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/excerpt.h"
-#include "platform/vb/text.h"
 #include "resources/catalogue.h"
 #include "resources/msg.h"
 #include "schedule/date_calculator.h"
@@ -81,32 +80,38 @@ void RechazarVariasDiferencias(const clsRenglonesMF& renglones, int idioma) {
   }
 }
 
-bool Contiene(const std::string& texto, std::initializer_list<const char*> partes) {
-  for (const char* p : partes) {
-    if (texto.find(p) != std::string::npos) return true;
+// What a database failure means, in plain words ("" when the engine's message is all there is).
+const char* CausaDb(DbErrorKind kind) {
+  switch (kind) {
+    case DbErrorKind::Busy:
+      return "la base de datos está bloqueada por otro proceso";
+    case DbErrorKind::Timeout:
+      return "la base de datos tardó demasiado en responder";
+    case DbErrorKind::Constraint:
+      return "la base de datos rechazó los datos";
+    case DbErrorKind::MissingTable:
+      return "falta una tabla o una columna en la base de datos";
+    case DbErrorKind::ReadOnly:
+      return "la base de datos es de solo lectura";
+    case DbErrorKind::ConnectionLost:
+      return "se perdió la conexión con la base de datos";
+    case DbErrorKind::Other:
+      break;
   }
-  return false;
+  return "";
 }
 
 // Why an operation failed, for people: the component's own refusals as they are, the counter
-// failure with its number, a database error with the engine's message (named in plain words
-// when it is a read-only or locked database), cut when long.
+// failure with its number, a database error named in plain words with the engine's message,
+// cut when long.
 std::string DescribirError(const std::exception& e) {
   std::string texto = e.what();
   if (const auto* c = dynamic_cast<const ComponentError*>(&e)) {
     texto = fmt::format("error {} ({}): {}", c->number(), c->source(), c->what());
   } else if (const auto* v = dynamic_cast<const VbError*>(&e)) {
     texto = fmt::format("error {}: {}", v->number(), v->what());
-  } else if (dynamic_cast<const DbError*>(&e) != nullptr) {
-    const std::string motor = vb::LCase(texto);
-    if (Contiene(motor, {"readonly", "read-only", "read only"})) {
-      texto = "la base de datos es de solo lectura (" + texto + ")";
-    } else if (Contiene(motor,
-                        {"locked", "busy", "lock timeout", "could not obtain lock", "deadlock"})) {
-      texto = "la base de datos está bloqueada por otro proceso (" + texto + ")";
-    } else {
-      texto = "error de la base de datos: " + texto;
-    }
+  } else if (const auto* d = dynamic_cast<const DbError*>(&e); d && *CausaDb(d->kind())) {
+    texto = fmt::format("{} ({})", CausaDb(d->kind()), d->what());
   }
   return vb::ShortForMessage(texto, 300);
 }
