@@ -131,15 +131,13 @@ class CliDatabase {
   const std::string& uri() const { return uri_; }
 
   // Runs SQL on this database through the engine's shell; false when the shell is missing or
-  // the statement failed.
-  bool Sql(const std::string& sql) const { return Shell(sql, "/dev/null"); }
-
-  // The rows a query returns, one line each with the columns separated by "|", as the engine's
-  // shell prints them (for comparing a table before and after on the same engine).
-  std::string Filas(const std::string& sql) const {
-    const std::string salida = base_ + ".filas";
-    EXPECT_TRUE(Shell(sql, salida)) << sql;
-    return Slurp(salida);
+  // the statement failed. The rows it returns go to the file `salida`, one a line, columns
+  // separated by "|".
+  bool Sql(const std::string& sql, const std::string& salida = "/dev/null") const {
+    if (motor_ == Motor::PostgreSQL) return Psql(uri_, sql, salida);
+    if (!Hay("sqlite3")) return false;
+    return std::system(
+               ("sqlite3 " + Quote(file_) + " " + Quote(sql) + " > " + Quote(salida)).c_str()) == 0;
   }
 
  private:
@@ -152,12 +150,6 @@ class CliDatabase {
     const std::string cmd = "psql -X -q -A -t -v ON_ERROR_STOP=1 -d " + Quote(uri) + " -c " +
                             Quote(sql) + " > " + Quote(salida);
     return std::system(cmd.c_str()) == 0;
-  }
-  bool Shell(const std::string& sql, const std::string& salida) const {
-    if (motor_ == Motor::PostgreSQL) return Psql(uri_, sql, salida);
-    if (!Hay("sqlite3")) return false;
-    return std::system(
-               ("sqlite3 " + Quote(file_) + " " + Quote(sql) + " > " + Quote(salida)).c_str()) == 0;
   }
 
   Motor motor_;
