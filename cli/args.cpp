@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <chrono>
+#include <cmath>
 
 #include <fmt/format.h>
 
@@ -63,6 +64,20 @@ std::optional<Date> ParseFecha(std::string_view text) {
   return std::nullopt;
 }
 
+std::optional<std::chrono::milliseconds> ParseSegundos(std::string_view text) {
+  std::string t = vb::Trim(text);
+  const size_t comma = t.find(',');
+  if (comma != std::string::npos) t[comma] = '.';
+  if (t.empty() || t.find_first_not_of("0123456789.") != std::string::npos ||
+      t.find('.') != t.rfind('.') || t == ".") {
+    return std::nullopt;
+  }
+  double seconds = 0;
+  const auto [end, ec] = std::from_chars(t.data(), t.data() + t.size(), seconds);
+  if (ec != std::errc() || end != t.data() + t.size() || seconds > 86400) return std::nullopt;
+  return std::chrono::milliseconds(std::llround(seconds * 1000));
+}
+
 std::optional<bool> ParseSiNo(std::string_view text) {
   const std::string t = vb::LCase(vb::Trim(text));
   if (t == "si" || t == "sí" || t == "s") return true;
@@ -89,6 +104,15 @@ CLI::Validator FechaValida() {
       [](std::string& value) -> std::string {
         if (ParseFecha(value)) return {};
         return fmt::format("«{}» no es una fecha válida (use aaaa-mm-dd o dd/mm/aaaa)", value);
+      },
+      "");
+}
+
+CLI::Validator SegundosValidos() {
+  return CLI::Validator(
+      [](std::string& value) -> std::string {
+        if (ParseSegundos(value)) return {};
+        return fmt::format("se esperaba una cantidad de segundos entre 0 y 86400, no «{}»", value);
       },
       "");
 }

@@ -1,6 +1,7 @@
 // Reading command-line values: whole numbers, dates and yes/no answers, with Spanish messages.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,6 +20,10 @@ std::optional<int64_t> ParseInteger(std::string_view text, int64_t min, int64_t 
 // second form); nothing when the text is neither or names no real day.
 std::optional<Date> ParseFecha(std::string_view text);
 
+// A number of seconds, whole or with a decimal point or comma ("10", "0.5", "2,5"), from 0 up to
+// one day, as milliseconds (rounded); nothing otherwise.
+std::optional<std::chrono::milliseconds> ParseSegundos(std::string_view text);
+
 // "si"/"sí"/"s" -> true, "no"/"n" -> false (case ignored); nothing otherwise.
 std::optional<bool> ParseSiNo(std::string_view text);
 
@@ -26,5 +31,6 @@ std::optional<bool> ParseSiNo(std::string_view text);
 CLI::Validator EnteroEntre(int64_t min, int64_t max);
 CLI::Validator FechaValida();
 CLI::Validator SiNo();
+CLI::Validator SegundosValidos();
 
 }  // namespace kivmovfrec::cli

@@ -64,6 +64,13 @@ bool Balanceado(const TrazaCalculoFx& t) {
   return t.ok && std::fabs(t.total_debe - t.total_haber) < 0.005;
 }
 
+// The warning for a line whose value comes from the second attempt with "," read as ".".
+std::string AvisoReintento(const TrazaLineaFx& l) {
+  return "importe obtenido al evaluar de nuevo leyendo cada \",\" como \".\"; tal como está "
+         "escrita, la fórmula da " +
+         l.reintento_tras_error;
+}
+
 int16_t MonedaLinea(const ResultadoCalculo& r, size_t i) {
   const auto& lineas = *r.mf.Renglones();
   if (i >= static_cast<size_t>(lineas.QRenglones())) return 0;
@@ -136,7 +143,14 @@ void ImprimirCalculo(std::ostream& out, const ResultadoCalculo& r, bool traza) {
   } else {
     out << "Sin resultado: " << t.error << '\n';
   }
-  if (!traza) return;
+  if (!traza) {
+    for (const TrazaLineaFx& l : t.lineas) {
+      if (l.ok && !l.reintento_tras_error.empty()) {
+        out << "Aviso, renglón " << l.indice << ": " << AvisoReintento(l) << '\n';
+      }
+    }
+    return;
+  }
   for (size_t i = 0; i < t.lineas.size(); ++i) {
     const TrazaLineaFx& l = t.lineas[i];
     out << "\nRenglón " << l.indice << ": " << l.cuenta_codigo << ' ' << l.cuenta_nombre << " ("
@@ -154,6 +168,7 @@ void ImprimirCalculo(std::ostream& out, const ResultadoCalculo& r, bool traza) {
     if (!l.expresion.empty()) out << "  Expresión: " << l.expresion << '\n';
     if (l.ok) {
       out << "  Importe: " << p.Importe(l.importe_mf, moneda) << '\n';
+      if (!l.reintento_tras_error.empty()) out << "  Aviso: " << AvisoReintento(l) << '\n';
       if (!l.conversion.empty()) out << "  Conversión: " << l.conversion << '\n';
     } else {
       out << "  Error: " << l.error << '\n';
@@ -187,6 +202,7 @@ nlohmann::ordered_json CalculoJson(const ResultadoCalculo& r, bool traza) {
     x["ImporteCta"] = l.importe_cta;
     x["Ok"] = l.ok;
     x["Error"] = l.error;
+    x["ReintentoTrasError"] = l.reintento_tras_error;
     if (traza) {
       x["Expresion"] = l.expresion;
       x["Conversion"] = l.conversion;

@@ -1,5 +1,10 @@
 // movfrec evaluar EXPR: evaluates one expression in VBScript syntax, with the open database
 // visible as rdoCBase, so a formula author can try a [codescript] before storing it.
+//
+// When the value exists only because the expression was evaluated again with every "," read as
+// "." after a run-time error, the value is printed and stderr warns with the first error
+// (number, text, column): "Round(12000/0,2)" gives 60000 only because "0,2" became 0.2. With
+// --json the warning is the "ReintentoTrasError" member.
 #include <memory>
 #include <ostream>
 #include <string>
@@ -41,6 +46,11 @@ Action Setup(CLI::App& app) {
       nlohmann::ordered_json out;
       if (r.ok) {
         out["Resultado"] = r.text;
+        if (r.first_error) {
+          out["ReintentoTrasError"] = {{"Numero", r.first_error->number},
+                                       {"Descripcion", r.first_error->description},
+                                       {"Columna", r.first_error->column}};
+        }
       } else {
         out["Error"] = {{"Numero", r.error.number},
                         {"Descripcion", r.error.description},
@@ -49,6 +59,13 @@ Action Setup(CLI::App& app) {
       ctx.PrintJson(out);
     } else if (r.ok) {
       ctx.out() << r.text << "\n";
+      if (r.first_error) {
+        ctx.err() << "Aviso: el resultado sale de evaluar de nuevo leyendo cada \",\" como \".\"; "
+                     "la expresión tal como está escrita da el error "
+                  << r.first_error->number << ": " << r.first_error->description << " (columna "
+                  << r.first_error->column << ")\n";
+        PrintCaret(ctx.err(), *expression, r.first_error->column);
+      }
     } else {
       ctx.err() << "Error " << r.error.number << ": " << r.error.description << " (columna "
                 << r.error.column << ")\n";

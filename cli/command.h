@@ -14,6 +14,7 @@
 // reach the database, the suite services and the output only through the Context.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <iosfwd>
 #include <memory>
@@ -60,6 +61,8 @@ struct GlobalOptions {
   std::optional<Date> hoy;               // --hoy: fixes "today"
   std::optional<bool> responder;         // --responder si|no
   bool json = false;                     // --json
+  // --limite-consultas: longest run of a statement from a formula or a script.
+  std::chrono::milliseconds limite_consultas = kDefaultQueryLimit;
 };
 
 // What a command works with. The connection is opened on first use and the suite services are

@@ -13,6 +13,7 @@ Context::~Context() = default;
 std::shared_ptr<Connection> Context::connection() {
   if (!cn_) {
     cn_ = OpenConnection(options_.db);
+    cn_->SetQueryLimit(options_.limite_consultas);
     clsEmpresa empresa;
     if (require_company_ && !empresa.Load(options_.empresa, *cn_)) {
       throw Refused("la empresa " + std::to_string(options_.empresa) +

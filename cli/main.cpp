@@ -104,6 +104,12 @@ int Run(int argc, char** argv) {
       ->type_name("si|no")
       ->check(SiNo());
   app.add_flag("--json", options.json, "Resultado en JSON por la salida estándar");
+  std::string limite;
+  app.add_option("--limite-consultas", limite,
+                 "Tiempo máximo de cada consulta de una fórmula o un script ([query], "
+                 "rdoCBase.OpenResultset); 0 sin límite (10 si falta)")
+      ->type_name("SEGUNDOS")
+      ->check(SegundosValidos());
 
   std::map<const CLI::App*, std::pair<Action, bool>> actions;  // and whether it needs a company
   for (const CommandDef& def : RegisteredCommands()) {
@@ -130,6 +136,7 @@ int Run(int argc, char** argv) {
   }
   if (!hoy.empty()) options.hoy = ParseFecha(hoy);
   if (!responder.empty()) options.responder = ParseSiNo(responder);
+  if (!limite.empty()) options.limite_consultas = *ParseSegundos(limite);
 
   const CLI::App* chosen = app.get_subcommands().front();
   Context ctx(options, std::cout, std::cerr);

@@ -7,6 +7,8 @@
 // without regard to case.
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
@@ -87,6 +89,9 @@ class Resultset {
 
 enum class Engine { SQLite, PostgreSQL };
 
+// The query limit a connection starts with (Connection::SetQueryLimit).
+inline constexpr std::chrono::milliseconds kDefaultQueryLimit{10000};
+
 // An open database. Not thread-safe: one connection per thread, as the suite uses it.
 //
 // Transactions: BeginTrans takes the write lock at once (so two savers serialise instead of
@@ -106,8 +111,29 @@ class Connection {
   // Opens a result set for text that came from a formula or a script: the statement must be
   // one query (SELECT, WITH ... SELECT, VALUES). Anything else (INSERT, UPDATE, DELETE, DDL,
   // transaction control, settings, a second statement, or anything the engine does not report
-  // as read-only) throws DbError and writes nothing. The set is never updatable.
+  // as read-only) throws DbError and writes nothing. The set is never updatable. The statement
+  // runs under the query limit (below).
   virtual std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) = 0;
+
+  // OpenReadOnly keeping at most `max_rows` rows: the statement is stopped once it has given
+  // them, so a query that yields rows without end costs no memory and no time past them. When
+  // `more` is given it tells whether the query had at least one row beyond those kept. The
+  // adapters stop the statement; this default (for connections that forward to another) reads
+  // the whole set through OpenReadOnly and keeps the first `max_rows` rows.
+  virtual std::unique_ptr<Resultset> OpenReadOnlyRows(std::string_view sql, size_t max_rows,
+                                                      bool* more = nullptr);
+
+  // The query limit: the longest a statement opened by OpenReadOnly or OpenReadOnlyRows (the
+  // text of formulas and scripts) may run. Past it the statement is cancelled and DbError of
+  // kind Timeout is thrown, "La consulta superó el límite de 10 s (sentencia: ...)". On SQLite
+  // the statement is interrupted from a progress handler installed only while it runs; on
+  // PostgreSQL the server cancels it (statement_timeout set for that statement alone), so it
+  // stops even when this process died. Afterwards the connection is usable and an open
+  // transaction is as it was. OpenResultset and Execute, the component's own statements, are
+  // not limited. Zero or less: no limit. Starts at kDefaultQueryLimit. A connection that
+  // forwards its statements to another should forward these two as well.
+  virtual void SetQueryLimit(std::chrono::milliseconds limit) { query_limit_ = limit; }
+  virtual std::chrono::milliseconds QueryLimit() const { return query_limit_; }
 
   // Runs one statement (a second one in the text throws DbError); returns the number of rows it
   // inserted, updated or deleted (0 for anything else).
@@ -120,6 +146,9 @@ class Connection {
 
   // The statement as this engine will run it (dialect translation only). For tests and traces.
   virtual std::string Translate(std::string_view sql) const = 0;
+
+ private:
+  std::chrono::milliseconds query_limit_ = kDefaultQueryLimit;
 };
 
 // Opens a database from a URI:

@@ -42,6 +42,9 @@ struct TrazaElementoFx {
   std::optional<Date> fecha;    // date of the balance, of the rate used, of the document
   int32_t documento = 0;        // id of the other movement's document (OtroMovimiento)
   int16_t linea = 0;            // 1-based line referred to (Linea)
+  // A [codescript] whose value exists only because the script was run again with every ","
+  // read as "." after its first run failed at run time: that first error (as on the line).
+  std::string reintento_tras_error;
 };
 
 // One line of the movement.
@@ -53,10 +56,15 @@ struct TrazaLineaFx {
   std::string cuenta_codigo;
   std::string cuenta_nombre;
   bool al_debe = false;
-  std::string formula;     // stored form, "" = none (the stored amount is kept)
-  std::string expresion;   // the arithmetic left once every element was replaced
-  bool ok = true;          // false: the line has no result ("Error")
-  std::string error;       // why, in Spanish, when !ok
+  std::string formula;    // stored form, "" = none (the stored amount is kept)
+  std::string expresion;  // the arithmetic left once every element was replaced
+  bool ok = true;         // false: the line has no result ("Error")
+  std::string error;      // why, in Spanish, when !ok
+  // Set when the line's value exists only because its expression was evaluated again with
+  // every "," read as "." after the first attempt failed at run time (not a syntax error):
+  // that first error, for instance "error 11: División por cero". Unattended posting
+  // refuses such a line.
+  std::string reintento_tras_error;
   double importe_mf = 0;   // amount in the movement's currency (rounded with its format)
   double importe_cta = 0;  // amount in the account's currency
   std::string conversion;  // how importe_cta was obtained ("" when the currencies agree)

@@ -232,6 +232,7 @@ std::optional<double> CorridaFx::Formula(size_t i) {
                             : Referencia(i, p, sola);
     const std::optional<double> valor = t.valor;
     const std::string detalle = t.detalle;
+    if (tl.reintento_tras_error.empty()) tl.reintento_tras_error = t.reintento_tras_error;
     tl.elementos.push_back(std::move(t));
     if (!valor) {
       Fallar(i, detalle);
@@ -252,6 +253,9 @@ std::optional<double> CorridaFx::Formula(size_t i) {
   if (!v || !std::isfinite(*v)) {
     Fallar(i, "la expresión " + expresion + " no dio un número: " + r.text);
     return std::nullopt;
+  }
+  if (r.first_error && tl.reintento_tras_error.empty()) {
+    tl.reintento_tras_error = TextoReintento(*r.first_error);
   }
   return v;
 }

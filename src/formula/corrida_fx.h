@@ -35,6 +35,10 @@
 // would answer 1), fails the line instead of inventing an amount. ImporteCta is rounded with
 // the account currency's format.
 //
+// A line whose value exists only because the script host evaluated its expression, or one of
+// its [codescript] blocks, again with every "," read as "." after a run-time error keeps its
+// value and records that first error in reintento_tras_error (the first such error of the line).
+//
 // A line that cannot be worked out gets ok = false and the reason in its trace; the pass then
 // fails, but still works out every other line so the trace is complete. Nothing is written to
 // the line records until Aplicar, which the caller runs only after a successful pass.

@@ -183,6 +183,10 @@ script::HostResult clsFuncionesFx::Evaluar(std::string_view expresion, bool expo
   }
 }
 
+std::string TextoReintento(const script::ScriptError& primero) {
+  return "error " + std::to_string(primero.number) + ": " + primero.description;
+}
+
 std::string clsFuncionesFx::Marcadores(std::string t, int32_t id_mov) const {
   const storage::ParametrosBD& p = storage::Parametros();
   t = vb::Replace(t, "[pIDMov]", std::to_string(id_mov), true);
@@ -321,7 +325,7 @@ TrazaElementoFx clsFuncionesFx::Consulta(std::string_view bloque, int32_t id_mov
   std::optional<double> v;
   Variant crudo;
   try {
-    auto rs = cn_->OpenReadOnly(sql);
+    auto rs = cn_->OpenReadOnlyRows(sql, 1);
     if (rs->Eof()) return SinValor(t, "la consulta no devolvió filas: " + sql);
     crudo = rs->Get(0);
     v = NumeroDe(crudo);
@@ -350,6 +354,11 @@ TrazaElementoFx clsFuncionesFx::Script(std::string_view bloque, int32_t id_mov, 
   if (!v) return SinValor(t, "el script no devolvió un número (" + r.text + "): " + texto);
   t.valor = *v;
   t.detalle = "script: " + texto + " = " + Mostrar(*v);
+  if (r.first_error) {
+    t.reintento_tras_error = TextoReintento(*r.first_error);
+    t.detalle += " (solo al leer cada \",\" como \".\"; tal como está escrito da " +
+                 t.reintento_tras_error + ")";
+  }
   return t;
 }
 

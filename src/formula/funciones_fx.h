@@ -18,7 +18,12 @@
 //     nothing); the first column of the first row is the value. No row, Null or a value that is
 //     not a number gives no value.
 //   [codescript] ... [/codescript]: the same placeholders; the text is run by the script host
-//     with the connection visible as rdoCBase; its result must read as a number.
+//     with the connection visible as rdoCBase; its result must read as a number. When the value
+//     comes from the host's second attempt after a run-time error (HostResult::first_error),
+//     the element's reintento_tras_error says so.
+//   Both blocks run under the connection's query limit (Connection::QueryLimit): a statement
+//   cancelled there gives no value, with the limit named in the detail. A [query] reads only
+//   the first row of its statement.
 // The other movement's lines ([CuentaProyectoCentroCosto]) are read by OtroMovimiento.
 //
 // Every value is returned inside a TrazaElementoFx: `valor` holds it, or is empty when there is
@@ -76,6 +81,8 @@ std::optional<double> LeerNumero(std::string_view texto);
 int DecimalesFormato(std::string_view formato);
 // `v` rounded as Format(v, formato) rounds it (halves away from zero), kept as a number.
 double RedondearFormato(double v, std::string_view formato);
+// How a retried expression's first error is shown in the trace: "error 11: División por cero".
+std::string TextoReintento(const script::ScriptError& primero);
 // The first day of d's month less one day.
 Date UltimoDiaMesAnterior(Date d);
 // "dd/mm/aaaa".

@@ -33,29 +33,16 @@ TEST(CatalogoFx, EntriesInTableOrderWithParentsAndCodes) {
                          "",       "",        "Ocurr",     "CotHoy", "CotAyer",  "CotMesAnt",
                          "IndHoy", "IndAyer", "IndMesAnt", "SCta",   "SCtaAyer", "SCtaMesAnt",
                          "CAF",    "CCF",     "CAA",       "CCA"}));
-  // Every id once.
-  EXPECT_EQ(std::set<int>(ids.begin(), ids.end()).size(), 22u);
 }
 
-TEST(CatalogoFx, CaptionsHelpAndWords) {
+TEST(CatalogoFx, CaptionsHelpAndSearches) {
   clsFxMovFrec c;
   int i = c.Buscar(13);
   ASSERT_EQ(i, 9);
   EXPECT_EQ(c.Titulo(i), "Cotización del día");
   EXPECT_EQ(c.Ayuda(i),
             "Retorna la cotización para el tipo y moneda seleccionada al día del movimiento.");
-  EXPECT_EQ(c.Palabra(i), "[CotizacionMonedaHoy]");
-  EXPECT_EQ(c.Titulo(c.Buscar(15)), "Cotizaciones o Índices");
   EXPECT_TRUE(c.Entrada(c.Buscar(15)).EsGrupo());
-  EXPECT_EQ(c.Palabra(c.Buscar(22)), "[IndiceMes]");
-  EXPECT_EQ(c.Palabra(c.Buscar(4)), "[SaldoCtaMesAnterior]");
-  EXPECT_EQ(c.Consulta2(c.Buscar(10)), "[RestoCuenta]");
-  EXPECT_EQ(c.Palabra(c.Buscar(10)), "");
-  EXPECT_EQ(c.Consulta2(c.Buscar(1)), "[CuentaMovFrecuente]");
-  EXPECT_EQ(c.Consulta2(c.Buscar(20)), "[CuentaProyectoCentroCosto]");
-  EXPECT_EQ(c.Palabra(c.Buscar(12)),
-            "[query]Select RecNumOcurrencia From genMovimientosFrecuentes, genRecurrencias Where "
-            "MFrID = [pIDMov] And MFrRecurrencia = RecID[/query]");
   EXPECT_EQ(c.Buscar(99), -1);
   EXPECT_EQ(c.BuscarEntrada(0), nullptr);
   EXPECT_EQ(c.Id(22), 0);  // outside the table: an empty entry
@@ -63,47 +50,13 @@ TEST(CatalogoFx, CaptionsHelpAndWords) {
   EXPECT_EQ(c.BuscarTitulo("saldo de una cuenta"), -1);  // a group is not a function
 }
 
-TEST(CatalogoFx, LookupQueriesAsStored) {
+// Running the movement lookups (below) cannot show the deliberate oddities of their text.
+TEST(CatalogoFx, MovementLookupsKeepTheirStoredSpelling) {
   clsFxMovFrec c;
-  EXPECT_EQ(c.Consulta1(c.Buscar(13)),
-            "Select TCMCodigo, TCMNombre, TCMNombre From genTipoCotizacionMoneda Where (TCMCodigo "
-            "[pFindID] or TCMNombre [pFindKey]) And (TCMIndice = 0 or TCMIndice Is Null) Order by "
-            "TCMNombre");
-  EXPECT_EQ(c.Consulta2(c.Buscar(8)),
-            "Select MonID, RTrim(MonSimbolo), MonNombre + ' (' + RTrim(MonSimbolo) + ')' From "
-            "genMonedas Where MonTipo = 1 And (MonID [pFindID] or MonSimbolo [pFindKey]) Order by "
-            "MonNombre");
-  EXPECT_EQ(c.Consulta2(c.Buscar(21)),
-            "Select MonID, RTrim(MonSimbolo), MonNombre + ' (' + RTrim(MonSimbolo) + ')' From "
-            "genMonedas Where MonTipo = 2 And (MonID [pFindID] or MonSimbolo [pFindKey]) Order by "
-            "MonNombre");
-  EXPECT_EQ(c.Consulta1(c.Buscar(6)), "");
-  EXPECT_EQ(c.Consulta2(c.Buscar(3)),
-            "Select CueID, [pCodCta]CueNombre, [pCodCta]CueNombre From cceCuentas Where "
-            "CueIDEmpresa = [pEmp] And (CueID [pFindID] or [pCodCta]CueNombre [pFindKey]) And "
-            "CueEsCarpeta = 0 Order by CueNombre");
-  const std::string cabeza =
-      "Select MFrID, MFrNombre as Key, MFrNombre From genMovimientosFrecuentes Where MFrTipo = ";
-  EXPECT_EQ(c.Consulta1(c.Buscar(2)),
-            cabeza +
-                "1 And MFrID <> [pIDMov] And  (MFrNombre [pFindKey] or MFrID [pFindID]) And "
-                "MFrEstado = 0 And MFrEmpresa = [pEmp] And MFrRecurrencia Is Null Order by "
-                "MFrNombre");
-  EXPECT_EQ(c.Consulta1(c.Buscar(9)),
-            cabeza +
-                "2 And MFrID <> [pIDMov] And (MFrNombre [pFindKey] or MFrID [pFindID]) And "
-                "MFrEstado = 0 And MFrEmpresa = [pEmp] And MFrRecurrencia Is Null Order by "
-                "MFrNombre");
-  EXPECT_EQ(c.Consulta1(c.Buscar(19)),
-            cabeza +
-                "1 And MFrID <> [pIDMov] And  (MFrNombre [pFindKey] or MFrID [pFindID]) And "
-                "MFrEstado = 0 And MFrEmpresa = [pEmp] And MFrRecurrencia Is Not Null Order "
-                "by MFrNombre");
-  EXPECT_EQ(c.Consulta1(c.Buscar(20)),
-            cabeza +
-                "2 And MFrID <> [pIDMov] And (MFrNombre [pFindKey] or MFrID [pFindID]) And "
-                "MFrEstado = 0 And MFrEmpresa = [pEmp] And MFrRecurrencia Is not Null Order "
-                "by MFrNombre");
+  for (int id : {2, 19}) {
+    EXPECT_NE(c.Consulta1(c.Buscar(id)).find("[pIDMov] And  (MFrNombre"), std::string::npos);
+  }
+  EXPECT_NE(c.Consulta1(c.Buscar(20)).find("MFrRecurrencia Is not Null"), std::string::npos);
 }
 
 // Every id a lookup offers when it is run over all its rows.

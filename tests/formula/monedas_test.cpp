@@ -3,7 +3,6 @@
 
 #include <memory>
 
-#include "db/rate_sql.h"
 #include "formula/monedas.h"
 #include "formula_db.h"
 #include "platform/suite/clock.h"
@@ -54,14 +53,6 @@ TEST_P(Monedas, CurrencyDataWithDefaultFormatsAndTheRememberedLastHit) {
   EXPECT_EQ(m_.Escaneos(), 3);
   EXPECT_TRUE(m_.DatosMoneda(77, 2).IsEmpty());
   EXPECT_TRUE(m_.DatosMoneda(2, 9).IsEmpty());
-}
-
-TEST(MonedasSql, TheDirectLookUpStatement) {
-  EXPECT_EQ(clsMonedas::SqlCotizacionDirecta(3, 2, 1, D(2026, 11, 30)),
-            testing::DirectRateSql("'2026-11-30 00:00:00'", 3, 2, 1));
-  EXPECT_STREQ(kSqlCotizaEn,
-               "Select MonID, MonCotizaEn From genMonedas  Where MonTipo = 1 And MonCotizaEn Is "
-               "Not Null");
 }
 
 TEST_P(Monedas, DirectInverseAndLaterDateRules) {

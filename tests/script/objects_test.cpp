@@ -69,7 +69,6 @@ TEST_F(ObjectsFixture, ObjectErrors) {
           {" Obj.Fail", kDatabaseError, 1},
           {"Obj.Explode", 5, 0},
           {"Missing(1)", 13, 0},
-          {"(1)(2)", 1025, 3},
           {"Obj.Twice(1) +", 1023, 14},
       },
       engine);
@@ -81,13 +80,6 @@ TEST_F(ObjectsFixture, NothingIsCalledBeforeTheTextCompiles) {
   const EvalResult r = engine.Eval("Obj.Twice(1) + Obj.Twice(2) +");
   EXPECT_FALSE(r.ok);
   EXPECT_EQ(fake->calls, 0);
-}
-
-TEST_F(ObjectsFixture, ObjectResultIsReturnedAsAnObject) {
-  const EvalResult r = engine.Eval("Obj.Self");
-  ASSERT_TRUE(r.ok);
-  ASSERT_TRUE(r.value.IsObject());
-  EXPECT_EQ(r.value.AsObject().get(), fake.get());
 }
 
 TEST(ScriptObjects, AddingANameTwiceReplacesTheObject) {

@@ -180,10 +180,5 @@ TEST(ScriptOperators, RunTimeErrorsReportTheFirstNonBlankColumn) {
   });
 }
 
-TEST(ScriptOperators, ErrorDescriptionsNameTheProblem) {
-  EXPECT_EQ(Evaluate("IIf(1,2,3)").error.description, "No coinciden los tipos: 'IIf'");
-  EXPECT_EQ(Evaluate("3,5*2").error.description, "Se esperaba el final de la instrucción");
-}
-
 }  // namespace
 }  // namespace kivmovfrec::script::testing

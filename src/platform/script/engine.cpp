@@ -242,6 +242,10 @@ EvalResult Failure(int number, std::string description, int column) {
 
 }  // namespace
 
+bool IsCompileError(int number) {
+  return number == 28 || (number >= 1001 && number <= 1099);
+}
+
 std::string ErrorDescription(int number) {
   switch (number) {
     case 7:

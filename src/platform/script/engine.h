@@ -87,6 +87,10 @@ class Engine {
   std::vector<NamedObject> objects_;
 };
 
+// Whether error `number` is one Eval reports while compiling, before anything runs (the syntax
+// errors 1001-1099, and 28 for nesting too deep); every other number is a run-time error.
+bool IsCompileError(int number);
+
 // The Spanish description the engine reports for an error number: the standard VB text, plus the
 // numbers only the engine raises (7, 91, 3021, 3265, kDatabaseError).
 std::string ErrorDescription(int number);

@@ -5,6 +5,7 @@
 
 #include "platform/script/coerce.h"
 #include "platform/script/engine.h"
+#include "platform/vb/format.h"
 #include "platform/vb/locale.h"
 #include "platform/vb/text.h"
 
@@ -26,6 +27,18 @@ void ExpectArgs(std::span<const Variant> args, size_t min, size_t max) {
 
 [[noreturn]] void DatabaseError(const std::string& what) {
   throw VbError(kDatabaseError, ErrorDescription(kDatabaseError) + ": " + what);
+}
+
+// The rows of a script's query, within kMaxScriptRows.
+std::unique_ptr<Resultset> OpenRows(Connection& cn, const std::string& sql) {
+  bool more = false;
+  auto rows = cn.OpenReadOnlyRows(sql, kMaxScriptRows, &more);
+  if (more) {
+    DatabaseError("la consulta devuelve más de " +
+                  vb::FormatNumber(static_cast<double>(kMaxScriptRows), 0) +
+                  " filas, el máximo que un script puede leer: " + sql);
+  }
+  return rows;
 }
 
 // What a result set and its field objects share.
@@ -147,7 +160,7 @@ class RdoResultset : public Object {
  private:
   // All rows of the statement, counted on a second read so the current position is kept.
   int32_t CountRows() {
-    auto again = state_->connection->OpenReadOnly(state_->sql);
+    auto again = OpenRows(*state_->connection, state_->sql);
     int32_t n = 0;
     for (; !again->Eof(); again->MoveNext()) ++n;
     return n;
@@ -169,7 +182,7 @@ class RdoConnection : public Object {
       auto state = std::make_shared<SetState>();
       state->connection = cn_;
       state->sql = ToText(args[0], vb::Locale::Invariant());
-      state->rows = cn_->OpenReadOnly(state->sql);
+      state->rows = OpenRows(*cn_, state->sql);
       return Variant(std::make_shared<RdoResultset>(std::move(state)));
     }
     if (Named(name, "Execute")) {

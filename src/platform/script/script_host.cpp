@@ -84,7 +84,10 @@ HostResult EvaluateScript(Connection* connection, std::string_view expression,
     if (first.ok || expression.find(',') == std::string_view::npos) return first;
     std::string dotted(expression);
     std::replace(dotted.begin(), dotted.end(), ',', '.');
-    return Attempt(connection, dotted, expose_connection, options);
+    HostResult second = Attempt(connection, dotted, expose_connection, options);
+    if (!second.ok) return first;
+    if (!IsCompileError(first.error.number)) second.first_error = std::move(first.error);
+    return second;
   } catch (...) {
     HostResult out;
     out.error = {7, ErrorDescription(7), 0};

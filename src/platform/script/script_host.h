@@ -6,9 +6,16 @@
 //  2. Otherwise a fresh Engine evaluates it. With expose_connection (and a connection) the
 //     connection is visible as "rdoCBase" with its members global, read-only (rdo.h).
 //  3. On any error every "," is replaced by "." and the text is evaluated once more, so amounts
-//     written with a decimal comma still compute ("3,5*2" -> "7").
-//  4. If that fails too (or there was no comma to replace), the result is the error of the last
-//     attempt: number, Spanish description and 0-based column.
+//     written with a decimal comma still compute ("3,5*2" -> "7"). String literals are not
+//     spared: the rewritten text is evaluated as it comes out.
+//  4. If that fails too (or there was no comma to replace), the result is the FIRST attempt's
+//     error: number, Spanish description and 0-based column of the text as written, never the
+//     error the rewritten text caused ("Mid(\"abc\",0)" is 5, not a missing ')').
+//  5. A second attempt that succeeds after the first failed at run time (not a compile error)
+//     may have changed the meaning rather than the notation: "Round(12000/0,2)" fails with
+//     division by zero and "Round(12000/0.2)" gives 60000. The value is still the result, but
+//     HostResult::first_error keeps the first error so callers can show it and refuse to use
+//     the value unattended. After a compile error (the decimal-comma case) it stays empty.
 // Nothing is kept between calls and nothing is thrown.
 //
 // Result text: whole numbers as digits; Double, Single and Currency with "." as the decimal
@@ -21,6 +28,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -38,6 +46,9 @@ struct HostResult {
   bool ok = false;
   std::string text;   // when ok
   ScriptError error;  // when !ok
+  // When ok only because the text was evaluated again with every "," read as "." after the
+  // first attempt failed at run time: that first attempt's error.
+  std::optional<ScriptError> first_error;
 };
 
 // `connection` may be null (then rdoCBase is not defined); it is only used during the call.
@@ -45,7 +56,8 @@ HostResult EvaluateScript(Connection* connection, std::string_view expression,
                           bool expose_connection, const HostOptions& options = {});
 
 // The same with the caller-facing shape: returns the result text ("" on failure) and leaves the
-// error description and column in the output arguments (cleared to "" and 0 on success).
+// error description and column in the output arguments (cleared to "" and 0 on success). The
+// first error of a retried run (HostResult::first_error) is not reported through this form.
 std::string EvaluateScript(Connection* connection, std::string_view expression,
                            bool expose_connection, std::string& error_text, int& error_column,
                            const HostOptions& options = {});

@@ -2,12 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
 #include <cstdlib>
 
 #include "platform/db/dialect.h"
 #include "platform/db/postgres/pg_dialect.h"
 #include "platform/db/postgres/pg_resultset.h"
 #include "platform/db/postgres/pg_session.h"
+#include "platform/db/query_limit.h"
 #include "platform/db/sql_tokens.h"
 
 namespace kivmovfrec::postgres {
@@ -62,14 +64,25 @@ class PgConnection final : public Connection {
   }
 
   std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
+    return OpenReadOnlyRows(sql, SIZE_MAX, nullptr);
+  }
+
+  std::unique_ptr<Resultset> OpenReadOnlyRows(std::string_view sql, size_t max_rows,
+                                              bool* more = nullptr) override {
     const std::string run = Translate(sql);
     if (!IsQuery(run)) RefuseWrite(run);
     const bool nested = session_->InTransaction();
-    session_->Command(nested ? "SAVEPOINT kmf_read_only; SET LOCAL transaction_read_only = on"
-                             : "BEGIN READ ONLY");
+    const auto limit = QueryLimit();
+    // SET LOCAL lasts until the read-only transaction or savepoint is rolled back below, so the
+    // limit applies to this statement alone and the session's own setting comes back.
+    std::string begin = nested ? "SAVEPOINT kmf_read_only; SET LOCAL transaction_read_only = on"
+                               : "BEGIN READ ONLY";
+    if (limit.count() > 0)
+      begin += fmt::format("; SET LOCAL statement_timeout = {}", limit.count());
+    session_->Command(begin.c_str());
     Result r;
     try {
-      r = session_->Send(run, {}, run);
+      r = Read(run, max_rows, more);
     } catch (...) {
       try {
         EndReadOnly(nested);
@@ -80,8 +93,15 @@ class PgConnection final : public Connection {
     }
     EndReadOnly(nested);
     if (SqlState(r.get()) == "25006") RefuseWrite(run);  // read_only_sql_transaction
-    session_->Check(r.get(), run);
-    return MakeResultset(session_, r.get(), std::nullopt);
+    try {
+      session_->Check(r.get(), run);
+    } catch (const DbError& e) {
+      if (e.kind() == DbErrorKind::Timeout && limit.count() > 0) {
+        throw sql::QueryLimitError(limit, run);
+      }
+      throw;
+    }
+    return MakeResultset(session_, r.get(), std::nullopt, max_rows);
   }
 
   int64_t Execute(std::string_view sql) override {
@@ -137,6 +157,29 @@ class PgConnection final : public Connection {
     }
     if (target.key.empty() && kind != "r") return std::nullopt;
     return target;
+  }
+
+  // Runs the query inside the read-only transaction; the result may be a failed one. With a
+  // row bound the rows come through a cursor, so the server computes no more of them than are
+  // fetched (one more than kept when `more` is asked).
+  Result Read(const std::string& run, size_t max_rows, bool* more) {
+    if (max_rows == SIZE_MAX) {
+      if (more) *more = false;
+      return session_->Send(run, {}, run);
+    }
+    Result declared = session_->Send("DECLARE kmf_lectura NO SCROLL CURSOR FOR " + run, {}, run);
+    if (PQresultStatus(declared.get()) != PGRES_COMMAND_OK) {
+      // A data-modifying WITH is refused by DECLARE itself (feature_not_supported).
+      if (SqlState(declared.get()) == "0A000") RefuseWrite(run);
+      return declared;
+    }
+    const size_t fetch = more ? max_rows + 1 : max_rows;
+    Result r = session_->Send(fmt::format("FETCH FORWARD {} FROM kmf_lectura", fetch), {}, run);
+    if (more) {
+      *more = PQresultStatus(r.get()) == PGRES_TUPLES_OK &&
+              static_cast<size_t>(PQntuples(r.get())) > max_rows;
+    }
+    return r;
   }
 
   void EndReadOnly(bool nested) {

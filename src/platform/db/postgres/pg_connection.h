@@ -36,7 +36,11 @@ struct Options {
 //   * OpenReadOnly runs the query in a read-only transaction (BEGIN READ ONLY, or inside a
 //     transaction a savepoint with transaction_read_only set), always rolled back afterwards:
 //     the server refuses any write, nothing the query did remains, and an enclosing
-//     transaction goes on unharmed.
+//     transaction goes on unharmed. The connection's query limit is the statement_timeout of
+//     that transaction or savepoint (SET LOCAL), so the server cancels the statement itself and
+//     the rollback restores the session's setting. OpenReadOnlyRows reads through a cursor
+//     (DECLARE ... NO SCROLL CURSOR, FETCH FORWARD n): rows beyond those fetched are never
+//     computed nor sent.
 std::shared_ptr<Connection> OpenPostgres(const std::string& conninfo, const Options& options = {});
 
 }  // namespace kivmovfrec::postgres

@@ -27,7 +27,7 @@ int HiddenColumns(const std::optional<WriteTarget>& target) {
 class PgResultset final : public sql::MaterialisedResultset {
  public:
   PgResultset(std::shared_ptr<Session> session, const PGresult* result,
-              std::optional<WriteTarget> target)
+              std::optional<WriteTarget> target, size_t max_rows)
       : MaterialisedResultset(VisibleColumns(result, HiddenColumns(target))),
         session_(std::move(session)),
         skip_(HiddenColumns(target)) {
@@ -37,7 +37,9 @@ class PgResultset final : public sql::MaterialisedResultset {
       key_ = std::move(target->key);
     }
     const int rows = PQntuples(result);
-    for (int r = 0; r < rows; ++r) AddRow(ReadRow(result, r));
+    for (int r = 0; r < rows && static_cast<size_t>(r) < max_rows; ++r) {
+      AddRow(ReadRow(result, r));
+    }
   }
 
   void Close() override {
@@ -162,8 +164,8 @@ class PgResultset final : public sql::MaterialisedResultset {
 }  // namespace
 
 std::unique_ptr<Resultset> MakeResultset(std::shared_ptr<Session> session, const PGresult* result,
-                                         std::optional<WriteTarget> target) {
-  return std::make_unique<PgResultset>(std::move(session), result, std::move(target));
+                                         std::optional<WriteTarget> target, size_t max_rows) {
+  return std::make_unique<PgResultset>(std::move(session), result, std::move(target), max_rows);
 }
 
 }  // namespace kivmovfrec::postgres

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,9 +31,10 @@ struct WriteTarget : sql::TableColumns {
   std::vector<size_t> key;  // positions of the primary key columns; empty = ctid
 };
 
-// Reads every row of `result` at once. With a ctid target, the result's first column is the
-// ctid (kCtidAlias), hidden from the reader.
+// Reads the rows of `result` at once, at most `max_rows` of them. With a ctid target, the
+// result's first column is the ctid (kCtidAlias), hidden from the reader.
 std::unique_ptr<Resultset> MakeResultset(std::shared_ptr<Session> session, const PGresult* result,
-                                         std::optional<WriteTarget> target);
+                                         std::optional<WriteTarget> target,
+                                         size_t max_rows = SIZE_MAX);
 
 }  // namespace kivmovfrec::postgres

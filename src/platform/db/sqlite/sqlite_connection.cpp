@@ -2,7 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
+
 #include "platform/db/dialect.h"
+#include "platform/db/query_limit.h"
 #include "platform/db/sqlite/sqlite_database.h"
 #include "platform/db/sqlite/sqlite_resultset.h"
 
@@ -42,6 +45,11 @@ class SqliteConnection final : public Connection {
   }
 
   std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
+    return OpenReadOnlyRows(sql, SIZE_MAX, nullptr);
+  }
+
+  std::unique_ptr<Resultset> OpenReadOnlyRows(std::string_view sql, size_t max_rows,
+                                              bool* more = nullptr) override {
     const std::string run = Translate(sql);
     const std::string first = sql::LeadingKeyword(run);
     // BEGIN, COMMIT, ATTACH and PRAGMA count as read-only for the engine but change the
@@ -53,7 +61,14 @@ class SqliteConnection final : public Connection {
           "La consulta solo puede leer datos y esta sentencia modificaría la base de datos: {}",
           run));
     }
-    return MakeResultset(db_, st, std::nullopt);
+    // Only this statement runs under the limit; the handler goes with `deadline`.
+    Deadline deadline(db_->get(), QueryLimit());
+    try {
+      return MakeResultset(db_, st, std::nullopt, max_rows, more);
+    } catch (const DbError&) {
+      if (deadline.expired()) throw sql::QueryLimitError(QueryLimit(), run);
+      throw;
+    }
   }
 
   int64_t Execute(std::string_view sql) override {

@@ -24,6 +24,9 @@ struct Options {
 //     and replaces LIKE by one that also ignores the case of accented letters (sqlite_like.h);
 //   * reads all rows of a result set when it is opened (the component's sets are small), so
 //     rows can be deleted while walking a set and no statement stays open between calls;
+//     OpenReadOnlyRows stops stepping the statement at the rows asked for;
+//   * runs the statements of OpenReadOnly / OpenReadOnlyRows under the connection's query
+//     limit with a progress handler installed for that statement only (Deadline);
 //   * maps values: INTEGER -> Long (Double when it does not fit 32 bits), REAL -> Double,
 //     TEXT -> String, BLOB -> String of its bytes, NULL -> Null; a column declared with a type
 //     containing DATE or TIME whose text is ISO "yyyy-mm-dd[ hh:nn[:ss]]" -> Date;

@@ -87,6 +87,25 @@ void Database::Exec(const char* sql) const {
   if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) Fail(sql);
 }
 
+Deadline::Deadline(sqlite3* db, std::chrono::milliseconds limit) {
+  if (limit.count() <= 0) return;
+  db_ = db;
+  at_ = std::chrono::steady_clock::now() + limit;
+  // About a few microseconds of work between looks at the clock.
+  sqlite3_progress_handler(db_, 4000, &Deadline::Check, this);
+}
+
+Deadline::~Deadline() {
+  if (db_ != nullptr) sqlite3_progress_handler(db_, 0, nullptr, nullptr);
+}
+
+int Deadline::Check(void* self) {
+  auto* d = static_cast<Deadline*>(self);
+  if (std::chrono::steady_clock::now() < d->at_) return 0;
+  d->expired_ = true;
+  return 1;
+}
+
 Statement::Statement(std::shared_ptr<Database> db, std::string_view sql, std::string_view shown)
     : db_(std::move(db)), shown_(shown) {
   if (sql.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {

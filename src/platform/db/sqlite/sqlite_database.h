@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -34,6 +35,28 @@ class Database {
  private:
   sqlite3* db_ = nullptr;
   bool in_memory_ = false;
+};
+
+// While it lives, the statements of `db` that run past `limit` from its creation are
+// interrupted (SQLITE_INTERRUPT): a progress handler looks at the clock every few thousand
+// virtual-machine steps. A limit of zero or less installs nothing. Only one at a time per handle;
+// it removes the handler when destroyed, so other statements are never affected.
+class Deadline {
+ public:
+  Deadline(sqlite3* db, std::chrono::milliseconds limit);
+  ~Deadline();
+  Deadline(const Deadline&) = delete;
+  Deadline& operator=(const Deadline&) = delete;
+
+  // Whether the handler interrupted a statement.
+  bool expired() const { return expired_; }
+
+ private:
+  static int Check(void* self);
+
+  sqlite3* db_ = nullptr;
+  std::chrono::steady_clock::time_point at_;
+  bool expired_ = false;
 };
 
 // A prepared statement. `shown` is the statement as reported in error messages.

@@ -25,9 +25,12 @@ std::vector<ColumnInfo> VisibleColumns(sqlite3_stmt* stmt, bool with_rowid) {
 
 class SqliteResultset final : public sql::MaterialisedResultset {
  public:
-  SqliteResultset(std::shared_ptr<Database> db, Statement& stmt, std::optional<WriteTarget> target)
-      : SqliteResultset(std::move(db), stmt, std::move(target),
-                        VisibleColumns(stmt.get(), target.has_value())) {}
+  SqliteResultset(std::shared_ptr<Database> db, Statement& stmt, std::optional<WriteTarget> target,
+                  size_t max_rows, bool* more)
+      : SqliteResultset(std::move(db), std::move(target),
+                        VisibleColumns(stmt.get(), target.has_value())) {
+    ReadRows(stmt, max_rows, more);
+  }
 
   void Close() override {
     MaterialisedResultset::Close();
@@ -94,17 +97,21 @@ class SqliteResultset final : public sql::MaterialisedResultset {
   }
 
  private:
-  SqliteResultset(std::shared_ptr<Database> db, Statement& stmt,
-                  std::optional<WriteTarget>&& target, std::vector<ColumnInfo> columns)
-      : MaterialisedResultset(Names(columns)), db_(std::move(db)) {
-    const int skip = target ? 1 : 0;
+  SqliteResultset(std::shared_ptr<Database> db, std::optional<WriteTarget>&& target,
+                  std::vector<ColumnInfo> columns)
+      : MaterialisedResultset(Names(columns)), db_(std::move(db)), skip_(target ? 1 : 0) {
     for (const auto& c : columns) dates_.push_back(c.date);
     // Not the table's own columns: the set stays read only.
     if (target) SetWriteTarget(std::move(*target));
-    while (stmt.Step()) {
-      if (skip) rowids_.push_back(sqlite3_column_int64(stmt.get(), 0));
-      AddRow(ReadValues(stmt.get(), skip));
+  }
+
+  void ReadRows(Statement& stmt, size_t max_rows, bool* more) {
+    size_t rows = 0;
+    for (; rows < max_rows && stmt.Step(); ++rows) {
+      if (skip_) rowids_.push_back(sqlite3_column_int64(stmt.get(), 0));
+      AddRow(ReadValues(stmt.get(), skip_));
     }
+    if (more) *more = rows == max_rows && stmt.Step();
   }
 
   std::vector<Variant> ReadValues(sqlite3_stmt* stmt, int skip) const {
@@ -132,6 +139,7 @@ class SqliteResultset final : public sql::MaterialisedResultset {
   }
 
   std::shared_ptr<Database> db_;
+  int skip_ = 0;                 // 1 when the statement's first column is the hidden rowid
   std::vector<bool> dates_;      // per visible column: declared as a date
   std::vector<int64_t> rowids_;  // per row of the set, when it is updatable
 };
@@ -139,8 +147,9 @@ class SqliteResultset final : public sql::MaterialisedResultset {
 }  // namespace
 
 std::unique_ptr<Resultset> MakeResultset(std::shared_ptr<Database> db, Statement& stmt,
-                                         std::optional<WriteTarget> target) {
-  return std::make_unique<SqliteResultset>(std::move(db), stmt, std::move(target));
+                                         std::optional<WriteTarget> target, size_t max_rows,
+                                         bool* more) {
+  return std::make_unique<SqliteResultset>(std::move(db), stmt, std::move(target), max_rows, more);
 }
 
 }  // namespace kivmovfrec::sqlite

@@ -19,9 +19,12 @@ inline constexpr const char* kRowidAlias = "kmf_rowid__";
 // The table behind an updatable set; its rows are found again by rowid.
 using WriteTarget = sql::TableColumns;
 
-// Reads every row of `stmt` at once. With a target, the statement's first column is the rowid
-// (kRowidAlias), hidden from the reader, and the remaining columns are the table's.
+// Reads the rows of `stmt` at once, at most `max_rows` of them; with `more`, whether the
+// statement had another row after those (stepped once more to know). With a target, the
+// statement's first column is the rowid (kRowidAlias), hidden from the reader, and the
+// remaining columns are the table's.
 std::unique_ptr<Resultset> MakeResultset(std::shared_ptr<Database> db, Statement& stmt,
-                                         std::optional<WriteTarget> target);
+                                         std::optional<WriteTarget> target,
+                                         size_t max_rows = SIZE_MAX, bool* more = nullptr);
 
 }  // namespace kivmovfrec::sqlite
