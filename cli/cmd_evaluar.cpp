@@ -76,7 +76,8 @@ Action Setup(CLI::App& app) {
 }
 
 const bool registered = RegisterCommand(
-    {"evaluar", "Evalúa una expresión VBScript con rdoCBase sobre la base abierta", 80, Setup});
+    {"evaluar", "Evalúa una expresión VBScript con rdoCBase sobre la base abierta", 80, Setup,
+     /*empresa=*/false});
 
 }  // namespace
 }  // namespace kivmovfrec::cli

@@ -19,6 +19,8 @@
 #include "fachada.h"
 #include "formula/formula_mf.h"
 #include "formula/reglas_fx.h"
+#include "platform/vb/excerpt.h"
+#include "platform/vb/text.h"
 #include "storage/parametros.h"
 
 namespace kivmovfrec::cli {
@@ -94,11 +96,14 @@ int Guardar(Context& ctx, const Opciones& o) {
   const formula::LecturaFormula lectura = fm.LeerVisible(o.texto);
   if (!lectura.ok) {
     ctx.out() << lectura.Resultado() << '\n';
+    // The text with a caret under the position; a long one only from a little before it.
+    const size_t posicion = static_cast<size_t>(lectura.posicion > 0 ? lectura.posicion - 1 : 0);
+    const size_t desde = posicion > 20 ? posicion - 20 : 0;
+    const std::string previo = desde > 0 ? "…" : "";
     ctx.err() << "movfrec formula guardar: no se puede leer la fórmula en la posición "
-              << lectura.posicion << ": " << lectura.error << "\n  " << o.texto << "\n  "
-              << std::string(static_cast<size_t>(lectura.posicion > 0 ? lectura.posicion - 1 : 0),
-                             ' ')
-              << "^\n";
+              << lectura.posicion << ": " << vb::ShortForMessage(lectura.error, 200) << "\n  "
+              << previo << vb::ShortForMessage(vb::Mid(o.texto, desde + 1)) << "\n  "
+              << std::string(posicion - desde + (desde > 0 ? 1 : 0), ' ') << "^\n";
     return kExitFailed;
   }
   linea->Formula(lectura.formula);
@@ -115,8 +120,9 @@ int Guardar(Context& ctx, const Opciones& o) {
     return Rechazo(ctx, "formula guardar", texto);
   }
   if (fachada->SaveMovimientoFrecuenteConBloqueo() == 0) {
-    return Rechazo(ctx, "formula guardar",
-                   "no se pudo grabar el movimiento " + std::to_string(o.id));
+    return Rechazo(
+        ctx, "formula guardar",
+        "no se pudo grabar el movimiento " + std::to_string(o.id) + ": " + fachada->UltimoError());
   }
   Imprimir(ctx, o.id, o.orden, lectura.formula, fm.AVisible(lectura.formula));
   return kExitOk;

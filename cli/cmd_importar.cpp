@@ -2,13 +2,18 @@
 //
 // All or nothing. Every movement of the file is read and checked first (movement_json.h lists
 // the checks; here also: the company, that an ID above 0 names an existing movement of that
-// company, and that no ID appears twice). Any problem: every problem found is listed and
-// nothing is written. Then the movements are saved, one after the other, through the façade's
+// company, that no ID appears twice, and that every line's account can take it:
+// storage::ProblemaCuentaRenglon). Any problem: every problem found is listed and nothing is
+// written. Then the movements are saved, one after the other, through the façade's
 // locked save, all inside ONE transaction of the import: the locked save's own begin and
 // commit join that transaction (see UnaTransaccion below), so a save that fails midway rolls
 // back the ones before it as well, and the table counters too.
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <limits>
+#include <map>
 #include <memory>
 #include <ostream>
 #include <set>
@@ -22,6 +27,9 @@
 #include "command.h"
 #include "fachada.h"
 #include "movement_json.h"
+#include "platform/vb/excerpt.h"
+#include "schedule/date_calculator.h"
+#include "storage/tabla_cuentas.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -75,7 +83,30 @@ struct Entrada {
   int32_t recurrencia_guardada = 0;  // schedule key of the stored movement (updates)
 };
 
-// Checks against the database: company, existence, duplicates. Fills recurrencia_guardada.
+// Every line's account must be able to take it (each account is asked once).
+void ComprobarCuentas(Context& ctx, const std::vector<Entrada>& entradas,
+                      std::vector<std::string>& errores) {
+  std::map<int32_t, std::optional<std::string>> problemas;
+  for (const Entrada& e : entradas) {
+    const clsRenglonesMF& lineas = *e.leido.mf->Renglones();
+    for (int16_t i = 1; i <= lineas.QRenglones(); ++i) {
+      const int32_t cuenta = lineas.Renglon(i)->Cuenta();
+      auto it = problemas.find(cuenta);
+      if (it == problemas.end()) {
+        it = problemas
+                 .emplace(cuenta, storage::ProblemaCuentaRenglon(*ctx.connection(),
+                                                                 ctx.options().empresa, cuenta))
+                 .first;
+      }
+      if (it->second) {
+        errores.push_back(fmt::format("{}.Renglones[{}].Cuenta: {}", e.ruta, i - 1, *it->second));
+      }
+    }
+  }
+}
+
+// Checks against the database: company, existence, duplicates, accounts. Fills
+// recurrencia_guardada.
 void Comprobar(Context& ctx, std::vector<Entrada>& entradas, std::vector<std::string>& errores) {
   const int32_t empresa = ctx.options().empresa;
   if (empresa > std::numeric_limits<int16_t>::max()) {
@@ -113,6 +144,32 @@ void Comprobar(Context& ctx, std::vector<Entrada>& entradas, std::vector<std::st
     }
     e.recurrencia_guardada = guardado->Recurrencia()->ID();
   }
+  ComprobarCuentas(ctx, entradas, errores);
+}
+
+// The whole text of the file, or why it cannot be read.
+std::optional<std::string> LeerArchivo(const std::string& archivo, std::string& motivo) {
+  std::error_code ec;
+  if (std::filesystem::is_directory(archivo, ec)) {
+    motivo = archivo + " es una carpeta, no un archivo";
+    return std::nullopt;
+  }
+  std::ifstream in(archivo, std::ios::binary);
+  if (!in) {
+    const int error = errno;
+    motivo = "no se puede leer el archivo " + archivo + ": " +
+             (error == ENOENT   ? std::string("no existe")
+              : error == EACCES ? std::string("no tiene permiso para leerlo")
+                                : std::string(std::strerror(error)));
+    return std::nullopt;
+  }
+  std::ostringstream texto;
+  texto << in.rdbuf();
+  if (in.bad()) {
+    motivo = "no se pudo terminar de leer el archivo " + archivo;
+    return std::nullopt;
+  }
+  return std::move(texto).str();
 }
 
 // The keys tying the header to its schedule come from the database: a new movement gets a new
@@ -133,35 +190,43 @@ Action Setup(CLI::App& app) {
       "(cabecera, agenda y renglones; una clave que falta toma el valor de un registro nuevo).\n"
       "Se ignoran al leer: los campos de la cuenta, proyecto y departamento de los renglones\n"
       "(CuentaCodigo, CuentaNombre, ProyectoAbreviacion, DepartamentoAbreviacion, Moneda),\n"
-      "idMF, Posponer y las claves de la agenda (MovFrecuente.Recurrencia, Recurrencia.ID),\n"
+      "FormulaVisible, idMF y las claves de la agenda (MovFrecuente.Recurrencia, Recurrencia.ID),\n"
       "que se toman de la base de datos. MovFrecuente.Empresa debe ser 0 o la de --empresa;\n"
-      "un ID distinto de 0 debe ser un movimiento existente de esa empresa.\n"
+      "un ID distinto de 0 debe ser un movimiento existente de esa empresa; cada renglón debe\n"
+      "ir a una cuenta de esa empresa que exista y no sea una carpeta.\n"
+      "De la agenda se guardan la Frecuencia, las fechas, los días de aviso y lo postergado:\n"
+      "TipoRecurrencia y CadaCuanto deben coincidir con la Frecuencia, Notificar con\n"
+      "NotificarDias y Posponer con Postergado; CantidadVeces se guarda como la FechaFinal que\n"
+      "le corresponde (o debe coincidir con la FechaFinal dada).\n"
+      "Una clave desconocida o repetida es un error.\n"
       "Todo o nada: primero se revisa el archivo entero y, si algún movimiento tiene un error,\n"
       "se listan todos los errores y no se graba ninguno. Después se graban todos dentro de\n"
       "una sola transacción: si uno falla no queda grabado ninguno.\n"
       "Muestra los números de los movimientos grabados, en el orden del archivo.");
   return [archivo](Context& ctx) {
-    std::ifstream in(*archivo, std::ios::binary);
-    if (!in) return Rechazo(ctx, "importar", "no se puede leer el archivo " + *archivo);
-    std::ostringstream texto;
-    texto << in.rdbuf();
+    std::string motivo;
+    const auto texto = LeerArchivo(*archivo, motivo);
+    if (!texto) return Rechazo(ctx, "importar", motivo);
+    std::vector<std::string> errores;
     Json j;
     try {
-      j = Json::parse(texto.str());
+      j = ParseSinClavesRepetidas(*texto, errores);
     } catch (const Json::parse_error& e) {
       return Rechazo(ctx, "importar",
                      fmt::format("{} no es JSON válido (byte {}): {}", *archivo, e.byte, e.what()));
     }
 
+    schedule::DateCalculator propio;
+    IDateCalculator& calendario =
+        ctx.services().calendar ? *ctx.services().calendar : static_cast<IDateCalculator&>(propio);
     std::vector<Entrada> entradas;
-    std::vector<std::string> errores;
     if (j.is_array()) {
       for (size_t i = 0; i < j.size(); ++i) {
         const std::string ruta = fmt::format("$[{}]", i);
-        entradas.push_back({LeerMovimiento(j[i], ruta, errores), ruta, 0});
+        entradas.push_back({LeerMovimiento(j[i], ruta, calendario, errores), ruta, 0});
       }
     } else {
-      entradas.push_back({LeerMovimiento(j, "$", errores), "$", 0});
+      entradas.push_back({LeerMovimiento(j, "$", calendario, errores), "$", 0});
     }
     if (errores.empty()) Comprobar(ctx, entradas, errores);
     if (!errores.empty()) {
@@ -184,10 +249,13 @@ Action Setup(CLI::App& app) {
         const int32_t id = fachada->SaveMovimientoFrecuenteConBloqueo(false);
         if (id == 0 || conexion->Deshecha()) {
           base->RollbackTrans();
-          return Rechazo(ctx, "importar",
-                         fmt::format("no se pudo grabar el movimiento {} ({}); se deshizo la "
-                                     "importación y no se grabó ninguno",
-                                     e.ruta, e.leido.mf->MovFrecuente()->Nombre()));
+          return Rechazo(
+              ctx, "importar",
+              fmt::format("no se pudo grabar el movimiento {} ({}); se deshizo la "
+                          "importación y no se grabó ninguno. Motivo: {}",
+                          e.ruta, vb::ShortForMessage(e.leido.mf->MovFrecuente()->Nombre()),
+                          fachada->UltimoError().empty() ? "la grabación se deshizo"
+                                                         : fachada->UltimoError()));
         }
         guardados.emplace_back(id, nuevo);
       }

@@ -40,7 +40,7 @@ Action Setup(CLI::App& app) {
 
 const bool registered = RegisterCommand(
     {"init", "Crea las tablas de la suite que falten (--demo: con datos de demostración)", 10,
-     Setup});
+     Setup, /*empresa=*/false});
 
 }  // namespace
 }  // namespace kivmovfrec::cli

@@ -36,8 +36,8 @@ Action Setup(CLI::App& app) {
 }
 
 const bool registered = RegisterCommand(
-    {"leyenda", "Expande las macros de fecha de una leyenda (&[FDia], &[FFAñoMes], ...)", 46,
-     Setup});
+    {"leyenda", "Expande las macros de fecha de una leyenda (&[FDia], &[FFAñoMes], ...)", 46, Setup,
+     /*empresa=*/false});
 
 }  // namespace
 }  // namespace kivmovfrec::cli

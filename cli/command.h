@@ -46,6 +46,13 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// A command refused before its own work began (exit 1), such as a company that does not exist.
+// The text is Spanish and says why.
+class Refused : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 // The global options, standing before the command.
 struct GlobalOptions {
   std::string db = "sqlite:movfrec.db";  // --db, else MOVFREC_DB
@@ -69,8 +76,11 @@ class Context {
   const GlobalOptions& options() const { return options_; }
   bool json() const { return options_.json; }
 
-  // Opens the database named by --db (DbError when it cannot be opened).
+  // Opens the database named by --db (DbError when it cannot be opened). For a command that
+  // works on a company (RequireCompany), the company of --empresa is then looked up in
+  // cceEmpresas, and Refused ("la empresa N no existe") is thrown when there is none.
   std::shared_ptr<Connection> connection();
+  void RequireCompany(bool required) { require_company_ = required; }
   // Default suite services over the connection, for --usuario, with --responder and --hoy.
   SuiteServices& services();
 
@@ -87,6 +97,7 @@ class Context {
   std::ostream& err_;
   std::shared_ptr<Connection> cn_;
   std::unique_ptr<SuiteServices> services_;
+  bool require_company_ = false;
 };
 
 // Runs the chosen command; returns the exit status.
@@ -98,6 +109,9 @@ struct CommandDef {
   int order = 100;          // place in the help listing
   // Declares the command's options on its subcommand and returns its action.
   std::function<Action(CLI::App&)> setup;
+  // The command works on the company of --empresa: when no such company exists the command is
+  // refused (exit 1) as soon as it opens the database (Context::RequireCompany).
+  bool empresa = true;
 };
 
 // Adds a command; returns true so it can initialise a namespace-scope constant.

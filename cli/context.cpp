@@ -1,6 +1,7 @@
 #include <ostream>
 
 #include "command.h"
+#include "kivmovfrec/empresa.h"
 
 namespace kivmovfrec::cli {
 
@@ -13,6 +14,11 @@ std::shared_ptr<Connection> Context::connection() {
   if (!cn_) {
     cn_ = OpenConnection(options_.db);
     cn_->SetQueryLimit(options_.limite_consultas);
+    clsEmpresa empresa;
+    if (require_company_ && !empresa.Load(options_.empresa, *cn_)) {
+      throw Refused("la empresa " + std::to_string(options_.empresa) +
+                    " no existe (revise --empresa)");
+    }
   }
   return cn_;
 }

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <map>
 #include <string>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -110,12 +111,12 @@ int Run(int argc, char** argv) {
       ->type_name("SEGUNDOS")
       ->check(SegundosValidos());
 
-  std::map<const CLI::App*, Action> actions;
+  std::map<const CLI::App*, std::pair<Action, bool>> actions;  // and whether it needs a company
   for (const CommandDef& def : RegisteredCommands()) {
     CLI::App* sub = app.add_subcommand(def.name, def.description);
     sub->group("Comandos");
     sub->set_help_flag("-h,--help", "Muestra la ayuda del comando y termina");
-    actions[sub] = def.setup(*sub);
+    actions[sub] = {def.setup(*sub), def.empresa};
   }
 
   try {
@@ -139,11 +140,16 @@ int Run(int argc, char** argv) {
 
   const CLI::App* chosen = app.get_subcommands().front();
   Context ctx(options, std::cout, std::cerr);
+  const auto& [action, company] = actions.at(chosen);
+  ctx.RequireCompany(company);
   try {
-    return actions.at(chosen)(ctx);
+    return action(ctx);
   } catch (const UsageError& e) {
     std::cerr << "movfrec " << chosen->get_name() << ": " << e.what() << '\n';
     return kExitUsage;
+  } catch (const Refused& e) {
+    std::cerr << "movfrec " << chosen->get_name() << ": " << e.what() << '\n';
+    return kExitFailed;
   }
 }
 

@@ -1,5 +1,6 @@
 #include "movement_json.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
 #include <limits>
@@ -14,6 +15,7 @@
 #include "output.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
+#include "platform/vb/excerpt.h"
 #include "schedule/frequency.h"
 
 namespace kivmovfrec::cli {
@@ -88,7 +90,9 @@ class Lector {
     }
     const std::set<std::string> conocidas(std::begin(claves), std::end(claves));
     for (const auto& [clave, valor] : obj_.items()) {
-      if (!conocidas.contains(clave)) Error(Ruta(clave), "clave desconocida");
+      if (!conocidas.contains(clave)) {
+        Error(Ruta(vb::ShortForMessage(clave)), "clave desconocida");
+      }
     }
   }
 
@@ -196,7 +200,7 @@ class Lector {
     if (!d) {
       Error(Ruta(clave), fmt::format("«{}» no es una fecha válida (use dd/mm/aaaa o dd/mm/aaaa "
                                      "hh:nn[:ss])",
-                                     v->get<std::string>()));
+                                     vb::ShortForMessage(v->get<std::string>())));
       return;
     }
     poner(d);
@@ -234,7 +238,7 @@ class Lector {
     if (v.is_boolean()) return "un booleano";
     if (v.is_number_integer()) return "el entero " + v.dump();
     if (v.is_number()) return "el número " + v.dump();
-    if (v.is_string()) return "el texto " + v.dump();
+    if (v.is_string()) return "el texto " + vb::ShortForMessage(v.dump());
     if (v.is_array()) return "una lista";
     return "un objeto";
   }
@@ -280,10 +284,54 @@ void LeerCabecera(Lector& l, clsRegMovimientoFrecuente& m) {
   if (l.valido() && l.Valor("Tipo") == nullptr) l.Error(l.Ruta("Tipo"), "falta el tipo");
 }
 
-void LeerAgenda(Lector& l, clsRegRecurrencia& r) {
+// The first date of the schedule, from which CantidadVeces counts: FechaInicio, or FechaProxima
+// when there is none (the save does the same).
+std::optional<Date> Inicio(const clsRegRecurrencia& r) {
+  if (auto d = vb::ParseDate(r.FechaInicio())) return d;
+  return vb::ParseDate(r.FechaProxima());
+}
+
+// CantidadVeces has no column: a count becomes the last date, worked out by the date calculator
+// as the screens do. A count that a given last date, SinVencimiento or a once-only code
+// contradicts would be lost, and is refused.
+void CantidadComoFechaFinal(Lector& l, clsRegRecurrencia& r, int32_t veces,
+                            IDateCalculator& calendario) {
+  const std::string ruta = l.Ruta("CantidadVeces");
+  if (r.SinVencimiento() != 0) {
+    l.Error(ruta, "una agenda sin vencimiento (SinVencimiento 1) no termina: use 0");
+    return;
+  }
+  const auto inicio = Inicio(r);
+  if (!inicio) return;  // FechaProxima is already reported
+  const auto final_dado = vb::ParseDate(r.FechaFinal());
+  int32_t cantidad = final_dado ? 0 : veces;
+  Date final_ = final_dado.value_or(*inicio);
+  try {
+    calendario.CalcularFinal(r.Frecuencia(), vb::DateOnly(*inicio), cantidad, final_);
+  } catch (const std::exception& e) {
+    l.Error(ruta, std::string("no se pudo calcular la última fecha: ") + e.what());
+    return;
+  }
+  if (cantidad != veces && final_dado) {
+    l.Error(ruta, fmt::format("{} no coincide con la FechaFinal {}: desde el {} la frecuencia {} "
+                              "ocurre {} {} hasta esa fecha",
+                              veces, FechaTexto(*final_dado), FechaTexto(vb::DateOnly(*inicio)),
+                              r.Frecuencia(), cantidad, cantidad == 1 ? "vez" : "veces"));
+    return;
+  }
+  if (cantidad != veces) {
+    l.Error(ruta, fmt::format("{} no coincide con la frecuencia {}, que ocurre {} {}", veces,
+                              r.Frecuencia(), cantidad, cantidad == 1 ? "vez" : "veces"));
+    return;
+  }
+  if (!final_dado) r.FechaFinal(FechaTexto(final_));
+}
+
+void LeerAgenda(Lector& l, clsRegRecurrencia& r, IDateCalculator& calendario) {
   l.Ignorado("ID", Json::value_t::number_integer);
   l.Simple("NotificarDias", [&](float v) { r.NotificarDias(v); });
-  l.Bandera("Notificar", [&](uint8_t v) { r.Notificar(v); });
+  std::optional<uint8_t> notificar;
+  l.Bandera("Notificar", [&](uint8_t v) { notificar = v; });
   l.Bandera("SinVencimiento", [&](uint8_t v) { r.SinVencimiento(v); });
   l.Fecha("FechaProxima", [&](std::optional<Date> d) {
     if (d) r.FechaProxima(FechaTexto(*d));
@@ -293,27 +341,32 @@ void LeerAgenda(Lector& l, clsRegRecurrencia& r) {
     l.Error(l.Ruta("FechaProxima"),
             "una agenda necesita la fecha del próximo vencimiento (o Recurrencia null)");
   }
-  l.EnteroDe<int16_t>("CantidadVeces", [&](int16_t v) { r.CantidadVeces(v); });
-  l.EnteroDe<int16_t>("CadaCuanto", [&](int16_t v) { r.CadaCuanto(v); });
+  std::optional<int32_t> veces, cada, unidad, posponer;
+  l.EnteroDe<int16_t>("CantidadVeces", [&](int16_t v) {
+    if (v < 0) return l.Error(l.Ruta("CantidadVeces"), "no puede ser negativa");
+    veces = v;
+  });
+  l.Entero("CadaCuanto", 0, schedule::kMaxStep, [&](int64_t v) { cada = static_cast<int32_t>(v); });
   l.Uno("TipoRecurrencia", {0, 1, 2, 3}, "tipo de recurrencia",
-        [&](int64_t n) { r.TipoRecurrencia(static_cast<enuTipoRecurrencia>(n)); });
+        [&](int64_t n) { unidad = static_cast<int32_t>(n); });
   l.Fecha("EraNotificacion",
           [&](std::optional<Date> d) { r.EraNotificacion(d ? FechaTexto(*d) : std::string()); });
   l.Simple("Postergado", [&](float v) { r.Postergado(v); });
-  l.Ignorado("Posponer", Json::value_t::number_integer);
+  l.EnteroDe<int16_t>("Posponer", [&](int16_t v) { posponer = v; });
+  std::optional<schedule::Frequency> frecuencia;
   if (const Json* f = l.Valor("Frecuencia"); f != nullptr) {
-    const auto frecuencia =
-        f->is_string() ? schedule::ParseFrequency(f->get<std::string>()) : std::nullopt;
-    if (frecuencia && f->get<std::string>().size() == 6) {
-      r.Frecuencia(f->get<std::string>());
-    } else {
+    if (f->is_string() && f->get<std::string>().size() == 6) {
+      frecuencia = schedule::ParseFrequency(f->get<std::string>());
+    }
+    if (!frecuencia) {
       l.Error(l.Ruta("Frecuencia"),
               "se esperaba un código de frecuencia de seis dígitos (\"000000\" una vez, "
               "\"000007\" semanal, \"200001\" mensual...), no " +
                   Lector::Describir(*f));
     }
   } else if (l.valido()) {
-    r.Frecuencia("000000");
+    // Without a code, the unit and the step make it.
+    frecuencia = schedule::FrequencyFromCode(unidad.value_or(0) * 100000 + cada.value_or(0));
   }
   l.Fecha("FechaInicio",
           [&](std::optional<Date> d) { r.FechaInicio(d ? FechaTexto(*d) : std::string()); });
@@ -321,6 +374,47 @@ void LeerAgenda(Lector& l, clsRegRecurrencia& r) {
           [&](std::optional<Date> d) { r.FechaFinal(d ? FechaTexto(*d) : std::string()); });
   l.Entero("NumOcurrencia", 0, std::numeric_limits<int32_t>::max(),
            [&](int64_t v) { r.NumOcurrencia(static_cast<int32_t>(v)); });
+
+  // Members without a column of their own are kept through the ones stored: a value that
+  // disagrees with them would be lost, and is refused.
+  if (frecuencia) {
+    r.Frecuencia(schedule::FormatFrequencyCode(frecuencia->code()));
+    const int32_t u = static_cast<int32_t>(frecuencia->unit);
+    if (unidad && *unidad != u) {
+      l.Error(l.Ruta("TipoRecurrencia"),
+              fmt::format("{} no coincide con la Frecuencia {} (unidad {})", *unidad,
+                          r.Frecuencia(), u));
+    }
+    if (cada && *cada != frecuencia->step) {
+      l.Error(l.Ruta("CadaCuanto"), fmt::format("{} no coincide con la Frecuencia {} (cada {})",
+                                                *cada, r.Frecuencia(), frecuencia->step));
+    }
+    r.TipoRecurrencia(static_cast<enuTipoRecurrencia>(u));
+    // The record's field is 16 bits wide; a larger step is still stored whole in the code.
+    r.CadaCuanto(static_cast<int16_t>(std::min(frecuencia->step, 32767)));
+  }
+  if (notificar) {
+    if ((*notificar != 0) != (r.NotificarDias() > 0)) {
+      l.Error(l.Ruta("Notificar"),
+              fmt::format("{} no coincide con NotificarDias {} (se avisa cuando hay días de "
+                          "anticipación)",
+                          *notificar, Corto(r.NotificarDias())));
+    }
+    r.Notificar(*notificar);
+  }
+  if (posponer) {
+    if (l.Valor("Postergado") == nullptr) {
+      r.Posponer(static_cast<int16_t>(*posponer));
+    } else if (*posponer != r.Posponer()) {
+      l.Error(l.Ruta("Posponer"),
+              fmt::format("{} no coincide con Postergado {} (Posponer es Postergado redondeado)",
+                          *posponer, Corto(r.Postergado())));
+    }
+  }
+  if (veces && *veces > 0 && frecuencia) {
+    r.CantidadVeces(static_cast<int16_t>(*veces));
+    CantidadComoFechaFinal(l, r, *veces, calendario);
+  }
 }
 
 void LeerRenglon(Lector& l, clsRegRenglonMF& r) {
@@ -347,6 +441,54 @@ void LeerRenglon(Lector& l, clsRegRenglonMF& r) {
 }
 
 }  // namespace
+
+nlohmann::ordered_json ParseSinClavesRepetidas(const std::string& texto,
+                                               std::vector<std::string>& errores) {
+  // One entry per open object or list: the path to it, and its keys or the index of the element
+  // being read.
+  struct Abierto {
+    std::string ruta;
+    bool lista = false;
+    size_t indice = 0;
+    std::string clave;
+    std::set<std::string> claves;
+  };
+  std::vector<Abierto> abiertos;
+  // Path of the value being read inside the innermost open object or list.
+  auto ruta_hijo = [&]() -> std::string {
+    if (abiertos.empty()) return "$";
+    const Abierto& a = abiertos.back();
+    return a.lista ? fmt::format("{}[{}]", a.ruta, a.indice)
+                   : a.ruta + "." + vb::ShortForMessage(a.clave);
+  };
+  auto terminado = [&] {
+    if (!abiertos.empty() && abiertos.back().lista) ++abiertos.back().indice;
+  };
+  using Evento = Json::parse_event_t;
+  return Json::parse(texto, [&](int, Evento evento, Json& valor) {
+    switch (evento) {
+      case Evento::object_start:
+      case Evento::array_start:
+        abiertos.push_back({ruta_hijo(), evento == Evento::array_start, 0, {}, {}});
+        break;
+      case Evento::object_end:
+      case Evento::array_end:
+        abiertos.pop_back();
+        terminado();
+        break;
+      case Evento::key:
+        abiertos.back().clave = valor.get<std::string>();
+        if (!abiertos.back().claves.insert(abiertos.back().clave).second) {
+          errores.push_back(ruta_hijo() + ": clave repetida");
+        }
+        break;
+      case Evento::value:
+        terminado();
+        break;
+    }
+    return true;
+  });
+}
 
 std::optional<Date> LeerFechaJson(const std::string& texto) {
   static const std::regex forma(
@@ -397,12 +539,14 @@ nlohmann::ordered_json MovimientoJson(const clsMFTipo& mf) {
     agenda = Json::object();
     agenda["ID"] = r.ID();
     agenda["NotificarDias"] = Corto(r.NotificarDias());
-    agenda["Notificar"] = r.Notificar();
+    agenda["Notificar"] = r.NotificarDias() > 0 ? 1 : 0;
     agenda["SinVencimiento"] = r.SinVencimiento();
     agenda["FechaProxima"] = FechaDeTexto(r.FechaProxima());
+    const auto frecuencia = schedule::ParseFrequency(r.Frecuencia());
     agenda["CantidadVeces"] = r.CantidadVeces();
-    agenda["CadaCuanto"] = r.CadaCuanto();
-    agenda["TipoRecurrencia"] = ToInt(r.TipoRecurrencia());
+    agenda["CadaCuanto"] = frecuencia ? frecuencia->step : r.CadaCuanto();
+    agenda["TipoRecurrencia"] =
+        frecuencia ? static_cast<int>(frecuencia->unit) : ToInt(r.TipoRecurrencia());
     agenda["EraNotificacion"] = FechaDeTexto(r.EraNotificacion());
     agenda["Postergado"] = Corto(r.Postergado());
     agenda["Posponer"] = r.Posponer();
@@ -445,7 +589,7 @@ nlohmann::ordered_json MovimientoJson(const clsMFTipo& mf) {
 }
 
 MovimientoLeido LeerMovimiento(const nlohmann::ordered_json& j, const std::string& ruta,
-                               std::vector<std::string>& errores) {
+                               IDateCalculator& calendario, std::vector<std::string>& errores) {
   MovimientoLeido leido;
   leido.mf = std::make_shared<clsMFTipo>();
   Lector raiz(j, ruta, errores, kClavesRaiz);
@@ -461,7 +605,7 @@ MovimientoLeido LeerMovimiento(const nlohmann::ordered_json& j, const std::strin
   if (const Json* rec = raiz.Valor("Recurrencia"); rec != nullptr && !rec->is_null()) {
     leido.con_agenda = true;
     Lector l(*rec, raiz.Ruta("Recurrencia"), errores, kClavesRec);
-    LeerAgenda(l, *leido.mf->Recurrencia());
+    LeerAgenda(l, *leido.mf->Recurrencia(), calendario);
   }
 
   if (const Json* lineas = raiz.Valor("Renglones"); lineas != nullptr && !lineas->is_null()) {

@@ -19,9 +19,11 @@
 //   DeleteRegistroMFConfirmar, DarRealizadaFechaAgenda) roll back on any error and return
 //   0 / false; the tables are then exactly as before the call.
 // - SaveMovimientoFrecuente, LoadMF and DeleteMF run without a transaction and let every error
-//   (DbError, VbError, ComponentError, storage::TextoRechazado) reach the caller.
-// - The other members trap their errors, show the error's text (critical icon) and return
-//   their zero value.
+//   (DbError, VbError, ComponentError, std::invalid_argument for a refused movement) reach the
+//   caller.
+// - The other members trap their errors, show the catalogue's "Error al ..." text of the action
+//   that failed with the error's own text on a second line (critical icon) and return their
+//   zero value. UltimoError() then says why (and likewise after a failed locked save).
 // - Services: what Servicios gave; any service left null is taken at Connect from
 //   SuiteServices::Defaults(cn) and a null date calculator is replaced by the suite's own
 //   (schedule::DateCalculator). Connect installs the clock service as the process clock.
@@ -84,15 +86,29 @@ class clsMovFrecuente {
 
   // Saves the current movement (schedule, link order, default journal, header, lines) with the
   // company's default journal, without a transaction. Returns the movement ID; errors reach
-  // the caller.
+  // the caller. Refused before anything is written (std::invalid_argument, what() the
+  // catalogue's text): more than one line holding the difference formula
+  // (msg::kFxRestoEnVariasCuentas); a name, comment or line text that cannot be stored
+  // (storage::TextoRechazado).
   int32_t SaveMovimientoFrecuente();
 
-  // The same save inside one transaction. A new once-only schedule (ID 0, CadaCuanto 0,
-  // CantidadVeces 1) whose occurrence number is above 1 is reset to occurrence 1 first (only
-  // this save does so). Any error rolls back and returns 0, and the current movement's records
-  // get back the values they had before the call (keys, positions, line numbers); no message
-  // is shown whatever bDisplayMsgError says (the caller reports).
+  // The same save, with the same refusals, inside one transaction. A new once-only schedule
+  // (ID 0, CadaCuanto 0, CantidadVeces 1) whose occurrence number is above 1 is reset to
+  // occurrence 1 first (only this save does so). Any error rolls back and returns 0, and the
+  // current movement's records get back the values they had before the call (keys, positions,
+  // line numbers); no message is shown whatever bDisplayMsgError says: the caller reports, and
+  // finds why in UltimoError().
   int32_t SaveMovimientoFrecuenteConBloqueo(bool bDisplayMsgError = true);
+
+  // Why the last failing call of a member that traps its errors (the locked save and the
+  // members that show "Error al ...") failed: the refusal's text, "error 8000 (DBFncs): ..." for
+  // the key counter, or for a database error its kind in plain words followed by the engine's
+  // message ("la base de datos es de solo lectura (...)", "la base de datos está bloqueada por
+  // otro proceso (...)"; the engine's message alone for other failures); a long text is cut
+  // (vb::ShortForMessage). Each of those members clears it when it starts, so it is "" after a
+  // call that did not fail on an error (a refusal shown as a message, such as missing rights,
+  // is not an error).
+  const std::string& UltimoError() const { return ultimo_error_; }
 
   // Loads movement lIDMF into the current movement. Returns false, leaving the current
   // movement as it was, when there is no such movement; errors reach the caller.
@@ -192,8 +208,9 @@ class clsMovFrecuente {
   const TrazaCalculoFx& UltimaTrazaFx() const { return traza_fx_; }
 
  private:
-  // Shows a trapped error (its text, critical icon, caption "Movimientos Frecuentes").
-  void Reportar(const std::exception& e);
+  // Keeps a trapped error in UltimoError and shows it under the catalogue text `accion` (an
+  // "Error al ..." entry; critical icon, caption "Movimientos Frecuentes").
+  void Reportar(int accion, const std::exception& e);
   // The company context, loaded with the company number on first need.
   clsEmpresa& EmpresaContexto();
   // The injected date calculator, or the suite's own.
@@ -211,6 +228,7 @@ class clsMovFrecuente {
   std::unique_ptr<clsEmpresa> empresa_ctx_;
   std::unique_ptr<IDateCalculator> calendario_propio_;
   TrazaCalculoFx traza_fx_;
+  std::string ultimo_error_;
 };
 
 }  // namespace kivmovfrec

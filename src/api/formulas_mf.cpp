@@ -43,6 +43,7 @@ void clsMovFrecuente::AvisarSinResultado(int mensaje) {
 }
 
 bool clsMovFrecuente::SetCalculoFormulasMF(int32_t lMovFrec, bool bNoPedirDatos) {
+  ultimo_error_.clear();
   if (!cn_) return false;
   traza_fx_ = TrazaCalculoFx{};
   try {
@@ -58,7 +59,7 @@ bool clsMovFrecuente::SetCalculoFormulasMF(int32_t lMovFrec, bool bNoPedirDatos)
     return ok;
   } catch (const std::exception& e) {
     traza_fx_.error = e.what();
-    Reportar(e);
+    Reportar(msg::kErrorCalcularFormulas, e);
     return false;
   }
 }
@@ -66,6 +67,7 @@ bool clsMovFrecuente::SetCalculoFormulasMF(int32_t lMovFrec, bool bNoPedirDatos)
 bool clsMovFrecuente::GetValueUnaPata(const clsRenglonesMF& RenglonesMF, int16_t iMonMF,
                                       int16_t iEmpresaMF, bool& bImporteEditable,
                                       double& dbImporte) {
+  ultimo_error_.clear();
   if (!cn_) return false;
   traza_fx_ = TrazaCalculoFx{};
   try {
@@ -78,13 +80,14 @@ bool clsMovFrecuente::GetValueUnaPata(const clsRenglonesMF& RenglonesMF, int16_t
     return ok;
   } catch (const std::exception& e) {
     traza_fx_.error = e.what();
-    Reportar(e);
+    Reportar(msg::kErrorCalcularFormulas, e);
     return false;
   }
 }
 
 bool clsMovFrecuente::RecalcularFormulasMF(clsRenglonesMF& RenglonesMF, int16_t iMonMF,
                                            bool bNoPedirTC) {
+  ultimo_error_.clear();
   if (!cn_) return false;
   traza_fx_ = TrazaCalculoFx{};
   try {
@@ -98,17 +101,18 @@ bool clsMovFrecuente::RecalcularFormulasMF(clsRenglonesMF& RenglonesMF, int16_t 
     return ok;
   } catch (const std::exception& e) {
     traza_fx_.error = e.what();
-    Reportar(e);
+    Reportar(msg::kErrorCalcularFormulas, e);
     return false;
   }
 }
 
 std::string clsMovFrecuente::InterpretarFormulaLeyenda(std::string_view sLeyenda, Date dFechaMF) {
+  ultimo_error_.clear();
   if (!cn_) return {};
   try {
     return formula::InterpretarFormulaLeyenda(sLeyenda, dFechaMF, servicios_.clock.get());
   } catch (const std::exception& e) {
-    Reportar(e);
+    Reportar(msg::kErrorInterpretarLeyenda, e);
     return {};
   }
 }

@@ -4,11 +4,16 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
+
 #include "api/avance_agenda.h"
 #include "api/derechos.h"
 #include "api/grupo_vinculado.h"
 #include "core/clock.h"
+#include "formula/reglas_fx.h"
+#include "kivmovfrec/errors.h"
 #include "platform/vb/convert.h"
+#include "platform/vb/excerpt.h"
 #include "resources/catalogue.h"
 #include "resources/msg.h"
 #include "schedule/date_calculator.h"
@@ -62,6 +67,56 @@ void CompletarRecurrencia(clsRegRecurrencia& rec) {
   }
 }
 
+// Refuses lines of which more than one holds the difference formula, before anything is written:
+// the wizard checks it, and a save repeats it for every other way lines reach the database.
+void RechazarVariasDiferencias(const clsRenglonesMF& renglones, int idioma) {
+  std::vector<formula::LineaRegla> lineas;
+  for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+    const clsRegRenglonMF& r = *renglones.Renglon(i);
+    lineas.push_back(
+        {{r.Cuenta(), r.Proyecto(), r.Departamento()}, r.AlDebe(), r.Formula(), r.ImporteMF()});
+  }
+  if (const auto fallo = formula::ReglaUnaDiferencia(lineas)) {
+    throw std::invalid_argument(fallo->Texto(idioma));
+  }
+}
+
+// What a database failure means, in plain words ("" when the engine's message is all there is).
+const char* CausaDb(DbErrorKind kind) {
+  switch (kind) {
+    case DbErrorKind::Busy:
+      return "la base de datos está bloqueada por otro proceso";
+    case DbErrorKind::Timeout:
+      return "la base de datos tardó demasiado en responder";
+    case DbErrorKind::Constraint:
+      return "la base de datos rechazó los datos";
+    case DbErrorKind::MissingTable:
+      return "falta una tabla o una columna en la base de datos";
+    case DbErrorKind::ReadOnly:
+      return "la base de datos es de solo lectura";
+    case DbErrorKind::ConnectionLost:
+      return "se perdió la conexión con la base de datos";
+    case DbErrorKind::Other:
+      break;
+  }
+  return "";
+}
+
+// Why an operation failed, for people: the component's own refusals as they are, the counter
+// failure with its number, a database error named in plain words with the engine's message,
+// cut when long.
+std::string DescribirError(const std::exception& e) {
+  std::string texto = e.what();
+  if (const auto* c = dynamic_cast<const ComponentError*>(&e)) {
+    texto = fmt::format("error {} ({}): {}", c->number(), c->source(), c->what());
+  } else if (const auto* v = dynamic_cast<const VbError*>(&e)) {
+    texto = fmt::format("error {}: {}", v->number(), v->what());
+  } else if (const auto* d = dynamic_cast<const DbError*>(&e); d && *CausaDb(d->kind())) {
+    texto = fmt::format("{} ({})", CausaDb(d->kind()), d->what());
+  }
+  return vb::ShortForMessage(texto, 300);
+}
+
 }  // namespace
 
 clsMovFrecuente::clsMovFrecuente() : estructura_(std::make_shared<clsMFTipo>()) {}
@@ -113,11 +168,13 @@ int clsMovFrecuente::Idioma() const {
   return storage::Parametros().idioma;
 }
 
-void clsMovFrecuente::Reportar(const std::exception& e) {
+void clsMovFrecuente::Reportar(int accion, const std::exception& e) {
+  ultimo_error_ = DescribirError(e);
   if (!servicios_.messages) return;
   try {
     servicios_.messages->Show(
-        {e.what(), std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
+        {std::string(resources::Texto(accion, Idioma())) + "\n" + ultimo_error_,
+         std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
          MsgIcon::Critical, MsgButtons::OK, 1});
   } catch (const std::exception&) {
   }
@@ -145,16 +202,19 @@ void clsMovFrecuente::CleanEstructura() {
 
 int32_t clsMovFrecuente::SaveMovimientoFrecuente() {
   if (!cn_) return 0;
+  RechazarVariasDiferencias(*estructura_->Renglones(), Idioma());
   CompletarRecurrencia(*estructura_->Recurrencia());
   const int16_t libro = EmpresaContexto().Libro();
   return estructura_->Save(*cn_, *servicios_.db, libro);
 }
 
 int32_t clsMovFrecuente::SaveMovimientoFrecuenteConBloqueo(bool /*bDisplayMsgError*/) {
+  ultimo_error_.clear();
   if (!cn_) return 0;
   const CopiaEstructura copia(*estructura_);
   bool iniciada = false;
   try {
+    RechazarVariasDiferencias(*estructura_->Renglones(), Idioma());
     clsRegRecurrencia& rec = *estructura_->Recurrencia();
     CompletarRecurrencia(rec);
     cn_->BeginTrans();
@@ -167,9 +227,10 @@ int32_t clsMovFrecuente::SaveMovimientoFrecuenteConBloqueo(bool /*bDisplayMsgErr
     const int32_t id = estructura_->Save(*cn_, *servicios_.db, libro);
     cn_->CommitTrans();
     return id;
-  } catch (const std::exception&) {
+  } catch (const std::exception& e) {
     Deshacer(*cn_, iniciada);
     copia.Restaurar();
+    ultimo_error_ = DescribirError(e);
     return 0;
   }
 }
@@ -186,6 +247,7 @@ void clsMovFrecuente::DeleteMF(int32_t lIDMF) {
 
 bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
                                       bool bDisplayMsgQuestion) {
+  ultimo_error_.clear();
   if (!cn_) return false;
   try {
     const int idioma = Idioma();
@@ -219,12 +281,13 @@ bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
     storage::GuardarMovimiento(*cn_, *servicios_.db, mov);
     return true;
   } catch (const std::exception& e) {
-    Reportar(e);
+    Reportar(msg::kErrorCambiarEstado, e);
     return false;
   }
 }
 
 bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
+  ultimo_error_.clear();
   if (!cn_) return false;
   bool iniciada = false;
   try {
@@ -248,13 +311,14 @@ bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
     return true;
   } catch (const std::exception& e) {
     Deshacer(*cn_, iniciada);
-    Reportar(e);
+    Reportar(msg::kErrorEliminarMovimiento, e);
     return false;
   }
 }
 
 bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez) {
   bPorUnicaVez = false;
+  ultimo_error_.clear();
   if (!cn_) return false;
   bool iniciada = false;
   try {
@@ -277,7 +341,7 @@ bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez)
     return true;
   } catch (const std::exception& e) {
     Deshacer(*cn_, iniciada);
-    Reportar(e);
+    Reportar(msg::kErrorDarRealizada, e);
     return false;
   }
 }

@@ -15,7 +15,8 @@
 //   1101–1103  amount types; 1300–1304 wizard buttons; 1400–1410 frequency list
 //   1472–1473  prompts of the formula evaluator
 //   1500–1699  texts numbered by this component, by subsystem:
-//                1500–1509 shared messages, 1510–1529 shared captions,
+//                1500–1509 shared messages (1501–1506: the "Error al…" texts of the
+//                façade's members), 1510–1529 shared captions,
 //                1530–1539 formula engine, 1540–1549 schedule summaries,
 //                1550–1599 movement wizard, 1600–1649 task lists, 1650–1679 linked movements,
 //                1680–1689 formula editor, 1690–1699 user picker

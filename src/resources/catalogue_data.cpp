@@ -73,6 +73,12 @@ constexpr auto kEntradas = std::to_array<EntradaCatalogo>({
 
     // Shared messages.
     Es(kConsulteAdministrador, "Consulte con el administrador del sistema."),
+    Es(kErrorGrabarMovimiento, "Error al grabar el movimiento."),
+    Es(kErrorCambiarEstado, "Error al cambiar el estado del movimiento."),
+    Es(kErrorEliminarMovimiento, "Error al eliminar el movimiento."),
+    Es(kErrorDarRealizada, "Error al dar por realizado el vencimiento de la agenda."),
+    Es(kErrorCalcularFormulas, "Error al calcular las fórmulas del movimiento."),
+    Es(kErrorInterpretarLeyenda, "Error al interpretar la leyenda."),
 
     // Shared captions.
     Es(kCapAceptar, "&Aceptar"),

@@ -58,6 +58,14 @@ inline constexpr int kTasaDeCambioPara = 473;   // "[p]" = currency symbol
 
 // --- Shared messages (own numbers) -------------------------------------------------------------
 inline constexpr int kConsulteAdministrador = 500;  // second line of kSinDerechos
+// The action a façade member was doing when it trapped an error (the error's own text follows
+// on a second line).
+inline constexpr int kErrorGrabarMovimiento = 501;
+inline constexpr int kErrorCambiarEstado = 502;
+inline constexpr int kErrorEliminarMovimiento = 503;
+inline constexpr int kErrorDarRealizada = 504;
+inline constexpr int kErrorCalcularFormulas = 505;
+inline constexpr int kErrorInterpretarLeyenda = 506;
 
 // --- Shared captions (own numbers) -------------------------------------------------------------
 inline constexpr int kCapAceptar = 510;            // &Aceptar

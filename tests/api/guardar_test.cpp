@@ -1,9 +1,14 @@
-// Connect, the two saves, load and delete through the façade, and the members before Connect.
+// Connect and the two saves through the façade, why a member failed, and the members before
+// Connect.
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "fachada_fixture.h"
+#include "resources/catalogue.h"
+#include "resources/msg.h"
 
 namespace kivmovfrec::testing {
 namespace {
@@ -63,16 +68,11 @@ TEST_P(FachadaSinConectar, CadaMiembroNoHaceNada) {
 }
 
 TEST_P(Guardar, ConnectLeeParametrosIdiomaEInstalaElReloj) {
-  cn->Execute(
-      "Update genParametros Set ParTexto = 'yyyy-mm-dd' Where ParNombre = "
-      "'defBDDateFormat'");
   cn->Execute("Update genParametros Set ParTexto = '#' Where ParNombre = 'defBDDateCharSQLs'");
   storage::Parametros() = storage::ParametrosBD{};
   core::SetClock(nullptr);
   mf.Connect(cn);
-  EXPECT_EQ(storage::Parametros().formato_fecha, "yyyy-mm-dd");
-  EXPECT_EQ(storage::Parametros().caracter_fecha, "#");
-  EXPECT_TRUE(storage::Parametros().multiusuario);
+  EXPECT_EQ(storage::Parametros().caracter_fecha, "#");  // every parameter: tablas_test.cpp
   EXPECT_EQ(storage::Parametros().idioma, 1);
   EXPECT_EQ(core::Today(), kHoy);
 }
@@ -104,51 +104,81 @@ TEST_P(Guardar, SoloElGuardadoConBloqueoReiniciaLaOcurrenciaDeUnaAgendaUnica) {
   }
 }
 
-TEST_P(Guardar, VinculadoNuevoLineasQuitadasYAgendaQuitada) {
-  // A new entry linked to group 16 takes the next position.
-  Asiento(mf, "Tercero del grupo");
-  mf.EstructuraMovFrec()->MovFrecuente()->MovVinculado(16);
-  mf.EstructuraMovFrec()->Renglones()->AddRenglon(Linea(141));
-  const int32_t id = mf.SaveMovimientoFrecuenteConBloqueo();
-  EXPECT_EQ(vb::CLng(Mov(id, "MFrMVOrden")), 3);
-
-  // All lines removed in memory: none stays stored.
-  ASSERT_TRUE(mf.LoadMF(2));
-  while (mf.EstructuraMovFrec()->Renglones()->QRenglones() > 0) {
-    mf.EstructuraMovFrec()->Renglones()->RemoveRenglon(1);
+// The engine refuses every write from here on (or writes again).
+void SoloLectura(Connection& cn, bool si) {
+  if (cn.engine() == Engine::PostgreSQL) {
+    cn.Execute(std::string("Set default_transaction_read_only = ") + (si ? "on" : "off"));
+  } else {
+    cn.Execute(std::string("PRAGMA query_only = ") + (si ? "ON" : "OFF"));
   }
-  EXPECT_EQ(mf.SaveMovimientoFrecuenteConBloqueo(), 2);
-  EXPECT_EQ(CountRows(*cn, "Select * From genRenglonMovFrecuentes Where RMFMovimiento = 2"), 0);
-
-  // Schedule dropped: the old row goes on the next save.
-  ASSERT_TRUE(mf.LoadMF(4));
-  mf.EstructuraMovFrec()->MovFrecuente()->Recurrencia(0);
-  EXPECT_EQ(mf.SaveMovimientoFrecuenteConBloqueo(), 4);
-  EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias Where RecID = 3"), 0);
-  EXPECT_TRUE(Mov(4, "MFrRecurrencia").IsNull());
 }
 
-TEST_P(Guardar, ComillaEnElNombreDevuelveCeroConBloqueoYExcepcionSin) {
-  Asiento(mf, "Alquiler D'Angelo");
-  const auto antes = Tablas();
-  EXPECT_EQ(mf.SaveMovimientoFrecuenteConBloqueo(), 0);
-  EXPECT_TRUE(Mensajes().empty());  // the caller reports
-  EXPECT_THROW(mf.SaveMovimientoFrecuente(), std::invalid_argument);
-  EXPECT_EQ(Tablas(), antes);
-  EXPECT_FALSE(cn->InTransaction());
+// A locked save that fails writes nothing and shows nothing: UltimoError says why. The refusals
+// come before anything is written, and the plain save throws them.
+TEST_P(Guardar, ElGuardadoConBloqueoDicePorQueFallo) {
+  struct Caso {
+    std::string nombre;
+    std::string motivo;  // the start of UltimoError
+    bool rechazo;        // refused before writing: the plain save throws it too
+  };
+  for (const Caso& c : std::vector<Caso>{
+           {"dos diferencias", "No se puede incluir la fórmula resto en más de una cuenta.", true},
+           {"sin contador", "error 8000 (DBFncs): Resultado de la función get_TableCounter", false},
+           {"solo lectura", "la base de datos es de solo lectura (", false},
+       }) {
+    SCOPED_TRACE(c.nombre);
+    Asiento(mf, c.nombre);
+    if (c.nombre == "solo lectura") {
+      ASSERT_TRUE(mf.LoadMF(18));  // an update: no key to draw
+    }
+    for (const char* formula : {"[10:]", " [10:] "}) {
+      if (c.nombre != "dos diferencias") break;
+      auto l = Linea(102);
+      l->Formula(formula);
+      mf.EstructuraMovFrec()->Renglones()->AddRenglon(l);
+    }
+    sv.db->CountersFail(c.nombre == "sin contador");
+    const auto antes = Tablas();
+    if (c.nombre == "solo lectura") SoloLectura(*cn, true);
+    EXPECT_EQ(mf.SaveMovimientoFrecuenteConBloqueo(), 0);
+    if (c.nombre == "solo lectura") SoloLectura(*cn, false);
+    EXPECT_EQ(mf.UltimoError().rfind(c.motivo, 0), 0u) << mf.UltimoError();
+    EXPECT_TRUE(Mensajes().empty());  // the caller reports
+    if (c.rechazo) {
+      EXPECT_THROW(mf.SaveMovimientoFrecuente(), std::invalid_argument);
+    }
+    EXPECT_EQ(Tablas(), antes);
+    EXPECT_FALSE(cn->InTransaction());
+  }
+  EXPECT_EQ(mf.SaveMovimientoFrecuenteConBloqueo(), 18);  // writable again: saved, no reason
+  EXPECT_EQ(mf.UltimoError(), "");
 }
 
-TEST_P(Guardar, LoadYDeleteMF) {
-  ASSERT_TRUE(mf.LoadMF(6));
-  const auto cargado = mf.EstructuraMovFrec()->MovFrecuente();
-  EXPECT_EQ(cargado->Nombre(), "Honorarios del estudio contable");
-  EXPECT_FALSE(mf.LoadMF(4242));
-  EXPECT_EQ(mf.EstructuraMovFrec()->MovFrecuente(), cargado);
-
-  mf.DeleteMF(6);
-  EXPECT_EQ(CountRows(*cn, "Select * From genMovimientosFrecuentes Where MFrID = 6"), 0);
-  EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias Where RecID = 4"), 0);
-  EXPECT_EQ(mf.EstructuraMovFrec()->MovFrecuente()->ID(), 6);  // memory untouched
+// A member that traps an error shows the catalogue's text for its action with the reason below.
+TEST_P(Guardar, LosMiembrosQueAtrapanErroresDicenQueHacianYPorQue) {
+  sv.rights->Set(1, "PasajeAsientos", "AMEe");
+  sv.rights->Set(1, "Papelera", "e");
+  sv.messages->DefaultAnswer(kMsgYes);
+  struct Caso {
+    int accion;
+    std::function<bool()> miembro;
+  };
+  SoloLectura(*cn, true);
+  for (const Caso& c : std::vector<Caso>{
+           {msg::kErrorCambiarEstado, [&] { return mf.CambiarEstadoMF(1, enuEstadoMF::Papelera); }},
+           {msg::kErrorEliminarMovimiento, [&] { return mf.DeleteRegistroMFConfirmar(20); }},
+           {msg::kErrorDarRealizada, [&] { return mf.DarRealizadaFechaAgenda(1); }},
+       }) {
+    sv.messages->Clear();
+    EXPECT_FALSE(c.miembro());
+    ASSERT_FALSE(Mensajes().empty());
+    const MessageRequest& m = Mensajes().back().request;
+    EXPECT_EQ(m.text, std::string(resources::Texto(c.accion)) + "\n" + mf.UltimoError());
+    EXPECT_EQ(m.text.rfind("Error al ", 0), 0u) << m.text;
+    EXPECT_NE(mf.UltimoError().find("solo lectura"), std::string::npos) << mf.UltimoError();
+    EXPECT_EQ(m.icon, MsgIcon::Critical);
+  }
+  SoloLectura(*cn, false);
 }
 
 KMF_INSTANTIATE_ENGINES(FachadaSinConectar);

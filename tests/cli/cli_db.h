@@ -131,12 +131,13 @@ class CliDatabase {
   const std::string& uri() const { return uri_; }
 
   // Runs SQL on this database through the engine's shell; false when the shell is missing or
-  // the statement failed.
-  bool Sql(const std::string& sql) const {
-    if (motor_ == Motor::PostgreSQL) return Psql(uri_, sql);
+  // the statement failed. The rows it returns go to the file `salida`, one a line, columns
+  // separated by "|".
+  bool Sql(const std::string& sql, const std::string& salida = "/dev/null") const {
+    if (motor_ == Motor::PostgreSQL) return Psql(uri_, sql, salida);
     if (!Hay("sqlite3")) return false;
-    return std::system(("sqlite3 " + Quote(file_) + " " + Quote(sql) + " > /dev/null").c_str()) ==
-           0;
+    return std::system(
+               ("sqlite3 " + Quote(file_) + " " + Quote(sql) + " > " + Quote(salida)).c_str()) == 0;
   }
 
  private:
@@ -144,9 +145,10 @@ class CliDatabase {
     static int serial = 0;
     return serial;
   }
-  static bool Psql(const std::string& uri, const std::string& sql) {
-    const std::string cmd =
-        "psql -X -q -v ON_ERROR_STOP=1 -d " + Quote(uri) + " -c " + Quote(sql) + " > /dev/null";
+  static bool Psql(const std::string& uri, const std::string& sql,
+                   const std::string& salida = "/dev/null") {
+    const std::string cmd = "psql -X -q -A -t -v ON_ERROR_STOP=1 -d " + Quote(uri) + " -c " +
+                            Quote(sql) + " > " + Quote(salida);
     return std::system(cmd.c_str()) == 0;
   }
 

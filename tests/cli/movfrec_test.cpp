@@ -91,11 +91,12 @@ TEST_P(Movfrec, TextTableAndDatabaseFromTheEnvironment) {
   EXPECT_NE(r.out.find("1 Asiento"), std::string::npos) << r.out;
   EXPECT_EQ(r.out.find("2 Comprobante"), std::string::npos) << r.out;
 
-  // --db wins over MOVFREC_DB: the other database is empty.
+  // --db wins over MOVFREC_DB: the other database has no company at all.
   const std::string other = Otra();
   ASSERT_EQ(Run({"--db", other, "init"}, db_).status, 0);
   const Result empty = Run({"--db", other, "--json", "listar"}, db_);
-  EXPECT_EQ(nlohmann::ordered_json::parse(empty.out), nlohmann::ordered_json::array());
+  EXPECT_EQ(empty.status, 1);
+  EXPECT_EQ(empty.err, "movfrec listar: la empresa 1 no existe (revise --empresa)\n");
 }
 
 TEST_P(Movfrec, UsageErrorsExitTwoInSpanish) {

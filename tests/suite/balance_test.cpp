@@ -59,12 +59,6 @@ TEST_P(Balance, NullAmountsCountAsZero) {
   EXPECT_DOUBLE_EQ(suite::DbAccountBalance(cn).Saldo(120, SerialOf(2024, 1, 5)), 24.5);
 }
 
-TEST_P(Balance, StatementSelectsBeforeTheNextDay) {
-  const std::string sql = suite::BalanceSql(120, SerialOf(2024, 12, 31));
-  EXPECT_NE(sql.find("AsiFecha < '2025-01-01'"), std::string::npos) << sql;
-  EXPECT_NE(sql.find("AsiEstado = 1"), std::string::npos) << sql;
-}
-
 using BalanceMissingTables = testing::EngineTest;
 
 TEST_P(BalanceMissingTables, FailureIsADatabaseError) {

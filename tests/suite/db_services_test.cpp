@@ -89,14 +89,6 @@ TEST_P(DbServices, RightsForCurrentUserCompanyAndOption) {
   EXPECT_EQ(suite::DbUserRights(bare.Open(), 5).Letras(1, "Papelera"), "");
 }
 
-TEST(MemoryRights, CompareLikeTheDatabase) {
-  suite::MemoryUserRights rights(3);
-  rights.Set(1, "CheckList", " AE ");
-  EXPECT_EQ(rights.Letras(1, "checklist"), "AE");
-  EXPECT_EQ(rights.Letras(2, "CheckList"), "");
-  EXPECT_EQ(rights.Letras(1, "Papelera"), "");
-}
-
 TEST_P(DbServices, NoticeRecipientsBecomeTheListedUsers) {
   cn->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (1, 'ana')");
   cn->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (2, 'luis')");

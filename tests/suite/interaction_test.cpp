@@ -1,12 +1,18 @@
 // Messages, numeric prompts and clocks: console and scripted implementations.
 #include <cmath>
 #include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "platform/suite/clock.h"
 #include "platform/suite/console.h"
 #include "platform/suite/scripted.h"
+#include "platform/vb/convert.h"
+#include "platform/vb/typed_number.h"
 
 namespace kivmovfrec {
 namespace {
@@ -78,12 +84,47 @@ TEST(ConsoleMessages, HelpIsWrittenAsATopic) {
   EXPECT_EQ(err.str(), "Ayuda: tema 327\n");
 }
 
-TEST(ConsoleInput, RefusesTextThatIsNotANumber) {
+// Typed numbers are read the Spanish way; what could be read two ways is never a number.
+TEST(TypedNumber, SpanishGroupingAndDecimalsOnlyWhenUnambiguous) {
+  // "= value", or the explanation shown before asking again (a part of it).
+  auto leido = [](std::string_view texto) {
+    const vb::TypedNumber n = vb::ReadTypedNumber(texto);
+    return n.status == vb::TypedNumber::kNumber ? "= " + vb::NumberToText(n.value) : n.explanation;
+  };
+  for (const auto& [texto, esperado] : std::vector<std::pair<std::string, std::string>>{
+           {"1.500", "= 1500"},
+           {" 1.500,25 ", "= 1500.25"},
+           {"-1.234.567,8", "= -1234567.8"},
+           {"+1234,567", "= 1234.567"},
+           {"0,500", "= 0.5"},
+           {",5", "= 0.5"},
+           {"1.50.000", "«1.50.000» no es un número."},
+           {"12 pesos", "no es un número"},
+           {"", "Ingrese un número."},
+           {"1.5", "(el punto separa los miles y la coma los decimales): escriba 1,5."},
+           {"1,500.25", "escriba 1.500,25."},
+           {"1,500", "de dos maneras: escriba 1.500 si son miles o 1,5 si son decimales."},
+           {"-12,345", "escriba -12.345 si son miles o -12,3450 si son decimales."},
+       }) {
+    const std::string r = leido(texto);
+    if (esperado.starts_with("= ")) {
+      EXPECT_EQ(r, esperado) << texto;
+    } else {
+      EXPECT_NE(r.find(esperado), std::string::npos) << texto << ": " << r;
+    }
+  }
+  // A pasted megabyte is not echoed whole.
+  EXPECT_EQ(leido(std::string(1 << 20, 'x')),
+            "«" + std::string(60, 'x') + "… (1048576 caracteres)» no es un número.");
+}
+
+TEST(ConsoleInput, AsksAgainUntilTheAnswerIsANumber) {
   std::ostringstream err;
-  std::istringstream in("doce\n12,5\n\n");
+  std::istringstream in("doce\n1,500\n1.500,5\n\n");
   suite::ConsoleInput input(err, in, true);
-  EXPECT_EQ(input.PedirNumero("kivcalculator: Importe", "Pedir dato", 3), 12.5);
-  EXPECT_NE(err.str().find("«doce» no es un número"), std::string::npos) << err.str();
+  EXPECT_EQ(input.PedirNumero("kivcalculator: Importe", "Pedir dato", 3), 1500.5);
+  EXPECT_NE(err.str().find("«doce» no es un número."), std::string::npos) << err.str();
+  EXPECT_NE(err.str().find("«1,500» puede leerse de dos maneras"), std::string::npos);
   EXPECT_EQ(input.PedirNumero("Tasa", "", 1.25), 1.25);          // Enter takes the proposed value
   EXPECT_EQ(input.PedirNumero("Tasa", "", 1.25), std::nullopt);  // end of input cancels
   std::istringstream typed("7\n");
@@ -116,24 +157,20 @@ TEST(ScriptedMessages, RecordsEverythingAndAnswersFromTheQueue) {
   EXPECT_TRUE(messages.help_topics().empty());
 }
 
-TEST(ScriptedInput, SkipsAnswersThatAreNotNumbers) {
+TEST(ScriptedInput, TakesTypedAnswersByTheConsoleRule) {
   suite::ScriptedInput input;
-  input.Answer(std::string("abc"));
-  input.Answer(std::string("12 pesos"));
-  input.Answer(std::string("42,5"));
+  for (const char* typed : {"abc", "1.5", "1,500", "42,5"}) input.Answer(std::string(typed));
   input.Answer(std::nullopt);
   EXPECT_EQ(input.PedirNumero("kivcalculator: Importe", "Pedir dato", 0), 42.5);
   EXPECT_EQ(input.PedirNumero("Tasa", "", 3), std::nullopt);  // queued cancel
   EXPECT_EQ(input.PedirNumero("Tasa", "", 3), std::nullopt);  // queue empty
   input.AcceptProposedByDefault(true);
   EXPECT_EQ(input.PedirNumero("Tasa", "", 3), 3);
-  input.Answer(0.125);
-  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), 0.125);
+  input.Answer(12.125);  // a value is taken as it is
+  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), 12.125);
 
   ASSERT_EQ(input.asked().size(), 5u);
-  EXPECT_EQ(input.asked()[0].prompt, "kivcalculator: Importe");
-  EXPECT_EQ(input.asked()[0].caption, "Pedir dato");
-  EXPECT_EQ(input.asked()[0].refused, (std::vector<std::string>{"abc", "12 pesos"}));
+  EXPECT_EQ(input.asked()[0].refused, (std::vector<std::string>{"abc", "1.5", "1,500"}));
 }
 
 TEST(Clock, FixedClockKeepsTheGivenDay) {

@@ -8,6 +8,7 @@
 
 #include "platform/vb/convert.h"
 #include "platform/vb/text.h"
+#include "platform/vb/typed_number.h"
 
 namespace kivmovfrec::suite {
 namespace {
@@ -121,8 +122,9 @@ std::optional<double> ConsoleInput::PedirNumero(const std::string& prompt,
     }
     const std::string answer = vb::Trim(line);
     if (answer.empty()) return proposed;
-    if (const auto number = vb::ParseNumber(answer)) return *number;
-    err_ << "«" << answer << "» no es un número. Ingrese un número";
+    const vb::TypedNumber number = vb::ReadTypedNumber(answer);
+    if (number.status == vb::TypedNumber::kNumber) return number.value;
+    err_ << number.explanation << "\nIngrese el número";
   }
 }
 

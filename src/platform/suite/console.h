@@ -42,9 +42,10 @@ class ConsoleMessages final : public IMessages {
   ConsoleOptions options_;
 };
 
-// Numeric prompts: "[caption] prompt [proposed]: ". Enter accepts the proposed value; text that
-// is not a number (read with "." or "," as decimal separator) is refused with a note and asked
-// again. Without a terminal, or at end of input, the prompt is cancelled (no value).
+// Numeric prompts: "[caption] prompt [proposed]: ". Enter accepts the proposed value; an answer
+// is read by vb::ReadTypedNumber (Spanish: "1.500,25"), and one that is not a number or could be
+// read two ways ("1.5", "1,500") is refused with that rule's explanation and asked again.
+// Without a terminal, or at end of input, the prompt is cancelled (no value).
 class ConsoleInput final : public IInput {
  public:
   ConsoleInput(std::ostream& err, std::istream& in, bool interactive);

@@ -10,7 +10,7 @@
 #include "platform/suite/db_fncs.h"
 #include "platform/suite/rights.h"
 #include "platform/suite/sql_text.h"
-#include "platform/vb/convert.h"
+#include "platform/vb/typed_number.h"
 
 namespace kivmovfrec::suite {
 namespace {
@@ -61,8 +61,12 @@ void ScriptedMessages::Clear() {
 
 // ---- ScriptedInput --------------------------------------------------------------------------
 
+void ScriptedInput::Answer(std::optional<std::string> typed) {
+  answers_.push_back({std::move(typed), std::nullopt});
+}
+
 void ScriptedInput::Answer(double value) {
-  answers_.push_back(vb::NumberToText(value));
+  answers_.push_back({std::nullopt, value});
 }
 
 std::optional<double> ScriptedInput::PedirNumero(const std::string& prompt,
@@ -73,14 +77,19 @@ std::optional<double> ScriptedInput::PedirNumero(const std::string& prompt,
       if (accept_proposed_) asked.result = proposed;
       break;
     }
-    const std::optional<std::string> typed = answers_.front();
+    const Pending next = answers_.front();
     answers_.pop_front();
-    if (!typed) break;  // cancelled
-    if (const auto number = vb::ParseNumber(*typed)) {
-      asked.result = *number;
+    if (next.value) {
+      asked.result = next.value;
       break;
     }
-    asked.refused.push_back(*typed);
+    if (!next.typed) break;  // cancelled
+    const vb::TypedNumber number = vb::ReadTypedNumber(*next.typed);
+    if (number.status == vb::TypedNumber::kNumber) {
+      asked.result = number.value;
+      break;
+    }
+    asked.refused.push_back(*next.typed);
   }
   asked_.push_back(asked);
   return asked.result;

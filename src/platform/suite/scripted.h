@@ -48,20 +48,22 @@ class ScriptedMessages final : public IMessages {
   std::vector<int> help_;
 };
 
-// Numeric prompts. Each prompt takes queued answers as typed text until one is a number (the
-// refused ones are recorded); a queued std::nullopt cancels. With the queue empty the prompt is
-// cancelled unless a default answer was set.
+// Numeric prompts. Each prompt takes queued answers until one is a number: a typed text is read
+// as the console reads it (vb::ReadTypedNumber: "1.500,25"; one that is not a number or could be
+// read two ways is recorded as refused and the next one is taken), a queued value is taken as it
+// is, a queued std::nullopt cancels. With the queue empty the prompt is cancelled unless a
+// default answer was set.
 class ScriptedInput final : public IInput {
  public:
   struct Asked {
     std::string prompt;
     std::string caption;
     double proposed = 0;
-    std::vector<std::string> refused;  // answers that were not numbers
+    std::vector<std::string> refused;  // typed answers that were not taken
     std::optional<double> result;
   };
 
-  void Answer(std::optional<std::string> typed) { answers_.push_back(std::move(typed)); }
+  void Answer(std::optional<std::string> typed);
   void Answer(double value);
   // Used when the queue is empty: the proposed value (accept_proposed) or cancel.
   void AcceptProposedByDefault(bool accept_proposed) { accept_proposed_ = accept_proposed; }
@@ -72,7 +74,11 @@ class ScriptedInput final : public IInput {
   const std::vector<Asked>& asked() const { return asked_; }
 
  private:
-  std::deque<std::optional<std::string>> answers_;
+  struct Pending {
+    std::optional<std::string> typed;  // neither set: cancel
+    std::optional<double> value;
+  };
+  std::deque<Pending> answers_;
   bool accept_proposed_ = false;
   std::vector<Asked> asked_;
 };
