@@ -22,6 +22,7 @@
 #include "storage/columnas.h"
 #include "storage/contador.h"
 #include "storage/sql_texto.h"
+#include "storage/tabla_cuentas.h"
 
 namespace kivmovfrec::api {
 namespace {
@@ -352,6 +353,9 @@ class Ejecutor {
       const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
       if (!u) throw no_se_expresa(i, r.ImporteMF(), moneda);
       if (*u == 0) continue;
+      if (auto problema = storage::ProblemaCuentaRenglon(cn_, cab.Empresa(), r.Cuenta())) {
+        throw std::runtime_error(quien + ": línea " + std::to_string(i) + ": " + *problema);
+      }
       const MonedaDocumento de_cuenta = Moneda(r.Moneda());
       const std::optional<int64_t> u_cta = EnUnidades(r.ImporteCta(), de_cuenta);
       if (!u_cta) throw no_se_expresa(i, r.ImporteCta(), de_cuenta);

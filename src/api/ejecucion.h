@@ -22,7 +22,9 @@
 //     prompts allowed: a movement that needs a typed value cannot run unattended). A line whose
 //     value exists only because its expression was retried with "," read as "." after a
 //     run-time error (TrazaLineaFx::reintento_tras_error) refuses the occurrence.
-//  4. Each member becomes a document: an entry (cceAsientos + cceAsientoCuenta, AsiEstado 1,
+//  4. Each line that is written must name an account of the movement's company that is not a
+//     folder (storage::ProblemaCuentaRenglon); one that does not refuses the occurrence.
+//     Each member becomes a document: an entry (cceAsientos + cceAsientoCuenta, AsiEstado 1,
 //     AsiLibro = Modalidad) or a voucher (cceComprobantes + cceComprobanteCuenta, ComEstado 1,
 //     ComTipoComprobante = Modalidad), dated on the due day, keyed by the table counters and
 //     pointing back at the movement. A negative amount goes to the other side; lines of amount

@@ -166,6 +166,8 @@ TEST_P(Ejecucion, AmountsAreRoundedOnceToTheirCurrencyAndBalanceInMinorUnits) {
       {"la línea de diferencia absorbe el centavo", asiento, 0,
        {{143, true, "10.005"}, {102, false, "5.0025"}, {101, false, "[10:]"}},
        {{10.01, 0}, {0, 5.00}, {0, 5.01}}, {}},
+      {"línea en una carpeta del plan de cuentas", asiento, 0,
+       {{100, true, "10"}, {102, false, "[10:]"}}, {}, {"línea 1: la cuenta 100 es una carpeta"}},
       {"importe guardado con más decimales que su moneda", asiento, 0,
        {{143, true, "", 10.005}, {102, false, "", 10.005}}, {}, {"10,005", "2 decimales"}},
       {"valor rescatado leyendo \",\" como \".\" tras un error de ejecución", asiento, 0,
