@@ -13,7 +13,6 @@
 #include "core/clock.h"
 #include "formula/catalogo_fx.h"
 #include "formula/formula_mf.h"
-#include "install/demo_db.h"
 #include "kivmovfrec/kivmovfrec.h"
 #include "platform/suite/clock.h"
 #include "platform/suite/scripted.h"
@@ -44,6 +43,7 @@ class Statements : public DemoEngineTest {
   }
   void TearDown() override {
     if (rec) {
+      EXPECT_FALSE(rec->statements().empty());
       for (const auto& s : rec->statements()) {
         EXPECT_EQ(s.error, "") << s.kind << ": " << s.sql << "\n  as run: " << cn->Translate(s.sql);
       }
@@ -58,6 +58,11 @@ class Statements : public DemoEngineTest {
                                 " Order By MFrID");
     for (; !rs->Eof(); rs->MoveNext()) ids.push_back(vb::CLng(rs->Get(0)));
     return ids;
+  }
+  int Seen(const std::string& kind) {
+    int n = 0;
+    for (const auto& s : rec->statements()) n += s.kind == kind;
+    return n;
   }
   std::string Shown() {
     std::string text;
@@ -93,6 +98,8 @@ TEST_P(Statements, MovementsLoadComputeSaveAndDelete) {
   EXPECT_TRUE(mf.CambiarEstadoMF(copy, enuEstadoMF::Papelera)) << Shown();
   EXPECT_TRUE(mf.DeleteRegistroMFConfirmar(copy)) << Shown();
   EXPECT_FALSE(mf.LoadMF(copy));
+  // Writes through result sets and Execute went through the recorder too.
+  for (const char* kind : {"update", "delete", "execute", "read-only"}) EXPECT_GT(Seen(kind), 0);
 }
 
 TEST_P(Statements, FormulasShowAndReadBackThroughEveryLookup) {
