@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "db/rate_sql.h"
 #include "kivmovfrec/db.h"
 #include "platform/db/sql_tokens.h"
 
@@ -65,20 +64,15 @@ TEST(Translate, TopInsideASubSelectIsLimitedThere) {
             "Select a From t Where b IN (Select b From u Order by c LIMIT 1) And d = 1");
 }
 
-TEST(Translate, DirectRateLookUpLimitsEachBranchOfTheUnion) {
-  const std::string sql = testing::DirectRateSql("'2005-08-02 00:00:00'", 2, 1, 3);
-  const std::string branch1 =
-      "Select CMoFecha, CMoCompra, CMoVenta  From genCotizacionesMoneda  Where CMoFecha IN "
-      "(Select MAX(CMoFecha) from genCotizacionesMoneda  Where CMoFecha <= '2005-08-02 00:00:00' "
-      "And CMoMoneda = 2 And CMoCotizaEn = 1 And CMoTipoCotizacion = 3) And CMoMoneda = 2 And "
-      "CMoCotizaEn = 1 And CMoTipoCotizacion = 3 LIMIT 1";
-  const std::string branch2 =
-      "Select CMoFecha, 1/CMoCompra, 1/CMoVenta  From genCotizacionesMoneda  Where CMoFecha IN "
-      "(Select MAX(CMoFecha) from genCotizacionesMoneda  Where CMoFecha <= '2005-08-02 00:00:00' "
-      "And CMoMoneda = 1 And CMoCotizaEn = 2 And CMoTipoCotizacion = 3) And CMoMoneda = 1 And "
-      "CMoCotizaEn = 2 And CMoTipoCotizacion = 3 LIMIT 1";
-  EXPECT_EQ(Lite(sql), "SELECT * FROM (" + branch1 + ") UNION ALL SELECT * FROM (" + branch2 + ")");
-  EXPECT_EQ(Pg(sql), "(" + branch1 + ") UNION ALL (" + branch2 + ")");
+TEST(Translate, EachBranchOfAUnionKeepsItsOwnLimit) {
+  const std::string sql =
+      "Select Top 1 a From t Where d In (Select Max(d) From t) Union All Select Top 1 1/b From u";
+  EXPECT_EQ(Lite(sql),
+            "SELECT * FROM (Select a From t Where d In (Select Max(d) From t) LIMIT 1) Union All "
+            "SELECT * FROM (Select 1/b From u LIMIT 1)");
+  EXPECT_EQ(Pg(sql),
+            "(Select a From t Where d In (Select Max(d) From t) LIMIT 1) Union All (Select 1/b "
+            "From u LIMIT 1)");
 }
 
 TEST(Translate, OrderByAfterTheLastBranchStaysWithTheCompound) {
@@ -89,22 +83,10 @@ TEST(Translate, OrderByAfterTheLastBranchStaysWithTheCompound) {
 }
 
 TEST(Translate, PlusNextToATextLiteralConcatenates) {
-  // Q-MONEDA with its search placeholders filled in.
-  EXPECT_EQ(Lite("Select MonID, RTrim(MonSimbolo), MonNombre + ' (' + RTrim(MonSimbolo) + ')' "
-                 "From genMonedas Where MonTipo = 1 And (MonID  = 'abc121ptokiv121cba' or "
-                 "MonSimbolo  = 'U$S') Order by MonNombre"),
-            "Select MonID, RTrim(MonSimbolo), MonNombre || ' (' || RTrim(MonSimbolo) || ')' "
-            "From genMonedas Where MonTipo = 1 And (MonID  = 'abc121ptokiv121cba' or "
-            "MonSimbolo  = 'U$S') Order by MonNombre");
-  // Q-CUENTA with "[pCodCta]" as "rTrim(CueCodigo) + ' ' + ".
-  EXPECT_EQ(Lite("Select CueID, rTrim(CueCodigo) + ' ' + CueNombre, rTrim(CueCodigo) + ' ' + "
-                 "CueNombre From cceCuentas Where CueIDEmpresa = 1 And (CueID  = 7 or "
-                 "rTrim(CueCodigo) + ' ' + CueNombre  = 'abc121ptokiv121cba') And CueEsCarpeta = "
-                 "0 Order by CueNombre"),
-            "Select CueID, rTrim(CueCodigo) || ' ' || CueNombre, rTrim(CueCodigo) || ' ' || "
-            "CueNombre From cceCuentas Where CueIDEmpresa = 1 And (CueID  = 7 or "
-            "rTrim(CueCodigo) || ' ' || CueNombre  = 'abc121ptokiv121cba') And CueEsCarpeta = 0 "
-            "Order by CueNombre");
+  EXPECT_EQ(Lite("Select Nombre + ' (' + RTrim(Simbolo) + ')' From m Where (ID  = 'x' or "
+                 "rTrim(Codigo) + ' ' + Nombre  = 'y')"),
+            "Select Nombre || ' (' || RTrim(Simbolo) || ')' From m Where (ID  = 'x' or "
+            "rTrim(Codigo) || ' ' || Nombre  = 'y')");
 }
 
 TEST(Translate, PlusBetweenNumbersOrColumnsStaysAddition) {
@@ -126,49 +108,11 @@ TEST(Translate, CompoundOperandsAreParenthesisedBeforeConcatenation) {
 }
 
 TEST(Translate, LikeIgnoresCaseOnPostgreSQLOnly) {
-  const std::string sql =
-      "Select MFrID, MFrNombre  From genMovimientosFrecuentes Where MFrTipo = 5 And MFrEmpresa "
-      "= 1 And MFrEstado = 0 And MFrNombre Like '%cierre%de%mes%' And MFrID <> 0 And "
-      "MFrUsuarioAlta = 1";
+  const std::string sql = "Select a From t Where b Like '%cierre%mes%' And c <> 'Like'";
   EXPECT_EQ(Lite(sql), sql);
-  std::string expected = sql;
-  expected.replace(expected.find("Like"), 4, "ILIKE");
-  EXPECT_EQ(Pg(sql), expected);
+  EXPECT_EQ(Pg(sql), "Select a From t Where b ILIKE '%cierre%mes%' And c <> 'Like'");
   EXPECT_EQ(Pg("Select 1 From t Where a not like 'Like%'"),
             "Select 1 From t Where a not ILIKE 'Like%'");
-}
-
-TEST(Translate, StatementsWithoutTheDialectsConstructsPassUnchanged) {
-  const std::string statements[] = {
-      // Movement load.
-      "Select genMovimientosFrecuentes.*, genRenglonMovFrecuentes.*, genRecurrencias.*, "
-      "CueID, CueCodigo, CueNombre, CueMoneda, ProAbreviacion, DepAbreviacion From "
-      "(((((genMovimientosFrecuentes LEFT JOIN genRenglonMovFrecuentes ON "
-      "genMovimientosFrecuentes.MFrID = genRenglonMovFrecuentes.RMFMovimiento) LEFT JOIN "
-      "cceCuentas ON genRenglonMovFrecuentes.RMFCuenta = cceCuentas.CueID) LEFT JOIN "
-      "cceProyectos ON genRenglonMovFrecuentes.RMFIDProyecto = cceProyectos.ProCodigo) LEFT "
-      "JOIN cceDepartamentos ON genRenglonMovFrecuentes.RMFIDDepartamento = "
-      "cceDepartamentos.DepCodigo) LEFT JOIN genRecurrencias ON "
-      "genMovimientosFrecuentes.MFrRecurrencia = genRecurrencias.RecID) Where MFrID = 12 Order "
-      "By RMFOrden",
-      // Display form of a line argument.
-      "Select 1, CueCodigo, rTrim(CueNombre) From cceCuentas, genRenglonMovFrecuentes  Where "
-      "CueID = 5 And RMFCuenta = CueID And RMFMovimiento = 12 Union All Select 2, 0, "
-      "ProAbreviacion From cceProyectos Where ProCodigo = 3 Union All Select 3, 0, "
-      "DepAbreviacion From cceDepartamentos Where DepCodigo = 4",
-      // Q-MOV for scheduled vouchers, as stored.
-      "Select MFrID, MFrNombre as Key, MFrNombre From genMovimientosFrecuentes Where MFrTipo = "
-      "2 And MFrID <> 0 And (MFrNombre = 'abc121ptokiv121cba' or MFrID  = 4) And MFrEstado = 0 "
-      "And MFrEmpresa = 1 And MFrRecurrencia Is not Null Order by MFrNombre",
-      // Marking notices as seen.
-      "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> 3 And MFrEstado = 0 And "
-      "MFrModalidad = 1",
-      "Select Max(MFrMVOrden) From genMovimientosFrecuentes Where MFrMovVinculado = 8",
-  };
-  for (const auto& sql : statements) {
-    EXPECT_EQ(Lite(sql), sql);
-    EXPECT_EQ(Pg(sql), sql);
-  }
 }
 
 TEST(Shape, SingleTableSelectStarIsRecognisedWithoutRegardToCase) {

@@ -63,7 +63,7 @@ TEST(OpenConnection, AnUnreachablePostgresServerIsNamed) {
   EXPECT_NE(ErrorOf("postgresql://kmf@127.0.0.1:1/suite?no_such_option=1"), "");
 }
 
-TEST(OpenConnection, PostgresUrisOpenThePostgresAdapter) {
+TEST(PgOpenConnection, PostgresUrisOpenThePostgresAdapter) {
   const auto uri = testing::PostgresUri();
   if (!uri) GTEST_SKIP() << testing::kPostgresSkipMessage;
   auto cn = OpenConnection(*uri);

@@ -15,7 +15,7 @@
 namespace kivmovfrec::postgres {
 namespace {
 
-TEST(PgDialect, MatchNothingComparisonBecomesAnEmptyArray) {
+TEST(PostgresDialect, MatchNothingComparisonBecomesAnEmptyArray) {
   EXPECT_EQ(RewriteLooseTyping("Select MonID From genMonedas Where (MonID  = "
                                "'abc121ptokiv121cba' or MonSimbolo = 'U$S')"),
             "Select MonID From genMonedas Where (MonID  = ANY ('{}') or MonSimbolo = 'U$S')");
@@ -31,7 +31,7 @@ TEST(PgDialect, MatchNothingComparisonBecomesAnEmptyArray) {
             "Select 1 From cceCuentas Where rTrim(CueCodigo) || ' ' || CueNombre  = ANY ('{}')");
 }
 
-TEST(PgDialect, BareNumbersInAUnionTakeTheTypeOfTheOtherBranches) {
+TEST(PostgresDialect, BareNumbersInAUnionTakeTheTypeOfTheOtherBranches) {
   EXPECT_EQ(RewriteLooseTyping("Select 1, CueCodigo, rTrim(CueNombre) From cceCuentas Union All "
                                "Select 2, 0, ProAbreviacion From cceProyectos Union All "
                                "Select 3, -1 As c, DepAbreviacion From cceDepartamentos"),
@@ -54,12 +54,12 @@ TEST(PgDialect, BareNumbersInAUnionTakeTheTypeOfTheOtherBranches) {
             "(Select Nombre From t LIMIT 1) Union All (Select '0' From u LIMIT 1)");
 }
 
-TEST(PgDialect, TextThatCannotBeTokenizedIsAnError) {
+TEST(PostgresDialect, TextThatCannotBeTokenizedIsAnError) {
   EXPECT_THROW(TranslateForPostgres("Select 'abc"), DbError);
   EXPECT_THROW(TranslateForPostgres("Select (1"), DbError);
 }
 
-TEST(PgValues, TextIsReadByColumnType) {
+TEST(PostgresValues, TextIsReadByColumnType) {
   EXPECT_EQ(FromText(oid::kInt4, "-12"), Variant(int32_t{-12}));
   EXPECT_EQ(FromText(oid::kInt2, "7"), Variant(int32_t{7}));
   EXPECT_EQ(FromText(oid::kInt8, "2147483647"), Variant(int32_t{2147483647}));
@@ -80,7 +80,7 @@ TEST(PgValues, TextIsReadByColumnType) {
   EXPECT_EQ(FromText(25 /* text */, "texto"), Variant("texto"));
 }
 
-TEST(PgValues, ParametersAreExactText) {
+TEST(PostgresValues, ParametersAreExactText) {
   EXPECT_FALSE(ToParam(Variant()).has_value());
   EXPECT_FALSE(ToParam(Variant::Null()).has_value());
   EXPECT_EQ(ToParam(true), "1");

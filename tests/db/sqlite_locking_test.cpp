@@ -1,12 +1,10 @@
 // SQLite files: WAL mode and the write lock two connections share. The engine-independent
-// transaction tests are in transactions_test.cpp.
+// transaction tests, a second writer waiting for the first among them, are in
+// transactions_test.cpp.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <chrono>
 #include <memory>
 #include <string>
-#include <thread>
 
 #include "db/temp_dir.h"
 #include "kivmovfrec/db.h"
@@ -50,30 +48,6 @@ TEST_F(SqliteFile, BeginTakesTheWriteLockSoASecondWriterCannotStart) {
   quick->BeginTrans();
   quick->Execute("Insert Into genRecurrencias Values (9, '000000')");
   quick->CommitTrans();
-  EXPECT_EQ(Count(*cn), 3);
-}
-
-TEST_F(SqliteFile, ASecondWriterWaitsForTheFirstInsteadOfFailing) {
-  auto second = OpenConnection("sqlite:" + path);
-  cn->BeginTrans();
-  std::atomic<bool> starting{false};
-  std::string failure;
-  std::thread writer([&] {
-    try {
-      starting = true;
-      second->BeginTrans();  // blocks on the busy timeout until the first one commits
-      second->Execute("Insert Into genRecurrencias Values (3, '000002')");
-      second->CommitTrans();
-    } catch (const DbError& e) {
-      failure = e.what();
-    }
-  });
-  while (!starting) std::this_thread::yield();
-  std::this_thread::sleep_for(std::chrono::milliseconds(100));
-  cn->Execute("Insert Into genRecurrencias Values (2, '000001')");
-  cn->CommitTrans();
-  writer.join();
-  EXPECT_EQ(failure, "");
   EXPECT_EQ(Count(*cn), 3);
 }
 

@@ -1,128 +1,87 @@
-// The suite's own statements run on every engine after translation, with the rows they must
-// give.
+// The suite dialect's constructs run on every engine after translation, with the rows they must
+// give: Top in each branch of a union, `+` between texts, Like without regard to case, the
+// match-nothing comparison and a bare number in a union with a text column.
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 
-#include "db/rate_sql.h"
 #include "kivmovfrec/db.h"
 #include "support/db_engines.h"
 
 namespace kivmovfrec {
 namespace {
 
-constexpr double kAug1st2005 = 38565;
-
-class SuiteStatements : public testing::EngineTest {
+class DialectOnEngines : public testing::EngineTest {
  protected:
   void SetUpDatabase() override {
     cn->Execute(
-        "Create Table genCotizacionesMoneda (CMoMoneda INTEGER, CMoCotizaEn INTEGER, "
-        "CMoTipoCotizacion INTEGER, CMoFecha TIMESTAMP, CMoCompra DOUBLE PRECISION, "
-        "CMoVenta DOUBLE PRECISION)");
+        "Create Table Cot (Mon INTEGER, En INTEGER, Fecha TIMESTAMP, Compra DOUBLE PRECISION)");
     cn->Execute(
-        "Insert Into genCotizacionesMoneda Values (2, 1, 3, '2005-07-01 00:00:00', 3.0, 3.1), "
-        "(2, 1, 3, '2005-08-01 00:00:00', 3.5, 3.6), (2, 1, 3, '2005-08-01 00:00:00', 3.5, 3.6), "
-        "(2, 1, 3, '2005-09-01 00:00:00', 4.0, 4.1), (1, 2, 3, '2005-07-15 00:00:00', 0.25, 0.2)");
+        "Insert Into Cot Values (2, 1, '2005-07-01 00:00:00', 3.0), "
+        "(2, 1, '2005-08-01 00:00:00', 3.5), (2, 1, '2005-08-01 00:00:00', 3.5), "
+        "(2, 1, '2005-09-01 00:00:00', 4.0), (1, 2, '2005-07-15 00:00:00', 0.25)");
+    cn->Execute("Create Table Cue (ID INTEGER, Codigo VARCHAR(20), Nombre VARCHAR(50))");
     cn->Execute(
-        "Create Table genMonedas (MonID INTEGER, MonSimbolo CHAR(5), MonNombre VARCHAR(30), "
-        "MonTipo INTEGER, MonCotizaEn INTEGER)");
-    cn->Execute(
-        "Insert Into genMonedas Values (1, '$', 'Peso', 1, Null), "
-        "(2, 'U$S', 'Dólar', 1, 1), (3, 'CER', 'Coeficiente', 2, 1)");
-    cn->Execute(
-        "Create Table cceCuentas (CueID INTEGER, CueCodigo VARCHAR(20), CueNombre VARCHAR(50), "
-        "CueIDEmpresa INTEGER, CueEsCarpeta INTEGER)");
-    cn->Execute(
-        "Insert Into cceCuentas Values (7, '1.1.01  ', 'Caja', 1, 0), "
-        "(8, '1.1', 'Disponibilidades', 1, 1)");
+        "Insert Into Cue Values (7, '1.1.01  ', 'Caja'), (8, '1.1', 'Disponibilidades'), "
+        "(9, '4.1', 'LIQUIDACIÓN de sueldos')");
+  }
+
+  // The first column of every row, as text.
+  std::string Column(const std::string& sql) {
+    std::string out;
+    for (auto rs = cn->OpenReadOnly(sql); !rs->Eof(); rs->MoveNext()) {
+      out += (out.empty() ? "" : "|") + DebugString(rs->Get(0));
+    }
+    return out;
   }
 };
 
-TEST_P(SuiteStatements, DirectRateGivesOneRowPerDirectionWithItsDate) {
-  auto rs = cn->OpenResultset(testing::DirectRateSql("'2005-08-02 00:00:00'", 2, 1, 3));
-  ASSERT_FALSE(rs->Eof());
-  EXPECT_EQ(rs->Get("CMoFecha"), Variant(Date{kAug1st2005}));
-  EXPECT_EQ(rs->Get("CMoCompra"), Variant(3.5));
-  rs->MoveNext();  // the duplicate quotation of 01/08 is cut by the first branch's limit
-  ASSERT_FALSE(rs->Eof());
-  EXPECT_EQ(rs->Get("CMoFecha"), Variant(Date{kAug1st2005 - 17}));
-  EXPECT_EQ(rs->Get("CMoCompra"), Variant(4.0));  // 1 / 0.25, inverted by the database
-  rs->MoveNext();
-  EXPECT_TRUE(rs->Eof());
-
-  EXPECT_TRUE(cn->OpenReadOnly(testing::DirectRateSql("'2005-08-02 00:00:00'", 5, 1, 3))->Eof());
+// The latest rate on or before a day in each direction, the inverse one divided by the database.
+TEST_P(DialectOnEngines, TopLimitsEachBranchOfAUnion) {
+  const auto branch = [](int a, int b, const char* value) {
+    return std::string("Select Top 1 ") + value + " From Cot Where Fecha In (Select Max(Fecha) " +
+           "From Cot Where Fecha <= '2005-08-02 00:00:00' And Mon = " + std::to_string(a) +
+           " And En = " + std::to_string(b) + ") And Mon = " + std::to_string(a) +
+           " And En = " + std::to_string(b);
+  };
+  auto rs = cn->OpenResultset(branch(2, 1, "Compra") + " Union All " + branch(1, 2, "1/Compra"));
+  std::string seen;
+  for (; !rs->Eof(); rs->MoveNext()) seen += DebugString(rs->Get(0)) + " ";
+  EXPECT_EQ(seen,
+            "Double(3.5) Double(4) ");  // the duplicate of 01/08 is cut by the first branch's limit
 }
 
-TEST_P(SuiteStatements, CurrencyLookUpConcatenatesNameAndSymbol) {
-  auto rs = cn->OpenReadOnly(
-      "Select MonID, RTrim(MonSimbolo), MonNombre + ' (' + RTrim(MonSimbolo) + ')' From "
-      "genMonedas Where MonTipo = 1 And (MonID  = 'abc121ptokiv121cba' or MonSimbolo  = 'U$S') "
-      "Order by MonNombre");
-  ASSERT_FALSE(rs->Eof());
-  EXPECT_EQ(rs->Get(0), Variant(int32_t{2}));
-  EXPECT_EQ(rs->Get(1), Variant("U$S"));
-  EXPECT_EQ(rs->Get(2), Variant("Dólar (U$S)"));
-  rs->MoveNext();
-  EXPECT_TRUE(rs->Eof());
+TEST_P(DialectOnEngines, PlusNextToATextConcatenatesAndLikeIgnoresCase) {
+  EXPECT_EQ(Column("Select RTrim(Codigo) + ' ' + Nombre + ' (' + RTrim(Codigo) + ')' From Cue "
+                   "Where ID = 7"),
+            "String(\"1.1.01 Caja (1.1.01)\")");
+  EXPECT_EQ(Column("Select ID + 1 From Cue Where RTrim(Codigo) + ' ' + Nombre = '1.1.01 Caja'"),
+            "Long(8)");
+  EXPECT_EQ(Column("Select ID From Cue Where Nombre Like '%liquidación%SUELDOS' Or Nombre Like "
+                   "'disp%' Order By ID"),
+            "Long(8)|Long(9)");
 }
 
-TEST_P(SuiteStatements, AccountLookUpFindsByCodeAndName) {
+// The match-nothing text after a whole-number column, and a bare number in one branch of a union
+// where the other has a text column: loose typing that PostgreSQL needs rewritten.
+TEST_P(DialectOnEngines, MatchNothingAndMixedUnionColumnsRun) {
+  EXPECT_EQ(Column("Select ID From Cue Where (ID  = 'abc121ptokiv121cba' or Nombre = 'Caja')"),
+            "Long(7)");
+  EXPECT_EQ(Column("Select count(*) From Cue Where Not (ID = 'abc121ptokiv121cba')"), "Long(3)");
   auto rs = cn->OpenReadOnly(
-      "Select CueID, rTrim(CueCodigo) + ' ' + CueNombre, rTrim(CueCodigo) + ' ' + CueNombre "
-      "From cceCuentas Where CueIDEmpresa = 1 And (CueID  = 'abc121ptokiv121cba' or "
-      "rTrim(CueCodigo) + ' ' + CueNombre  = '1.1.01 Caja') And CueEsCarpeta = 0 Order by "
-      "CueNombre");
+      "Select 1, Codigo, rTrim(Nombre) From Cue Where ID = 7 Union All "
+      "Select 2, 0, Nombre From Cue Where ID = 8 Order By 1");
   ASSERT_FALSE(rs->Eof());
-  EXPECT_EQ(rs->Get(0), Variant(int32_t{7}));
-  EXPECT_EQ(rs->Get(2), Variant("1.1.01 Caja"));
-}
-
-TEST_P(SuiteStatements, LikeIgnoresCaseOfAsciiAndAccentedLetters) {
-  cn->Execute("Create Table genMovimientosFrecuentes (MFrID INTEGER, MFrNombre TEXT)");
-  cn->Execute(
-      "Insert Into genMovimientosFrecuentes Values (1, 'Cierre de MES'), (2, 'Otro'), "
-      "(3, 'LIQUIDACIÓN de sueldos')");
-  auto rs = cn->OpenReadOnly(
-      "Select MFrID, MFrNombre  From genMovimientosFrecuentes Where MFrNombre Like "
-      "'%cierre%mes%' And MFrID <> 0");
-  ASSERT_FALSE(rs->Eof());
-  EXPECT_EQ(rs->Get("MFrID"), Variant(int32_t{1}));
-  rs->MoveNext();
-  EXPECT_TRUE(rs->Eof());
-  auto accented = cn->OpenReadOnly(
-      "Select MFrID From genMovimientosFrecuentes Where MFrNombre Like '%liquidación%'");
-  ASSERT_FALSE(accented->Eof());
-  EXPECT_EQ(accented->Get(0), Variant(int32_t{3}));
-}
-
-// The match-nothing value after a whole-number column, and a bare number in one branch of a
-// UNION where another has a text column: loose typing PostgreSQL needs rewritten.
-TEST_P(SuiteStatements, MatchNothingAndMixedUnionColumnsRun) {
-  auto none = cn->OpenReadOnly(
-      "Select CueID From cceCuentas Where (CueID  = 'abc121ptokiv121cba' or CueNombre  = "
-      "'abc121ptokiv121cba')");
-  EXPECT_TRUE(none->Eof());
-  auto negated =
-      cn->OpenReadOnly("Select count(*) From cceCuentas Where Not (CueID = 'abc121ptokiv121cba')");
-  EXPECT_EQ(negated->Get(0), Variant(int32_t{2}));
-  cn->Execute("Create Table cceProyectos (ProCodigo INTEGER, ProAbreviacion VARCHAR(20))");
-  cn->Execute("Insert Into cceProyectos Values (1, 'ROS')");
-  auto rs = cn->OpenReadOnly(
-      "Select 1, CueCodigo, rTrim(CueNombre) From cceCuentas Where CueID = 7 Union All "
-      "Select 2, 0, ProAbreviacion From cceProyectos Where ProCodigo = 1 Order By 1");
-  ASSERT_FALSE(rs->Eof());
-  EXPECT_EQ(rs->Get(0), Variant(int32_t{1}));
   EXPECT_EQ(rs->Get(2), Variant("Caja"));
   rs->MoveNext();
   ASSERT_FALSE(rs->Eof());
-  EXPECT_EQ(rs->Get(0), Variant(int32_t{2}));
-  EXPECT_EQ(rs->Get(2), Variant("ROS"));
+  EXPECT_EQ(rs->Get(2), Variant("Disponibilidades"));
   // The number reads back as the text column's type on PostgreSQL, as a number on SQLite.
   EXPECT_EQ(rs->Get(1), postgres() ? Variant("0") : Variant(int32_t{0}));
 }
 
-KMF_INSTANTIATE_ENGINES(SuiteStatements);
+KMF_INSTANTIATE_ENGINES(DialectOnEngines);
 
 }  // namespace
 }  // namespace kivmovfrec

@@ -1,8 +1,10 @@
 // Read-only statements and transactions, on every engine.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "kivmovfrec/db.h"
 #include "support/db_engines.h"
@@ -44,6 +46,8 @@ const char* const kWriters[] = {
     "Select RecID Into Copia From genRecurrencias",
 };
 
+// Outside a transaction, and inside one, where the refusal leaves the transaction and what it
+// wrote alone.
 TEST_P(Transactions, ReadOnlyRefusesEveryStatementThatCouldWrite) {
   for (const char* sql : kWriters) {
     EXPECT_THROW(cn->OpenReadOnly(sql), DbError) << sql;
@@ -52,12 +56,7 @@ TEST_P(Transactions, ReadOnlyRefusesEveryStatementThatCouldWrite) {
   EXPECT_EQ(Count(*cn), 1);
   auto rs = cn->OpenResultset("Select RecFrecuencia From genRecurrencias Where RecID = 1");
   EXPECT_EQ(rs->Get(0), Variant("000007"));
-  EXPECT_FALSE(TableExists("Otra"));
-  EXPECT_FALSE(TableExists("Copia"));
-}
 
-// Inside a transaction the refusal leaves the transaction and what it wrote alone.
-TEST_P(Transactions, ReadOnlyInsideATransactionKeepsTheTransaction) {
   cn->BeginTrans();
   cn->Execute("Insert Into genRecurrencias Values (2, '000001')");
   for (const char* sql : kWriters) {
@@ -70,6 +69,7 @@ TEST_P(Transactions, ReadOnlyInsideATransactionKeepsTheTransaction) {
   cn->CommitTrans();
   EXPECT_EQ(Count(*OpenAnother()), 3);
   EXPECT_FALSE(TableExists("Otra"));
+  EXPECT_FALSE(TableExists("Copia"));
 }
 
 TEST_P(Transactions, ReadOnlyRunsQueriesAndTheirSetsCannotWrite) {
@@ -132,6 +132,33 @@ TEST_P(Transactions, AFailedStatementInsideATransactionUndoesOnlyItself) {
   std::string seen;
   for (; !all->Eof(); all->MoveNext()) seen += std::to_string(all->Get(0).AsLong()) + " ";
   EXPECT_EQ(seen, "1 2 3 ");
+}
+
+// A second writer waits for the first instead of failing, then writes after it. SQLite makes it
+// wait for the database's write lock when its transaction begins, PostgreSQL for the row both
+// write.
+TEST_P(Transactions, ASecondWriterWaitsForTheFirstInsteadOfFailing) {
+  const char* increment = "Update genRecurrencias Set RecID = RecID + 1";
+  auto second = OpenAnother();
+  cn->BeginTrans();
+  cn->Execute(increment);
+  int seen = 0;
+  std::string failure;
+  std::thread writer([&] {
+    try {
+      second->BeginTrans();
+      second->Execute(increment);
+      seen = second->OpenResultset("Select RecID From genRecurrencias")->Get(0).AsLong();
+      second->CommitTrans();
+    } catch (const DbError& e) {
+      failure = e.what();
+    }
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  cn->CommitTrans();
+  writer.join();
+  EXPECT_EQ(failure, "");
+  EXPECT_EQ(seen, 3);  // counted after the first writer's increment
 }
 
 KMF_INSTANTIATE_ENGINES(Transactions);

@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <regex>
 #include <string>
 
 #include "install/demo_db.h"
@@ -19,31 +22,17 @@ namespace {
 
 using ::testing::HasSubstr;
 
+// Every table the installer creates, read from the SQLite schema it runs.
 const std::vector<std::string>& AllTables() {
-  static const std::vector<std::string> kTables = {"genParametros",
-                                                   "genContadores",
-                                                   "admUsuarios",
-                                                   "admDerechos",
-                                                   "cceEmpresas",
-                                                   "cceCuentas",
-                                                   "cceProyectos",
-                                                   "cceDepartamentos",
-                                                   "genLibros",
-                                                   "sisIconos",
-                                                   "genMonedas",
-                                                   "genTipoCotizacionMoneda",
-                                                   "genCotizacionesMoneda",
-                                                   "genEntes",
-                                                   "sisClasificacionComprobante",
-                                                   "cceTipoComprobante",
-                                                   "genRecurrencias",
-                                                   "genMovimientosFrecuentes",
-                                                   "genRenglonMovFrecuentes",
-                                                   "genAvisosUsuarios",
-                                                   "cceAsientos",
-                                                   "cceAsientoCuenta",
-                                                   "cceComprobantes",
-                                                   "cceComprobanteCuenta"};
+  static const std::vector<std::string> kTables = [] {
+    std::ifstream in(std::string(KMF_SOURCE_DIR) + "/schema/sqlite/schema.sql");
+    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::regex create(R"(CREATE TABLE IF NOT EXISTS (\w+))");
+    std::vector<std::string> names;
+    for (std::sregex_iterator it(text.begin(), text.end(), create), end; it != end; ++it)
+      names.push_back((*it)[1]);
+    return names;
+  }();
   return kTables;
 }
 
@@ -57,13 +46,16 @@ class Install : public EngineTest {};
 
 TEST_P(Install, CreatesEveryTableEmptyWithoutDemo) {
   InstallSchema(*cn);
+  ASSERT_GT(AllTables().size(), 20u);
   for (const auto& table : AllTables()) {
     SCOPED_TRACE(table);
     EXPECT_EQ(CountRows(*cn, "Select * From " + table), 0);
   }
 }
 
+// The demo also loads later into an installation without it; then nothing changes any more.
 TEST_P(Install, SecondRunChangesNothing) {
+  InstallSchema(*cn);
   InstallSchema(*cn, {.demo = true});
   const auto before = TakeSnapshot(*cn, AllTables());
   EXPECT_GT(before.at("genMovimientosFrecuentes").size(), 0u);
@@ -71,12 +63,6 @@ TEST_P(Install, SecondRunChangesNothing) {
   InstallSchema(*cn);
   EXPECT_EQ(TakeSnapshot(*cn, AllTables()), before);
   EXPECT_FALSE(cn->InTransaction());
-}
-
-TEST_P(Install, DemoLoadsLaterIntoAnEmptyInstallation) {
-  InstallSchema(*cn);
-  InstallSchema(*cn, {.demo = true});
-  EXPECT_EQ(CountRows(*cn, "Select EmpID From cceEmpresas"), 2);
 }
 
 TEST_P(Install, ExistingCompanyOneKeepsTheDemoOut) {
@@ -136,7 +122,7 @@ TEST_P(Install, RefusesAnOpenTransaction) {
 KMF_INSTANTIATE_ENGINES(Install);
 
 // Both engines end up with the same tables, columns and rows, value for value.
-TEST(InstallDemo, BothEnginesHoldTheSameDemo) {
+TEST(PgInstall, BothEnginesHoldTheSameDemo) {
   if (!PostgresUri()) GTEST_SKIP() << kPostgresSkipMessage;
   TestDatabase lite(Engine::SQLite), pg(Engine::PostgreSQL);
   auto a = lite.Open(), b = pg.Open();

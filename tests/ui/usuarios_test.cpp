@@ -35,6 +35,9 @@ TEST_P(SelectorUsuarios, OffersEnabledUsersByIdentificationTickingTheGivenCodes)
   const auto eleccion = Elegidos(filas);
   EXPECT_EQ(eleccion.codigos, "4, 2");
   EXPECT_EQ(eleccion.identificaciones, "cfernandez; jperez");
+
+  const auto nadie = Elegidos(CargarUsuarios(*cn, ""));
+  EXPECT_EQ(nadie.codigos + nadie.identificaciones, "");
 }
 
 TEST_P(SelectorUsuarios, NamesAreTrimmedAndNullsReadAsEmpty) {
@@ -46,12 +49,6 @@ TEST_P(SelectorUsuarios, NamesAreTrimmedAndNullsReadAsEmpty) {
   EXPECT_EQ(filas[0].identificacion, "aaa");
   EXPECT_EQ(filas[0].nombre, "Ana ");
   EXPECT_EQ(Elegidos(filas).identificaciones, "aaa");
-}
-
-TEST_P(SelectorUsuarios, NothingTickedGivesEmptyTexts) {
-  const auto eleccion = Elegidos(CargarUsuarios(*cn, ""));
-  EXPECT_EQ(eleccion.codigos, "");
-  EXPECT_EQ(eleccion.identificaciones, "");
 }
 
 KMF_INSTANTIATE_ENGINES(SelectorUsuarios);

@@ -23,35 +23,24 @@ TEST(TextoVinculos, ReadsPairsInTextOrderAndWritesThemBack) {
 }
 
 TEST(TextoVinculos, RefusesWhatWouldStoreAWrongGroupNamingThePair) {
-  struct Caso {
-    const char* texto;
-    const char* error;
+  const std::string prefijo = "Los vínculos no son válidos: el ";
+  const auto mal_formado = [&](const char* texto, int par) {
+    const auto r = LeerVinculos(texto);
+    EXPECT_EQ(r.error,
+              prefijo + "par " + std::to_string(par) + " no tiene la forma movimiento:orden.")
+        << texto;
+    EXPECT_TRUE(r.vinculos.empty()) << texto;
   };
-  const Caso casos[] = {
-      {"12:1|15", "Los vínculos no son válidos: el par 2 no tiene la forma movimiento:orden."},
-      {"12:1||7:3", "Los vínculos no son válidos: el par 2 no tiene la forma movimiento:orden."},
-      {"12:1|", "Los vínculos no son válidos: el par 2 no tiene la forma movimiento:orden."},
-      {"12:", "Los vínculos no son válidos: el par 1 no tiene la forma movimiento:orden."},
-      {":1", "Los vínculos no son válidos: el par 1 no tiene la forma movimiento:orden."},
-      {"0:1", "Los vínculos no son válidos: el par 1 no tiene la forma movimiento:orden."},
-      {"12:0", "Los vínculos no son válidos: el par 1 no tiene la forma movimiento:orden."},
-      {"-12:1", "Los vínculos no son válidos: el par 1 no tiene la forma movimiento:orden."},
-      {"12:1:2", "Los vínculos no son válidos: el par 1 no tiene la forma movimiento:orden."},
-      {"1 2:1", "Los vínculos no son válidos: el par 1 no tiene la forma movimiento:orden."},
-      {"12:1,5", "Los vínculos no son válidos: el par 1 no tiene la forma movimiento:orden."},
-      {"2147483648:1", "Los vínculos no son válidos: el par 1 no tiene la forma movimiento:orden."},
-      {"12:1;Delete From x",
-       "Los vínculos no son válidos: el par 1 no tiene la forma movimiento:orden."},
-      // MFrMVOrden is a byte: 256 would be stored as something else.
-      {"12:1|7:256", "Los vínculos no son válidos: el orden del par 2 debe estar entre 1 y 255."},
-      {"12:1|7:2|12:3",
-       "Los vínculos no son válidos: el movimiento del par 3 figura más de una vez."},
-  };
-  for (const Caso& c : casos) {
-    const auto r = LeerVinculos(c.texto);
-    EXPECT_EQ(r.error, c.error) << c.texto;
-    EXPECT_TRUE(r.vinculos.empty()) << c.texto;
+  for (const char* texto : {"12:1|15", "12:1||7:3", "12:1|"}) mal_formado(texto, 2);
+  for (const char* texto : {"12:", ":1", "0:1", "12:0", "-12:1", "12:1:2", "1 2:1", "12:1,5",
+                            "2147483648:1", "12:1;Delete From x"}) {
+    mal_formado(texto, 1);
   }
+  // MFrMVOrden is a byte: 256 would be stored as something else.
+  EXPECT_EQ(LeerVinculos("12:1|7:256").error,
+            prefijo + "orden del par 2 debe estar entre 1 y 255.");
+  EXPECT_EQ(LeerVinculos("12:1|7:2|12:3").error,
+            prefijo + "movimiento del par 3 figura más de una vez.");
   const auto limite = LeerVinculos("2147483647:255");
   ASSERT_TRUE(limite.ok()) << limite.error;
   EXPECT_EQ(limite.vinculos, (std::vector<Vinculo>{{2147483647, 255}}));
