@@ -20,7 +20,7 @@
 #include "platform/vb/dates.h"
 #include "platform/vb/format.h"
 #include "support/child_processes.h"
-#include "support/faulty_connection.h"
+#include "support/forwarding_connection.h"
 
 namespace kivmovfrec::testing {
 namespace {
@@ -176,10 +176,9 @@ std::shared_ptr<Connection> Impaciente(const TestDatabase& db) {
 }
 
 // Counts the transactions begun through it.
-struct ContadoraDeTransacciones : FaultyConnection {
-  explicit ContadoraDeTransacciones(std::shared_ptr<Connection> real)
-      : FaultyConnection(std::move(real), 0) {}
-  void BeginTrans() override { ++iniciadas, FaultyConnection::BeginTrans(); }
+struct ContadoraDeTransacciones : ForwardingConnection {
+  using ForwardingConnection::ForwardingConnection;
+  void BeginTrans() override { ++iniciadas, inner_->BeginTrans(); }
   int iniciadas = 0;
 };
 
