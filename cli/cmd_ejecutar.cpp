@@ -1,10 +1,18 @@
 // movfrec ejecutar [--hasta F]: the main job. Every scheduled entry and voucher of the company
 // due on or before F (default today), missed occurrences included, becomes a posted document and
-// its schedule advances; see api/ejecucion.h for the rules. Prints one line per occurrence and a
-// summary; exit status 1 when any occurrence could not be executed (it stays due for the next
-// run, nothing of it written).
+// its schedule advances; see api/ejecucion.h for the rules.
+//
+// Each occurrence's line is written and flushed as soon as it finishes, so a run that is killed
+// leaves the log of what it did (with --json the array is written element by element). On a
+// terminal, stderr also shows the progress "n/N" on one line that is rewritten; it never enters
+// the output. A run that stops because the database cannot be used says so once on stderr.
+// Exit status 1 when an occurrence could not be executed (it stays due, nothing of it written)
+// or the run stopped; an occurrence another run had already done is not a failure.
+#include <unistd.h>
+
+#include <iostream>
+#include <map>
 #include <memory>
-#include <optional>
 #include <ostream>
 #include <string>
 
@@ -22,6 +30,7 @@ namespace kivmovfrec::cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
+using api::EstadoOcurrencia;
 
 std::string Importe(double v) {
   return vb::Format(Variant(v), "#,##0.00");
@@ -37,28 +46,87 @@ std::string Documentos(const api::OcurrenciaEjecutada& o) {
     if (!out.empty()) out += "; ";
     const std::string origen =
         d.movimiento == o.movimiento ? "" : fmt::format(" del movimiento {}", d.movimiento);
-    out += d.id == 0 ? fmt::format("sin importes{}: nada que asentar", origen)
-                     : fmt::format("{} {}{} por {}", Clase(d.tipo), d.id, origen, Importe(d.total));
+    if (o.estado == EstadoOcurrencia::YaGenerada) {
+      out += fmt::format("{} {}{}", Clase(d.tipo), d.id, origen);
+    } else {
+      out += d.id == 0
+                 ? fmt::format("sin importes{}: nada que asentar", origen)
+                 : fmt::format("{} {}{} por {}", Clase(d.tipo), d.id, origen, Importe(d.total));
+    }
   }
   return out;
 }
 
+std::string Resultado(const api::OcurrenciaEjecutada& o) {
+  switch (o.estado) {
+    case EstadoOcurrencia::Ejecutada:
+      return Documentos(o) + (o.terminada ? " (última ocurrencia)" : "");
+    case EstadoOcurrencia::YaGenerada:
+      return "ya generado: " + Documentos(o) + "; la agenda avanza" +
+             (o.terminada ? " (última ocurrencia)" : "");
+    case EstadoOcurrencia::HechaEnOtraParte:
+      return "hecho en otra ejecución: " + o.detalle;
+    case EstadoOcurrencia::Fallida:
+      break;
+  }
+  return "no ejecutado: " + o.error;
+}
+
+const char* EstadoTexto(EstadoOcurrencia e) {
+  switch (e) {
+    case EstadoOcurrencia::Ejecutada:
+      return "ejecutada";
+    case EstadoOcurrencia::YaGenerada:
+      return "ya generada";
+    case EstadoOcurrencia::HechaEnOtraParte:
+      return "hecha en otra ejecución";
+    case EstadoOcurrencia::Fallida:
+      break;
+  }
+  return "fallida";
+}
+
 Json ComoJson(const api::OcurrenciaEjecutada& o) {
   Json docs = Json::array();
+  const bool hallados = o.estado == EstadoOcurrencia::YaGenerada;
   for (const api::DocumentoGenerado& d : o.documentos) {
     docs.push_back({{"Movimiento", d.movimiento},
                     {"Tipo", d.tipo},
                     {"Documento", d.id == 0 ? Json(nullptr) : Json(d.id)},
-                    {"Total", d.total}});
+                    {"Total", hallados ? Json(nullptr) : Json(d.total)}});
   }
   return {{"ID", o.movimiento},
           {"Nombre", o.nombre},
           {"Fecha", FechaTexto(o.fecha)},
+          {"Estado", EstadoTexto(o.estado)},
           {"Ejecutada", o.ok()},
           {"UltimaOcurrencia", o.terminada},
           {"Documentos", std::move(docs)},
+          {"Detalle", o.detalle.empty() ? Json(nullptr) : Json(o.detalle)},
           {"Error", o.ok() ? Json(nullptr) : Json(o.error)}};
 }
+
+// The progress line, on a terminal only: rewritten in place, cleared at the end.
+class Progreso {
+ public:
+  explicit Progreso(Context& ctx) : err_(ctx.err()) {
+    activo_ = &ctx.err() == &std::cerr && ::isatty(STDERR_FILENO) == 1;
+  }
+  void Mostrar(const api::ProgresoEjecucion& p) {
+    if (!activo_) return;
+    err_ << "\r" << p.terminadas << "/" << p.conocidas << std::flush;
+    mostrado_ = true;
+  }
+  void Borrar() {
+    if (mostrado_) err_ << "\r\033[K" << std::flush;
+    mostrado_ = false;
+  }
+
+ private:
+  std::ostream& err_;
+  bool activo_ = false;
+  bool mostrado_ = false;
+};
 
 Action Setup(CLI::App& app) {
   auto hasta = std::make_shared<std::string>();
@@ -69,28 +137,43 @@ Action Setup(CLI::App& app) {
   return [hasta](Context& ctx) {
     const Date limite = hasta->empty() ? ctx.services().clock->Today() : ParseFecha(*hasta).value();
     auto fachada = AbrirFachada(ctx);
-    const auto hechas =
-        api::EjecutarVencidos(*fachada, *ctx.connection(), ctx.options().empresa, limite);
-    int fallidas = 0, documentos = 0;
-    for (const auto& o : hechas) {
-      if (!o.ok()) ++fallidas;
-      for (const auto& d : o.documentos) documentos += d.id != 0;
-    }
-    if (ctx.json()) {
-      Json lista = Json::array();
-      for (const auto& o : hechas) lista.push_back(ComoJson(o));
-      ctx.PrintJson(lista);
-    } else {
-      for (const auto& o : hechas) {
-        ctx.out() << FechaTexto(o.fecha) << "  " << o.movimiento << " " << o.nombre << ": "
-                  << (o.ok() ? Documentos(o) : "no ejecutado: " + o.error)
-                  << (o.ok() && o.terminada ? " (última ocurrencia)" : "") << "\n";
+    Progreso progreso(ctx);
+    std::map<EstadoOcurrencia, size_t> por_estado;
+    int documentos = 0;
+    if (ctx.json()) ctx.out() << "[" << std::flush;
+    const auto al_terminar = [&](const api::OcurrenciaEjecutada& o,
+                                 const api::ProgresoEjecucion& p) {
+      ++por_estado[o.estado];
+      if (o.estado == EstadoOcurrencia::Ejecutada) {
+        for (const auto& d : o.documentos) documentos += d.id != 0;
       }
+      progreso.Borrar();
+      if (ctx.json()) {
+        ctx.out() << (p.terminadas > 1 ? ",\n" : "\n")
+                  << ComoJson(o).dump(2, ' ', false, Json::error_handler_t::replace);
+      } else {
+        ctx.out() << FechaTexto(o.fecha) << "  " << o.movimiento << " " << o.nombre << ": "
+                  << Resultado(o) << "\n";
+      }
+      ctx.out().flush();
+      progreso.Mostrar(p);
+    };
+    const api::ResultadoEjecucion r = api::EjecutarVencidos(
+        *fachada, *ctx.connection(), ctx.options().empresa, limite, al_terminar);
+    progreso.Borrar();
+    if (ctx.json()) {
+      ctx.out() << (r.ocurrencias.empty() ? "]\n" : "\n]\n");
+    } else {
       ctx.out() << fmt::format(
-          "{} ocurrencias ejecutadas hasta el {}, {} documentos, {} con error.\n",
-          hechas.size() - fallidas, FechaTexto(limite), documentos, fallidas);
+          "{} ocurrencias hasta el {}: {} ejecutadas, {} ya generadas, {} hechas en otra "
+          "ejecución, {} con error; {} documentos.\n",
+          r.ocurrencias.size(), FechaTexto(limite), por_estado[EstadoOcurrencia::Ejecutada],
+          por_estado[EstadoOcurrencia::YaGenerada], por_estado[EstadoOcurrencia::HechaEnOtraParte],
+          por_estado[EstadoOcurrencia::Fallida], documentos);
     }
-    return fallidas == 0 ? kExitOk : kExitFailed;
+    ctx.out().flush();
+    if (!r.completa()) return Rechazo(ctx, "ejecutar", "se detuvo: " + r.detenida);
+    return por_estado[EstadoOcurrencia::Fallida] == 0 ? kExitOk : kExitFailed;
   };
 }
 

@@ -1,5 +1,6 @@
 // movfrec realizar ID: DarRealizadaFechaAgenda, then the schedule as it stands afterwards (and
-// that of the movements linked to ID, which the component advances with it).
+// that of the other members of the linked group ID heads, in execution order, which the
+// component processes with it).
 #include <memory>
 #include <ostream>
 #include <string>
@@ -8,12 +9,12 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include "api/grupo_vinculado.h"
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
 #include "movement_json.h"
 #include "output.h"
-#include "platform/vb/convert.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -42,15 +43,6 @@ std::string SituacionTexto(const clsMFTipo& mf) {
   if (r.FechaProxima().empty()) return "sin agenda, sin cambios";
   return fmt::format("próximo vencimiento {}, ocurrencia {}, estado 0 En proceso",
                      FechaTexto(Variant(r.FechaProxima())), r.NumOcurrencia());
-}
-
-std::vector<int32_t> Vinculados(Context& ctx, int32_t id) {
-  auto rs = ctx.connection()->OpenResultset(
-      "Select MFrID From genMovimientosFrecuentes Where MFrMovVinculado = " + std::to_string(id) +
-      " And MFrID <> " + std::to_string(id) + " Order By MFrMVOrden");
-  std::vector<int32_t> ids;
-  for (; !rs->Eof(); rs->MoveNext()) ids.push_back(vb::CLng(rs->Get(0)));
-  return ids;
 }
 
 Action Setup(CLI::App& app) {
@@ -82,8 +74,10 @@ Action Setup(CLI::App& app) {
     const auto despues = MovimientoGuardado(ctx, *id);
     if (!despues) return Rechazo(ctx, "realizar", NoExiste(*id));
     std::vector<clsMFTipo> grupo;
-    for (int32_t v : Vinculados(ctx, *id)) {
-      if (auto mf = MovimientoGuardado(ctx, v)) grupo.push_back(std::move(*mf));
+    const api::GrupoVinculado vinculados = api::GrupoEnOrden(*ctx.connection(), *id);
+    for (const api::MiembroGrupo& v : vinculados.miembros) {
+      if (vinculados.id != *id || v.id == *id) continue;
+      if (auto mf = MovimientoGuardado(ctx, v.id)) grupo.push_back(std::move(*mf));
     }
     if (ctx.json()) {
       Json r = Situacion(*despues);

@@ -151,7 +151,8 @@ class clsMovFrecuente {
   // - A notice (Tipo 3) also marks the other pending notices of its modality as seen
   //   (MFrVista = 2).
   // - Chain: when lIDMF heads a group of linked movements (other movements carry its ID in
-  //   MFrMovVinculado), the others are then processed in MFrMVOrden order by the same rules.
+  //   MFrMovVinculado), the others are then processed in execution order (MFrMVOrden, then
+  //   MFrID) by the same rules.
   //   A member with its own schedule advances (or ends) as above; a member without schedule
   //   has no occurrence of its own and is left unchanged; a member not pending (Estado ≠ 0) is
   //   skipped. Each movement is processed at most once per call.

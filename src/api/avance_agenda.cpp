@@ -50,11 +50,6 @@ std::string AvanceAgenda::SqlMarcarAvisosVistos(int32_t id, int16_t modalidad) {
          " And MFrEstado = 0 And MFrModalidad = " + std::to_string(modalidad);
 }
 
-std::string AvanceAgenda::SqlGrupoEnOrden(int32_t grupo, int32_t id) {
-  return "Select * from genMovimientosFrecuentes Where MFrMovVinculado = " + std::to_string(grupo) +
-         " And MFrID <> " + std::to_string(id) + " Order By MFrMVOrden";
-}
-
 ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
   if (!hechos_.insert(id).second) return ResultadoOcurrencia::NoAplica;
 
@@ -85,17 +80,6 @@ ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
     cn_.Execute(SqlMarcarAvisosVistos(id, mov.Modalidad()));
   }
   return siguiente.ended ? ResultadoOcurrencia::Terminada : ResultadoOcurrencia::Avanzada;
-}
-
-std::vector<int32_t> AvanceAgenda::MiembrosDelGrupo(int32_t id) {
-  clsRegMovimientoFrecuente mov;
-  if (!storage::CargarMovimiento(cn_, id, mov)) return {};
-  if (mov.MovVinculado() >= 1 && mov.MovVinculado() != id) return {};
-  std::vector<int32_t> miembros;
-  auto rs = cn_.OpenResultset(SqlGrupoEnOrden(id, id));
-  for (; !rs->Eof(); rs->MoveNext()) miembros.push_back(storage::ALong(rs->Get("MFrID")));
-  rs->Close();
-  return miembros;
 }
 
 }  // namespace kivmovfrec::api

@@ -26,7 +26,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/reg_recurrencia.h"
@@ -54,18 +53,11 @@ class AvanceAgenda {
   // processed by this object is not processed again (NoAplica).
   ResultadoOcurrencia Realizar(int32_t id);
 
-  // The other members of the group headed by `id`, in MFrMVOrden order: empty when `id` is
-  // linked to another movement (it does not head a group) or nobody is linked to it.
-  std::vector<int32_t> MiembrosDelGrupo(int32_t id);
-
   // "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = " + id
   static std::string SqlReservar(int32_t id);
   // "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> " + id +
   // " And MFrEstado = 0 And MFrModalidad = " + modalidad
   static std::string SqlMarcarAvisosVistos(int32_t id, int16_t modalidad);
-  // "Select * from genMovimientosFrecuentes Where MFrMovVinculado = " + grupo +
-  // " And MFrID <> " + id + " Order By MFrMVOrden"
-  static std::string SqlGrupoEnOrden(int32_t grupo, int32_t id);
 
  private:
   Connection& cn_;

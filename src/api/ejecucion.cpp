@@ -4,22 +4,35 @@
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "api/avance_agenda.h"
+#include "api/grupo_vinculado.h"
+#include "formula/funciones_fx.h"
 #include "formula/leyenda.h"
+#include "formula/monedas.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/mf_tipo.h"
 #include "platform/vb/convert.h"
+#include "platform/vb/format.h"
 #include "platform/vb/text.h"
 #include "schedule/date_calculator.h"
 #include "storage/columnas.h"
 #include "storage/contador.h"
+#include "storage/sql_texto.h"
+#include "storage/tabla_cuentas.h"
 
 namespace kivmovfrec::api {
 namespace {
 
 constexpr size_t kLargoLeyenda = 255;
+
+// A write on the movements table that touches no row: it waits only for a lock on the table or
+// on the whole database, never for a row another transaction holds.
+constexpr const char* kSqlTomarTabla =
+    "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where 1 = 0";
 
 int64_t Dia(Date d) {
   return static_cast<int64_t>(std::floor(d.serial));
@@ -29,62 +42,108 @@ Date SoloDia(Date d) {
   return Date{static_cast<double>(Dia(d))};
 }
 
-// An amount in cents, half away from zero (after the four decimals money is held with).
-int64_t Centavos(double importe) {
-  const int64_t unidades = Currency::FromDouble(importe).units;
-  const int64_t paso = Currency::kScale / 100;
-  return (unidades + (unidades < 0 ? -paso / 2 : paso / 2)) / paso;
+std::string FechaCorta(Date d) {
+  return vb::FormatDate(d, "dd/mm/yyyy");
 }
 
-double DeCentavos(int64_t c) {
-  return static_cast<double>(c) / 100.0;
+// Carries the reason the run stops out of an occurrence.
+struct Detencion {
+  std::string motivo;
+};
+
+// Failures after which no further occurrence could be run either.
+bool InutilizaLaBase(DbErrorKind kind) {
+  switch (kind) {
+    case DbErrorKind::Busy:
+    case DbErrorKind::Timeout:
+    case DbErrorKind::ConnectionLost:
+    case DbErrorKind::ReadOnly:
+    case DbErrorKind::MissingTable:
+      return true;
+    case DbErrorKind::Constraint:
+    case DbErrorKind::Other:
+      return false;
+  }
+  return false;
 }
 
-std::string Importe(int64_t c) {
-  return vb::CStr(Variant(Currency::FromUnits(c * (Currency::kScale / 100))));
+// ---- Money in a currency's minor units ------------------------------------------------------
+
+struct MonedaDocumento {
+  int decimales = 2;
+  std::string formato;  // MonRedondeo
+  std::string simbolo;
+};
+
+double Escala(int decimales) {
+  return std::pow(10.0, decimales);
+}
+
+// `importe` as a whole number of the currency's minor units, or nothing when it has more
+// decimals than the currency (allowing for the binary representation of a decimal amount).
+std::optional<int64_t> EnUnidades(double importe, const MonedaDocumento& m) {
+  const double x = importe * Escala(m.decimales);
+  if (!std::isfinite(x) || std::fabs(x) > 9e15) return std::nullopt;
+  const double n = std::nearbyint(x);
+  if (std::fabs(x - n) > 1e-6 + std::fabs(x) * 1e-15) return std::nullopt;
+  return static_cast<int64_t>(n);
+}
+
+double DeUnidades(int64_t unidades, const MonedaDocumento& m) {
+  return static_cast<double>(unidades) / Escala(m.decimales);
+}
+
+std::string Mostrar(int64_t unidades, const MonedaDocumento& m) {
+  return vb::Format(Variant(DeUnidades(unidades, m)), m.formato) + " " + m.simbolo;
+}
+
+// ---- What is due ----------------------------------------------------------------------------
+
+struct Vencimiento {
+  Date fecha;
+  int32_t id = 0;
+  std::string nombre;
+};
+
+// The pending scheduled entries and vouchers of `empresa` with their next due date.
+std::vector<Vencimiento> Vencimientos(Connection& cn, int32_t empresa) {
+  std::vector<Vencimiento> out;
+  auto rs = cn.OpenReadOnly(
+      "Select MFrID, MFrNombre, RecFechaProxima From genMovimientosFrecuentes, genRecurrencias "
+      "Where MFrRecurrencia = RecID And MFrEstado = 0 And MFrTipo In (1, 2, 4) And MFrEmpresa = " +
+      std::to_string(empresa) + " Order By MFrID");
+  for (; !rs->Eof(); rs->MoveNext()) {
+    const Variant fecha = rs->Get("RecFechaProxima");
+    if (storage::EsNulo(fecha) || !vb::IsDate(fecha)) continue;
+    out.push_back({vb::CDate(fecha), storage::ALong(rs->Get("MFrID")),
+                   storage::ATexto(rs->Get("MFrNombre"))});
+  }
+  return out;
 }
 
 Variant NuloSiCero(int32_t v) {
   return v == 0 ? Variant::Null() : Variant(v);
 }
 
-// The pending scheduled entries and vouchers of `empresa` with their next due date.
-std::vector<std::pair<Date, int32_t>> Vencimientos(Connection& cn, int32_t empresa) {
-  std::vector<std::pair<Date, int32_t>> out;
-  auto rs = cn.OpenReadOnly(
-      "Select MFrID, RecFechaProxima From genMovimientosFrecuentes, genRecurrencias "
-      "Where MFrRecurrencia = RecID And MFrEstado = 0 And MFrTipo In (1, 2, 4) And MFrEmpresa = " +
-      std::to_string(empresa) + " Order By MFrID");
-  for (; !rs->Eof(); rs->MoveNext()) {
-    const Variant fecha = rs->Get("RecFechaProxima");
-    if (storage::EsNulo(fecha) || !vb::IsDate(fecha)) continue;
-    out.emplace_back(vb::CDate(fecha), storage::ALong(rs->Get("MFrID")));
-  }
-  return out;
+bool EsAsientoOComprobante(int16_t tipo) {
+  return tipo == 1 || tipo == 2 || tipo == 4;
 }
 
-// The ids to run for an occurrence of `mov`: its linked group in execution order, or itself.
-std::vector<int32_t> Miembros(Connection& cn, const clsRegMovimientoFrecuente& mov) {
-  if (mov.MovVinculado() < 1) return {mov.ID()};
-  std::vector<int32_t> ids;
-  auto rs =
-      cn.OpenResultset("Select MFrID From genMovimientosFrecuentes Where MFrMovVinculado = " +
-                       std::to_string(mov.MovVinculado()) +
-                       " And MFrEstado = 0 And MFrTipo In (1, 2, 4) Order By MFrMVOrden, MFrID");
-  for (; !rs->Eof(); rs->MoveNext()) ids.push_back(storage::ALong(rs->Get("MFrID")));
-  return ids;
+std::string Quien(int32_t id, const std::string& nombre) {
+  return "movimiento " + std::to_string(id) + " (" + nombre + ")";
 }
 
 struct Linea {
   const clsRegRenglonMF* renglon;
   bool al_debe;
-  int64_t centavos;      // in the movement's currency, positive
-  int64_t centavos_cta;  // in the account's currency, positive
+  double importe;      // in the movement's currency, positive
+  double importe_cta;  // in the account's currency, positive
 };
 
 class Ejecutor {
  public:
-  Ejecutor(clsMovFrecuente& mf, Connection& cn, int32_t empresa) : mf_(mf), cn_(cn) {
+  Ejecutor(clsMovFrecuente& mf, Connection& cn, int32_t empresa)
+      : mf_(mf), cn_(cn), monedas_(mf.Servicios().clock) {
     const SuiteServices& sv = mf.Servicios();
     dbf_ = sv.db.get();
     reloj_ = sv.clock.get();
@@ -97,30 +156,48 @@ class Ejecutor {
     }
     clsEmpresa contexto;
     if (contexto.Load(empresa, cn)) moneda_contable_ = contexto.MonedaContabilidad();
+    // The currencies as the formula evaluator rounds with them (0 = the accounting currency).
+    monedas_.Connect(std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn));
+    monedas_.MonedaContabilidad(moneda_contable_);
+    monedas_.Load();
   }
 
-  // Runs one occurrence of `id` due on `fecha` in its own transaction.
-  OcurrenciaEjecutada Ocurrencia(int32_t id, Date fecha) {
+  // Runs one occurrence in its own transaction. Throws Detencion when the database cannot be
+  // used any more.
+  OcurrenciaEjecutada Ocurrencia(const Vencimiento& v) {
     OcurrenciaEjecutada r;
-    r.movimiento = id;
-    r.fecha = fecha;
-    bool iniciada = false;
+    r.movimiento = v.id;
+    r.nombre = v.nombre;
+    r.fecha = v.fecha;
+    bool fila = false;  // the failure, if any, came from claiming the movement's row
     try {
       cn_.BeginTrans();
-      iniciada = true;
-      cn_.Execute(AvanceAgenda::SqlReservar(id));
+      cn_.Execute(kSqlTomarTabla);
+      fila = true;
+      cn_.Execute(AvanceAgenda::SqlReservar(v.id));
+      fila = false;
       clsMFTipo mov;
-      if (!mov.Load(cn_, id) || mov.MovFrecuente()->Estado() != 0 || mov.Recurrencia()->ID() == 0 ||
-          !vb::IsDate(Variant(mov.Recurrencia()->FechaProxima())) ||
-          Dia(vb::CDate(Variant(mov.Recurrencia()->FechaProxima()))) != Dia(fecha)) {
-        throw std::runtime_error("ya fue ejecutado o cambió su agenda");
+      const bool existe = mov.Load(cn_, v.id);
+      if (existe) r.nombre = mov.MovFrecuente()->Nombre();
+      r.detalle = Cambio(existe, mov, v.fecha, r.proxima);
+      if (!r.detalle.empty()) {
+        Deshacer();
+        r.estado = EstadoOcurrencia::HechaEnOtraParte;
+        return r;
       }
-      r.nombre = mov.MovFrecuente()->Nombre();
-      for (int32_t miembro : Miembros(cn_, *mov.MovFrecuente())) {
-        r.documentos.push_back(Documento(miembro, miembro == id, fecha));
+      const std::vector<MiembroGrupo> grupo = GrupoEnOrden(cn_, v.id).miembros;
+      r.documentos = Generados(grupo, v.fecha);
+      r.estado = EstadoOcurrencia::YaGenerada;
+      if (r.documentos.empty()) {
+        r.estado = EstadoOcurrencia::Ejecutada;
+        for (const MiembroGrupo& m : grupo) {
+          if (m.id == v.id || (m.estado == 0 && EsAsientoOComprobante(m.tipo))) {
+            r.documentos.push_back(Documento(m, m.id == v.id, v.fecha));
+          }
+        }
       }
       AvanceAgenda avance(cn_, *dbf_, *calendario_);
-      const ResultadoOcurrencia hecho = avance.Realizar(id);
+      const ResultadoOcurrencia hecho = avance.Realizar(v.id);
       if (hecho == ResultadoOcurrencia::NoAplica) {
         throw std::runtime_error("no se pudo avanzar su agenda");
       }
@@ -128,64 +205,172 @@ class Ejecutor {
       // The next due date is read before the commit: once committed, the occurrence is
       // reported whatever happens afterwards.
       clsMFTipo despues;
-      if (!r.terminada && despues.Load(cn_, id) &&
+      if (!r.terminada && despues.Load(cn_, v.id) &&
           vb::IsDate(Variant(despues.Recurrencia()->FechaProxima()))) {
         r.proxima = vb::CDate(Variant(despues.Recurrencia()->FechaProxima()));
       }
       cn_.CommitTrans();
-    } catch (const std::exception& e) {
-      if (iniciada && cn_.InTransaction()) {
-        try {
-          cn_.RollbackTrans();
-        } catch (const std::exception&) {
-          // The connection is gone; nothing was committed.
-        }
+    } catch (const DbError& e) {
+      Deshacer();
+      const bool fila_tomada = fila && e.kind() == DbErrorKind::Busy;
+      if (!fila_tomada && InutilizaLaBase(e.kind())) {
+        throw Detencion{"la base de datos no se puede usar (" + DescribirErrorBase(e) +
+                        "); lo que falta queda vencido para la próxima ejecución"};
       }
-      r.error = e.what();
-      r.documentos.clear();
+      Fallar(r, fila_tomada ? "otra transacción tiene tomado el movimiento; queda vencido (" +
+                                  DescribirErrorBase(e) + ")"
+                            : DescribirErrorBase(e));
+    } catch (const std::exception& e) {
+      Deshacer();
+      Fallar(r, e.what());
     }
     return r;
   }
 
  private:
-  // Computes member `id` as of `fecha` and writes its document.
-  DocumentoGenerado Documento(int32_t id, bool agendado, Date fecha) {
+  void Deshacer() {
+    if (!cn_.InTransaction()) return;
+    try {
+      cn_.RollbackTrans();
+    } catch (const std::exception&) {
+      // The connection is gone; nothing was committed.
+    }
+  }
+
+  static void Fallar(OcurrenciaEjecutada& r, std::string error) {
+    r.estado = EstadoOcurrencia::Fallida;
+    r.error = std::move(error);
+    r.documentos.clear();
+    r.terminada = false;
+    r.proxima = Date{};
+  }
+
+  // What became of the occurrence due on `fecha` when another run or a user got there first;
+  // "" when it is still due that day. `proxima`: the due date the schedule holds now, when the
+  // movement is still pending with one.
+  static std::string Cambio(bool existe, const clsMFTipo& mov, Date fecha, Date& proxima) {
+    if (!existe) return "el movimiento ya no existe";
+    const int16_t estado = mov.MovFrecuente()->Estado();
+    if (estado == ToInt(enuEstadoMF::Realizado)) {
+      return "otra ejecución ya la hizo: el movimiento quedó realizado";
+    }
+    if (estado != 0)
+      return "el movimiento ya no está en proceso (estado " + std::to_string(estado) + ")";
+    const std::string& texto = mov.Recurrencia()->FechaProxima();
+    if (mov.Recurrencia()->ID() == 0 || !vb::IsDate(Variant(texto))) {
+      return "el movimiento ya no está agendado";
+    }
+    const Date ahora = vb::CDate(Variant(texto));
+    if (Dia(ahora) == Dia(fecha)) return "";
+    proxima = ahora;
+    return Dia(ahora) > Dia(fecha)
+               ? "otra ejecución ya la hizo: ahora vence el " + FechaCorta(ahora)
+               : "su agenda cambió: ahora vence el " + FechaCorta(ahora);
+  }
+
+  // The documents of the group's members dated on the day of `fecha`, in execution order.
+  std::vector<DocumentoGenerado> Generados(const std::vector<MiembroGrupo>& grupo, Date fecha) {
+    std::string ids;
+    for (const MiembroGrupo& m : grupo) ids += (ids.empty() ? "" : ", ") + std::to_string(m.id);
+    const std::string dia = " >= " + storage::FechaSQL(SoloDia(fecha)) + " And ";
+    const std::string siguiente = " < " + storage::FechaSQL(Date{SoloDia(fecha).serial + 1});
+    std::multimap<int32_t, int32_t> asientos, comprobantes;  // movement -> document
+    for (auto rs = cn_.OpenResultset(
+             "Select AsiID, AsiMovFrecuente From cceAsientos Where AsiMovFrecuente In (" + ids +
+             ") And AsiFecha" + dia + "AsiFecha" + siguiente + " Order By AsiID");
+         !rs->Eof(); rs->MoveNext()) {
+      asientos.emplace(storage::ALong(rs->Get(1)), storage::ALong(rs->Get(0)));
+    }
+    for (auto rs = cn_.OpenResultset(
+             "Select ComID, ComMovFrecuente From cceComprobantes Where ComMovFrecuente In (" + ids +
+             ") And ComFecha" + dia + "ComFecha" + siguiente + " Order By ComID");
+         !rs->Eof(); rs->MoveNext()) {
+      comprobantes.emplace(storage::ALong(rs->Get(1)), storage::ALong(rs->Get(0)));
+    }
+    std::vector<DocumentoGenerado> out;
+    for (const MiembroGrupo& m : grupo) {
+      for (auto [a, b] = asientos.equal_range(m.id); a != b; ++a) {
+        out.push_back({m.id, static_cast<int16_t>(m.tipo == 4 ? 4 : 1), a->second, 0});
+      }
+      for (auto [a, b] = comprobantes.equal_range(m.id); a != b; ++a) {
+        out.push_back({m.id, 2, a->second, 0});
+      }
+    }
+    return out;
+  }
+
+  // How amounts of currency `id` (0 = the accounting currency) are rounded, as the formula
+  // evaluator rounds them.
+  MonedaDocumento Moneda(int16_t id) {
+    const formula::MonedaFx* m = monedas_.Moneda(id);
+    const formula::MonedaFx datos = m != nullptr ? *m : formula::MonedaFx{};
+    return {formula::DecimalesFormato(datos.formato_importe), datos.formato_importe,
+            m != nullptr ? datos.simbolo : "moneda " + std::to_string(id)};
+  }
+
+  // Computes member `m` as of `fecha` and writes its document.
+  DocumentoGenerado Documento(const MiembroGrupo& m, bool agendado, Date fecha) {
+    const std::string quien = Quien(m.id, m.nombre);
     mf_.CleanEstructura();
     // A member without a schedule of its own is computed as of the group's due date.
     if (!agendado) {
       mf_.EstructuraMovFrec()->Recurrencia()->FechaProxima(vb::CStr(Variant(SoloDia(fecha))));
     }
-    if (!mf_.SetCalculoFormulasMF(id, false)) {
+    if (!mf_.SetCalculoFormulasMF(m.id, false)) {
       const std::string& error = mf_.UltimaTrazaFx().error;
-      throw std::runtime_error("movimiento " + std::to_string(id) + ": " +
-                               (error.empty() ? "fórmula sin resultado" : error));
+      throw std::runtime_error(quien + ": " + (error.empty() ? "fórmula sin resultado" : error));
+    }
+    const TrazaCalculoFx& traza = mf_.UltimaTrazaFx();
+    if (Dia(traza.fecha) != Dia(fecha)) {
+      throw std::runtime_error(quien + ": se calculó para otra fecha");
+    }
+    for (const TrazaLineaFx& t : traza.lineas) {
+      if (t.reintento_tras_error.empty()) continue;
+      throw std::runtime_error(
+          quien + ": la línea " + std::to_string(t.indice) + " (cuenta " +
+          std::to_string(t.cuenta) +
+          ") solo tiene valor porque su expresión se evaluó de nuevo leyendo cada \",\" como "
+          "\".\" después de un error (" +
+          t.reintento_tras_error + "); revise la fórmula antes de ejecutarlo");
     }
     const clsMFTipo& mov = *mf_.EstructuraMovFrec();
     const clsRegMovimientoFrecuente& cab = *mov.MovFrecuente();
-    if (Dia(mf_.UltimaTrazaFx().fecha) != Dia(fecha)) {
-      throw std::runtime_error("movimiento " + std::to_string(id) + ": se calculó para otra fecha");
-    }
     DocumentoGenerado doc;
-    doc.movimiento = id;
+    doc.movimiento = m.id;
     doc.tipo = static_cast<int16_t>(ToInt(cab.Tipo()));
 
+    const MonedaDocumento moneda = Moneda(cab.Moneda());
+    const auto no_se_expresa = [&](int16_t i, double importe, const MonedaDocumento& en) {
+      return std::runtime_error(quien + ": el importe " + vb::CStr(Variant(importe)) +
+                                " de la línea " + std::to_string(i) + " no se expresa con " +
+                                std::to_string(en.decimales) + " decimales, los de " + en.simbolo);
+    };
     std::vector<Linea> lineas;
     int64_t debe = 0, haber = 0;
     const clsRenglonesMF& renglones = *mov.Renglones();
     for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
       const clsRegRenglonMF& r = *renglones.Renglon(i);
-      const int64_t c = Centavos(r.ImporteMF());
-      if (c == 0) continue;
+      const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
+      if (!u) throw no_se_expresa(i, r.ImporteMF(), moneda);
+      if (*u == 0) continue;
+      if (auto problema = storage::ProblemaCuentaRenglon(cn_, cab.Empresa(), r.Cuenta())) {
+        throw std::runtime_error(quien + ": línea " + std::to_string(i) + ": " + *problema);
+      }
+      const MonedaDocumento de_cuenta = Moneda(r.Moneda());
+      const std::optional<int64_t> u_cta = EnUnidades(r.ImporteCta(), de_cuenta);
+      if (!u_cta) throw no_se_expresa(i, r.ImporteCta(), de_cuenta);
       // A negative amount belongs on the other side.
-      const bool al_debe = (c > 0) == r.AlDebe();
-      lineas.push_back({&r, al_debe, std::llabs(c), std::llabs(Centavos(r.ImporteCta()))});
-      (al_debe ? debe : haber) += std::llabs(c);
+      const bool al_debe = (*u > 0) == r.AlDebe();
+      lineas.push_back({&r, al_debe, DeUnidades(std::llabs(*u), moneda),
+                        DeUnidades(std::llabs(*u_cta), de_cuenta)});
+      (al_debe ? debe : haber) += std::llabs(*u);
     }
     if (debe != haber) {
-      throw std::runtime_error("movimiento " + std::to_string(id) + ": no balancea (debe " +
-                               Importe(debe) + ", haber " + Importe(haber) + ")");
+      throw std::runtime_error(quien + ": no balancea: Debe " + Mostrar(debe, moneda) + ", Haber " +
+                               Mostrar(haber, moneda) + " (diferencia " +
+                               Mostrar(std::llabs(debe - haber), moneda) + ")");
     }
-    doc.total = DeCentavos(debe);
+    doc.total = DeUnidades(debe, moneda);
     if (lineas.empty()) return doc;
 
     // The movement's memo is its legend template ("Alquiler de oficina &[FFAñoMes]"); a
@@ -197,7 +382,7 @@ class Ejecutor {
       doc.id = Comprobante(cab, lineas, SoloDia(fecha), leyenda);
     } else {
       if (cab.Moneda() != 0 && moneda_contable_ != 0 && cab.Moneda() != moneda_contable_) {
-        throw std::runtime_error("movimiento " + std::to_string(id) +
+        throw std::runtime_error(quien +
                                  ": el asiento está en otra moneda que la de la contabilidad");
       }
       doc.id = Asiento(cab, lineas, SoloDia(fecha), leyenda);
@@ -233,10 +418,10 @@ class Ejecutor {
       ls->Set("ACuCuenta", r.Cuenta());
       ls->Set("ACuProyecto", NuloSiCero(r.Proyecto()));
       ls->Set("ACuDepartamento", NuloSiCero(r.Departamento()));
-      ls->Set("ACuImporteMC", DeCentavos(l.centavos_cta));
-      ls->Set("ACuDebe", l.al_debe ? DeCentavos(l.centavos) : 0.0);
-      ls->Set("ACuHaber", l.al_debe ? 0.0 : DeCentavos(l.centavos));
-      ls->Set("ACuDetalle", r.Detalle().empty() ? Variant::Null() : Variant(r.Detalle()));
+      ls->Set("ACuImporteMC", l.importe_cta);
+      ls->Set("ACuDebe", l.al_debe ? l.importe : 0.0);
+      ls->Set("ACuHaber", l.al_debe ? 0.0 : l.importe);
+      ls->Set("ACuDetalle", storage::NuloSiVacio(r.Detalle()));
       ls->Update();
     }
     return id;
@@ -272,12 +457,11 @@ class Ejecutor {
       ls->Set("CCuIDProyecto", NuloSiCero(r.Proyecto()));
       ls->Set("CCuIDDepartamento", NuloSiCero(r.Departamento()));
       ls->Set("CCuMoneda", static_cast<int32_t>(r.Moneda()));
-      ls->Set("CCuImporteCuenta", DeCentavos(l.centavos_cta));
-      ls->Set("CCuDebe", l.al_debe ? DeCentavos(l.centavos) : 0.0);
-      ls->Set("CCuHaber", l.al_debe ? 0.0 : DeCentavos(l.centavos));
+      ls->Set("CCuImporteCuenta", l.importe_cta);
+      ls->Set("CCuDebe", l.al_debe ? l.importe : 0.0);
+      ls->Set("CCuHaber", l.al_debe ? 0.0 : l.importe);
       // The rate the account's amount was worked out with, account currency per voucher unit.
-      ls->Set("CCuTipoCambio",
-              Variant(static_cast<double>(l.centavos_cta) / static_cast<double>(l.centavos)));
+      ls->Set("CCuTipoCambio", Variant(l.importe_cta / l.importe));
       ls->Update();
     }
     return id;
@@ -285,6 +469,7 @@ class Ejecutor {
 
   clsMovFrecuente& mf_;
   Connection& cn_;
+  formula::clsMonedas monedas_;
   IDBFncs* dbf_ = nullptr;
   IClock* reloj_ = nullptr;
   int32_t usuario_ = 0;
@@ -295,28 +480,69 @@ class Ejecutor {
 
 }  // namespace
 
-std::vector<OcurrenciaEjecutada> EjecutarVencidos(clsMovFrecuente& mf, Connection& cn,
-                                                  int32_t empresa, Date hasta) {
-  std::vector<OcurrenciaEjecutada> out;
+std::string DescribirErrorBase(const DbError& e) {
+  const char* clase = "error de la base de datos";
+  switch (e.kind()) {
+    case DbErrorKind::Busy:
+      clase = "bloqueada por otra conexión";
+      break;
+    case DbErrorKind::Timeout:
+      clase = "tiempo de espera agotado";
+      break;
+    case DbErrorKind::Constraint:
+      clase = "restricción de la base de datos";
+      break;
+    case DbErrorKind::MissingTable:
+      clase = "falta una tabla o columna";
+      break;
+    case DbErrorKind::ReadOnly:
+      clase = "base de datos de solo lectura";
+      break;
+    case DbErrorKind::ConnectionLost:
+      clase = "conexión perdida";
+      break;
+    case DbErrorKind::Other:
+      break;
+  }
+  return std::string(clase) + ": " + e.what();
+}
+
+ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
+                                    Date hasta, const AlTerminarOcurrencia& al_terminar) {
+  ResultadoEjecucion out;
   if (!mf.Conectado() || !mf.Servicios().db) return out;
-  Ejecutor ejecutor(mf, cn, empresa);
   // Due occurrences by date, then movement: the earliest runs first, and a movement whose
   // schedule advanced comes back with its next date.
-  std::multimap<std::pair<int64_t, int32_t>, Date> cola;
-  for (const auto& [fecha, id] : Vencimientos(cn, empresa)) {
-    if (Dia(fecha) <= Dia(hasta)) cola.emplace(std::make_pair(Dia(fecha), id), fecha);
+  std::multimap<std::pair<int64_t, int32_t>, Vencimiento> cola;
+  std::unique_ptr<Ejecutor> ejecutor;
+  try {
+    ejecutor = std::make_unique<Ejecutor>(mf, cn, empresa);
+    for (Vencimiento& v : Vencimientos(cn, empresa)) {
+      if (Dia(v.fecha) <= Dia(hasta)) cola.emplace(std::make_pair(Dia(v.fecha), v.id), v);
+    }
+  } catch (const DbError& e) {
+    out.detenida = "no se pudo leer lo vencido (" + DescribirErrorBase(e) + ")";
+    return out;
   }
   while (!cola.empty()) {
-    const auto [clave, fecha] = *cola.begin();
+    const Vencimiento v = cola.begin()->second;
     cola.erase(cola.begin());
-    const int32_t id = clave.second;
-    OcurrenciaEjecutada r = ejecutor.Ocurrencia(id, fecha);
-    const Date proxima = r.proxima;
+    OcurrenciaEjecutada r;
+    try {
+      r = ejecutor->Ocurrencia(v);
+    } catch (const Detencion& d) {
+      out.detenida = d.motivo;
+      break;
+    }
     // The schedule must move forward; a date that does not would repeat the occurrence.
-    const bool seguir = r.ok() && !r.terminada && Dia(proxima) > Dia(fecha);
-    out.push_back(std::move(r));
-    if (seguir && Dia(proxima) <= Dia(hasta)) {
-      cola.emplace(std::make_pair(Dia(proxima), id), proxima);
+    const Date proxima = r.proxima;
+    if (r.ok() && !r.terminada && Dia(proxima) > Dia(v.fecha) && Dia(proxima) <= Dia(hasta)) {
+      cola.emplace(std::make_pair(Dia(proxima), v.id), Vencimiento{proxima, v.id, r.nombre});
+    }
+    out.ocurrencias.push_back(std::move(r));
+    if (al_terminar) {
+      al_terminar(out.ocurrencias.back(),
+                  {out.ocurrencias.size(), out.ocurrencias.size() + cola.size()});
     }
   }
   return out;

@@ -3,31 +3,66 @@
 // document, one occurrence at a time, missed occurrences included.
 //
 // Order: occurrences run by due date (then movement id); an occurrence of a movement that
-// belongs to a linked group runs the whole group in MFrMVOrden order (the other members have
-// no schedule of their own and share the scheduled one's due dates).
+// belongs to a linked group runs the whole group in execution order (api/grupo_vinculado.h:
+// MFrMVOrden, then MFrID), the group's pending entries and vouchers each writing its document.
+// The other members have no schedule of their own and share the scheduled one's due dates.
 //
 // One occurrence is one transaction:
-//  1. The scheduled movement's header row is claimed (AvanceAgenda::SqlReservar) and re-read:
-//     if it is no longer pending or its next due date moved (another run got there first) the
-//     occurrence is skipped without writing anything. So an occurrence is never executed twice.
-//  2. Each member's lines are computed as of the due date (clsMovFrecuente::SetCalculoFormulasMF,
-//     prompts allowed: a movement that needs a typed value cannot run unattended).
-//  3. Each member becomes a document: an entry (cceAsientos + cceAsientoCuenta, AsiEstado 1,
+//  1. The movements table is taken for writing (a write that touches no row, so only a lock on
+//     the table or on the whole database can hold it up), then the scheduled movement's header
+//     row is claimed (AvanceAgenda::SqlReservar) and re-read. If it is no longer pending or its
+//     next due date is not the one being run, another run (or a user) got there first: the
+//     occurrence is reported as done elsewhere and nothing is written.
+//  2. Documents already generated for the occurrence (cceAsientos.AsiMovFrecuente /
+//     cceComprobantes.ComMovFrecuente of any member of the group, dated on the due day, in any
+//     state) mean it was executed before — a schedule rewound by importing an old export, for
+//     instance. Nothing is generated again: the schedule advances and the documents found are
+//     reported. An occurrence whose lines were all 0 wrote nothing and so leaves nothing to find.
+//  3. Each member's lines are computed as of the due date (clsMovFrecuente::SetCalculoFormulasMF,
+//     prompts allowed: a movement that needs a typed value cannot run unattended). A line whose
+//     value exists only because its expression was retried with "," read as "." after a
+//     run-time error (TrazaLineaFx::reintento_tras_error) refuses the occurrence.
+//  4. Each line that is written must name an account of the movement's company that is not a
+//     folder (storage::ProblemaCuentaRenglon); one that does not refuses the occurrence.
+//     Each member becomes a document: an entry (cceAsientos + cceAsientoCuenta, AsiEstado 1,
 //     AsiLibro = Modalidad) or a voucher (cceComprobantes + cceComprobanteCuenta, ComEstado 1,
 //     ComTipoComprobante = Modalidad), dated on the due day, keyed by the table counters and
-//     pointing back at the movement. Amounts are rounded to cents; a negative amount goes to the
-//     other side; lines of amount 0 are left out. A member whose every line is 0 writes no
-//     document. Refused (nothing of the occurrence is written): debits and credits that differ
-//     after rounding, and an entry in a currency other than the company's accounting currency
-//     (its debit and credit are kept in the accounting currency and no conversion is made).
-//     The legend (AsiLeyenda / ComDetalle) is the movement's memo, or its name when it has none,
-//     with its date macros expanded for the due day.
-//  4. The schedule advances (AvanceAgenda::Realizar): next due date, or Realizado after the last.
-// A failed occurrence is rolled back and reported; the movement's later occurrences are not
-// attempted in this run (they would come out of order), the other movements go on.
+//     pointing back at the movement. A negative amount goes to the other side; lines of amount
+//     0 are left out; a member whose every line is 0 writes no document. The legend
+//     (AsiLeyenda / ComDetalle) is the movement's memo, or its name when it has none, with its
+//     date macros expanded for the due day.
+//  5. The schedule advances (AvanceAgenda::Realizar): next due date, or Realizado after the last.
+//
+// Amounts are rounded once, by the formula evaluator, to the amount format (MonRedondeo) of the
+// movement's currency (ImporteMF) and of the account's (ImporteCta); they are written as the
+// evaluator gives them. Each is first checked to be a whole number of the currency's minor units
+// (cents for "#,##0.00", thousandths for "#,##0.000"): an amount with more decimals — a stored
+// amount of a line without formula, say — refuses the occurrence rather than being rounded a
+// second time. Debits and credits are compared in exact minor units. Lines that balance before
+// rounding need not balance after it (10,005 on one side, 5,0025 twice on the other: 10,01
+// against 10,00); the run does not invent the missing cent: such an occurrence is refused with
+// both totals in the message. A movement that wants its rounding absorbed has a difference line
+// ([RestoCuenta]), which the evaluator works out from the other lines' rounded amounts, so it
+// always balances. An entry in a currency other than the company's accounting currency is
+// refused too (its debit and credit are kept in the accounting currency and no conversion is
+// made). A refused occurrence writes nothing.
+//
+// Failures. A failed occurrence is rolled back and reported with the movement's name and why (a
+// database error says its kind and the engine's text); it stays due, and that movement's later
+// occurrences are not attempted in this run (they would come out of order); the other
+// movements go on. Except when the database itself cannot be used, because every further
+// occurrence would fail the same way, each after waiting out the lock timeout: a Busy error
+// anywhere but the claim of the movement's own row (SQLite: BeginTrans; PostgreSQL: the table
+// taken for writing, a table counter, the commit), a Timeout, a lost connection, a read-only
+// database or a missing table stop the run at once. The occurrence being run is then not
+// reported (it stays due) and the run's result says why it stopped. On PostgreSQL a Busy claim
+// of the movement's row, after the table was taken, can only mean that another transaction
+// holds that one movement: it alone is skipped and stays due.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -37,30 +72,68 @@
 
 namespace kivmovfrec::api {
 
-// A document written for one member of an occurrence.
+// A document of one member of an occurrence.
 struct DocumentoGenerado {
   int32_t movimiento = 0;  // the member it comes from
   int16_t tipo = 0;        // its MFrTipo (1, 2 or 4)
   int32_t id = 0;          // AsiID / ComID; 0 when every line was 0 and nothing was written
-  double total = 0;        // the debit total (= the credit total), in cents
+  double total = 0;        // the debit total (= the credit total); 0 for a document found
+};
+
+enum class EstadoOcurrencia : uint8_t {
+  Ejecutada,         // its documents were written and its schedule advanced
+  YaGenerada,        // its documents existed already: nothing written, the schedule advanced
+  HechaEnOtraParte,  // another run or a user had done it or moved the schedule: nothing written
+  Fallida,           // not executed: nothing written, it stays due
 };
 
 struct OcurrenciaEjecutada {
   int32_t movimiento = 0;  // the scheduled movement
   std::string nombre;
-  Date fecha{};                               // its due date
-  std::vector<DocumentoGenerado> documentos;  // in execution order (when done)
-  bool terminada = false;                     // that was the schedule's last occurrence
-  Date proxima{};     // the next due date after it (when done and not terminada)
-  std::string error;  // why it was not executed ("" when done)
-  bool ok() const { return error.empty(); }
+  Date fecha{};  // its due date
+  EstadoOcurrencia estado = EstadoOcurrencia::Fallida;
+  // Ejecutada: the documents written, in execution order. YaGenerada: those found.
+  std::vector<DocumentoGenerado> documentos;
+  bool terminada = false;  // Ejecutada / YaGenerada: that was the schedule's last occurrence
+  Date proxima{};          // the next due date after it, when there is one
+  std::string detalle;     // HechaEnOtraParte: what was found instead
+  std::string error;       // Fallida: why
+  // Nothing is left to do for it (whoever did it).
+  bool ok() const { return estado != EstadoOcurrencia::Fallida; }
+};
+
+struct ProgresoEjecucion {
+  size_t terminadas = 0;  // occurrences finished so far, the one just reported included
+  // Those plus the ones still waiting. It grows when an advanced schedule falls due again
+  // before the run's last day.
+  size_t conocidas = 0;
+};
+
+// Called once for each occurrence as soon as it is finished, before the next one begins, in the
+// order of the run's result. It runs outside the run's transactions (it holds up no other
+// process and may read through the connection, but must leave no transaction open). An
+// exception it throws ends the run and reaches the caller of EjecutarVencidos; what was
+// committed stays.
+using AlTerminarOcurrencia =
+    std::function<void(const OcurrenciaEjecutada&, const ProgresoEjecucion&)>;
+
+struct ResultadoEjecucion {
+  std::vector<OcurrenciaEjecutada> ocurrencias;  // in the order they finished
+  // Why the run stopped before its end ("" when it did not): the database could not be read or
+  // used (see above). What was reported stays done; the rest stays due.
+  std::string detenida;
+  bool completa() const { return detenida.empty(); }
 };
 
 // `mf` is connected to `cn` with company `empresa` set; its services give the counters, the
 // clock, the user (rights) and, when set, the date calculator. Occurrences due on or before the
-// day of `hasta` run. Database errors outside an occurrence (reading what is due) propagate;
-// errors inside one are reported in its entry. Nothing runs when `mf` is not connected.
-std::vector<OcurrenciaEjecutada> EjecutarVencidos(clsMovFrecuente& mf, Connection& cn,
-                                                  int32_t empresa, Date hasta);
+// day of `hasta` run. Database errors never propagate: inside an occurrence they are reported in
+// its entry, and one that makes the database unusable — or any failure to read what is due —
+// stops the run (ResultadoEjecucion::detenida). Nothing runs when `mf` is not connected.
+ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
+                                    Date hasta, const AlTerminarOcurrencia& al_terminar = {});
+
+// A database error for people: its kind in Spanish, then the engine's text.
+std::string DescribirErrorBase(const DbError& e);
 
 }  // namespace kivmovfrec::api

@@ -8,6 +8,7 @@
 
 #include "api/avance_agenda.h"
 #include "api/derechos.h"
+#include "api/grupo_vinculado.h"
 #include "core/clock.h"
 #include "formula/reglas_fx.h"
 #include "kivmovfrec/errors.h"
@@ -329,7 +330,12 @@ bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez)
       Deshacer(*cn_, iniciada);
       return false;
     }
-    for (int32_t miembro : avance.MiembrosDelGrupo(lIDMF)) avance.Realizar(miembro);
+    // When lIDMF heads a linked group, the rest of it in execution order (lIDMF itself is not
+    // marked twice); a member marked alone does not drag its group along.
+    const api::GrupoVinculado grupo = api::GrupoEnOrden(*cn_, lIDMF);
+    for (const api::MiembroGrupo& m : grupo.miembros) {
+      if (grupo.id == lIDMF) avance.Realizar(m.id);
+    }
     cn_->CommitTrans();
     bPorUnicaVez = r == api::ResultadoOcurrencia::Terminada;
     return true;

@@ -5,11 +5,11 @@
 //  - the state change writes one row outside a transaction: it reports the error, returns false
 //    and leaves every table as it was;
 //  - the plain save and DeleteMF run outside a transaction: the error reaches the caller.
-// Each member prints one summary line (statements failed, states compared) and records the
-// figures as test properties.
+// Each member prints one summary line (statements failed, states compared).
 #include <iostream>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "fachada_fixture.h"
@@ -27,15 +27,10 @@ struct Intento {
 
 using Preparar = void (*)(clsMovFrecuente&);
 
-// Figures of one member over all its scenarios.
+// Figures of one member over all its scenarios: injected failures that fired, table states that
+// differed from the state before, failures shown to the user, failures that reached the caller.
 struct Cifras {
-  int escenarios = 0;
-  int fallidas = 0;     // attempts whose injected failure fired
-  int comparados = 0;   // table states compared with the state before
-  int distintos = 0;    // ... that differed from it
-  int ceros = 0;        // failed attempts that returned the zero value
-  int al_llamador = 0;  // failures that reached the caller as an exception
-  int reportados = 0;   // failures shown through the message service
+  int escenarios = 0, fallidas = 0, distintos = 0, reportados = 0, al_llamador = 0;
 };
 
 class Fallos : public Fachada {
@@ -62,7 +57,8 @@ class Fallos : public Fachada {
   // A member that runs in a transaction (or writes a single row): fails at each statement in
   // turn until it completes. Every failed attempt must return the zero value, leave no
   // transaction open and the tables as they were; when `restaura_memoria`, the records in
-  // memory also keep their keys. `reporta`: the member shows the error it trapped.
+  // memory also keep their keys. `reporta`: the member shows the error it trapped (critical
+  // icon, after its own question if any); otherwise it shows nothing.
   template <typename Miembro>
   void Atomico(Cifras& cifras, const std::string& escenario, Preparar preparar, Miembro miembro,
                bool reporta, bool restaura_memoria = false) {
@@ -70,11 +66,16 @@ class Fallos : public Fachada {
     const int base = Base(preparar);
     const Snapshot antes = Tablas();
     for (int k = 1; k < 300; ++k) {
+      const std::string donde = escenario + ", fallo en la sentencia " + std::to_string(k);
       Intento i = Nuevo(base + k, preparar);
-      const auto copia_mov = *i.mf->EstructuraMovFrec()->MovFrecuente();
-      const auto copia_rec = *i.mf->EstructuraMovFrec()->Recurrencia();
+      const auto claves = [&] {
+        const auto& e = *i.mf->EstructuraMovFrec();
+        return std::tuple(e.MovFrecuente()->ID(), e.MovFrecuente()->Recurrencia(),
+                          e.Recurrencia()->ID());
+      };
+      const auto claves_antes = claves();
       const auto resultado = miembro(*i.mf);
-      EXPECT_FALSE(cn->InTransaction()) << escenario << ", sentencia " << k;
+      EXPECT_FALSE(cn->InTransaction()) << donde;
       if (!i.cn->failed()) {
         EXPECT_TRUE(resultado) << escenario << ": sin fallo debe completarse";
         EXPECT_NE(Tablas(), antes) << escenario << ": sin fallo debe escribir";
@@ -82,28 +83,15 @@ class Fallos : public Fachada {
         return;
       }
       ++cifras.fallidas;
-      EXPECT_FALSE(resultado) << escenario << ", fallo en la sentencia " << k;
-      if (!resultado) ++cifras.ceros;
+      EXPECT_FALSE(resultado) << donde;
       const bool igual = Tablas() == antes;
-      EXPECT_TRUE(igual) << escenario << ", fallo en la sentencia " << k;
-      ++cifras.comparados;
-      if (!igual) ++cifras.distintos;
+      EXPECT_TRUE(igual) << donde;
+      cifras.distintos += !igual;
       const auto& shown = i.sv.messages->shown();
-      if (reporta) {
-        // The last thing shown is the error (after the member's own question, if any).
-        const bool mostrado = !shown.empty() && shown.back().request.icon == MsgIcon::Critical;
-        if (mostrado) ++cifras.reportados;
-        EXPECT_TRUE(mostrado) << escenario << ", fallo en la sentencia " << k;
-      } else {
-        EXPECT_TRUE(shown.empty()) << escenario << ", fallo en la sentencia " << k;
-      }
-      if (restaura_memoria) {
-        const auto& mov = *i.mf->EstructuraMovFrec()->MovFrecuente();
-        EXPECT_EQ(mov.ID(), copia_mov.ID()) << escenario << ", sentencia " << k;
-        EXPECT_EQ(mov.Recurrencia(), copia_mov.Recurrencia()) << escenario << ", sentencia " << k;
-        EXPECT_EQ(i.mf->EstructuraMovFrec()->Recurrencia()->ID(), copia_rec.ID())
-            << escenario << ", sentencia " << k;
-      }
+      const bool mostrado = !shown.empty() && shown.back().request.icon == MsgIcon::Critical;
+      EXPECT_TRUE(reporta ? mostrado : shown.empty()) << donde;
+      cifras.reportados += reporta && mostrado;
+      EXPECT_TRUE(!restaura_memoria || claves() == claves_antes) << donde;
     }
     ADD_FAILURE() << escenario << " nunca se completó";
   }
@@ -119,6 +107,7 @@ class Fallos : public Fachada {
     const int base = Base(preparar);
     const Snapshot antes = Tablas();
     for (int k = 1; k < 300; ++k) {
+      const std::string donde = escenario + ", sentencia " + std::to_string(k);
       Intento i = Nuevo(base + k, preparar);
       cn->BeginTrans();
       bool lanzado = false;
@@ -132,39 +121,27 @@ class Fallos : public Fachada {
         EXPECT_EQ(e.number(), 8000) << e.what();
       }
       cn->RollbackTrans();
-      EXPECT_EQ(Tablas(), antes) << escenario << ", sentencia " << k;
-      EXPECT_TRUE(i.sv.messages->shown().empty()) << escenario << ", sentencia " << k;
+      EXPECT_EQ(Tablas(), antes) << donde;
+      EXPECT_TRUE(i.sv.messages->shown().empty()) << donde;
       if (!i.cn->failed()) {
         EXPECT_FALSE(lanzado) << escenario << ": sin fallo no debe haber error";
         EXPECT_GT(k, 1) << escenario << ": ninguna sentencia falló";
         return;
       }
       ++cifras.fallidas;
-      EXPECT_TRUE(lanzado) << escenario << ", el fallo de la sentencia " << k
-                           << " no llegó al llamador";
-      if (lanzado) ++cifras.al_llamador;
+      EXPECT_TRUE(lanzado) << donde << ": el fallo no llegó al llamador";
+      cifras.al_llamador += lanzado;
     }
     ADD_FAILURE() << escenario << " nunca se completó";
   }
 
-  // One line per member with its figures, also kept as test properties.
+  // One line per member with its figures.
   void Resumen(const std::string& miembro, const Cifras& c) {
     std::cout << "[ falla inyectada ] " << miembro << " (" << EngineName(engine())
               << "): " << c.escenarios << " escenarios, " << c.fallidas
-              << " sentencias fallidas una a una";
-    if (c.comparados > 0) {
-      std::cout << " (commit incluido); " << c.ceros << " devolvieron 0/false, " << c.comparados
-                << " estados comparados con el anterior, " << c.distintos << " distintos, "
-                << c.reportados << " errores mostrados\n";
-    } else {
-      std::cout << " (sin transacción propia); " << c.al_llamador
-                << " errores llegaron al llamador\n";
-    }
-    RecordProperty("miembro", miembro);
-    RecordProperty("sentencias_fallidas", c.fallidas);
-    RecordProperty("estados_comparados", c.comparados);
-    RecordProperty("estados_distintos", c.distintos);
-    RecordProperty("errores_al_llamador", c.al_llamador);
+              << " sentencias fallidas una a una; " << c.distintos << " estados distintos del "
+              << "anterior, " << c.reportados << " errores mostrados, " << c.al_llamador
+              << " llegaron al llamador\n";
     EXPECT_GT(c.fallidas, 0);
   }
 };

@@ -521,38 +521,39 @@ TEST_P(MovfrecComandos, AgendaListsTheDatesRealizarWalksThrough) {
   EXPECT_EQ(agenda.at(2), "30/03/2024");  // back on the 30th after February
 }
 
-// The main job: what falls due becomes posted documents once, in due-date order.
-TEST_P(MovfrecComandos, EjecutarPostsWhatFallsDueOnce) {
-  const Result r = Run({"ejecutar", "--hasta", "30/11/2026"});
+// The main job posts what falls due once, even after an old export rewinds the schedules.
+TEST_P(MovfrecComandos, EjecutarPostsEachOccurrenceOnceEvenAfterImportingAnOldExport) {
+  const std::string viejo = Write(Run({"exportar", "1", "3", "4", "6", "25", "26"}).out);
+  const Result r = Run({"ejecutar", "--hasta", "15/01/2027"});
   ASSERT_EQ(r.status, 0) << r.err;
-  for (const char* linea :
-       {"10/11/2026  1 Alquiler mensual de oficina: asiento 101 por 540.000,00\n",
-        "10/11/2026  25 Pago de cargas sociales: asiento 102 por 205.000,00; asiento 103 del "
-        "movimiento 26 por 205,00\n",
-        "30/11/2026  4 Diferencia de cambio Banco en dólares: asiento 105 por 29.750,00\n",
-        "4 ocurrencias ejecutadas hasta el 30/11/2026, 5 documentos, 0 con error.\n"}) {
-    EXPECT_TRUE(Has(r.out, linea)) << linea << "\n" << r.out;
-  }
-  EXPECT_EQ(Ver(1)["Recurrencia"]["FechaProxima"], "10/12/2026");
+  EXPECT_TRUE(Has(r.out,
+                  "10/11/2026  25 Pago de cargas sociales: asiento 102 por 205.000,00; "
+                  "asiento 103 del movimiento 26 por 205,00\n"))
+      << r.out;
+  ASSERT_EQ(Run({"importar", viejo}).status, 0);
+  // Every occurrence finds the documents the first run wrote (the exchange difference of 31/12
+  // had none) and none is written again.
+  const Result otra = Run({"ejecutar", "--hasta", "2027-01-15"});
+  EXPECT_TRUE(Has(otra.out,
+                  "12 ocurrencias hasta el 15/01/2027: 1 ejecutadas, 11 ya generadas, "
+                  "0 hechas en otra ejecución, 0 con error; 0 documentos.\n"))
+      << otra.out;
+  EXPECT_TRUE(Has(otra.out,
+                  "10/12/2026  25 Pago de cargas sociales: ya generado: asiento 107 del "
+                  "movimiento 26; la agenda avanza\n"))
+      << otra.out;
 
-  // Nothing is due any more up to that day; the next month's voucher is, as JSON.
-  EXPECT_TRUE(Has(Run({"ejecutar", "--hasta", "2026-11-30"}).out, "0 ocurrencias ejecutadas"));
-  const Json lista = RunJson({"ejecutar", "--hasta", "2026-12-01"});
-  ASSERT_EQ(lista.size(), 1u);
-  EXPECT_EQ(lista[0]["ID"], 6);
-  EXPECT_EQ(lista[0]["Fecha"], "01/12/2026");
-  EXPECT_EQ(lista[0]["Documentos"][0]["Tipo"], 2);
-  EXPECT_EQ(lista[0]["Documentos"][0]["Total"], 121000.0);
-
-  // An occurrence that cannot run unattended is reported, exit 1, and stays due.
+  // An occurrence that cannot run unattended is reported, exit 1, and stays due; that
+  // movement's later occurrences wait for it.
   ASSERT_TRUE(db_obj_->Sql(
       "Update genRenglonMovFrecuentes Set RMFFormula = '[11:Importe]' Where RMFMovimiento = 1 "
       "And RMFOrden = 1"));
-  const Result falla = Run({"ejecutar", "--hasta", "2026-12-10"});
+  const Result falla = Run({"ejecutar", "--hasta", "2027-03-15"});
   EXPECT_EQ(falla.status, 1);
-  EXPECT_TRUE(Has(falla.out, "10/12/2026  1 Alquiler mensual de oficina: no ejecutado"))
+  EXPECT_TRUE(Has(falla.out, "10/02/2027  1 Alquiler mensual de oficina: no ejecutado: "))
       << falla.out;
-  EXPECT_EQ(Ver(1)["Recurrencia"]["FechaProxima"], "10/12/2026");
+  EXPECT_FALSE(Has(falla.out, "10/03/2027  1 ")) << falla.out;
+  EXPECT_EQ(Ver(1)["Recurrencia"]["FechaProxima"], "10/02/2027");
   EXPECT_EQ(Run({"ejecutar", "--hasta", "31/02/2027"}).status, 2);
 }
 

@@ -134,8 +134,9 @@ TEST_P(Statements, FormulasShowAndReadBackThroughEveryLookup) {
 
 TEST_P(Statements, MainJobMarkingDoneAndUserPicker) {
   const auto run = api::EjecutarVencidos(mf, *rec, 1, suite::SerialOf(2026, 12, 31));
-  ASSERT_FALSE(run.empty());
-  for (const auto& o : run) EXPECT_TRUE(o.ok()) << o.movimiento << ": " << o.error;
+  ASSERT_TRUE(run.completa()) << run.detenida;
+  ASSERT_FALSE(run.ocurrencias.empty());
+  for (const auto& o : run.ocurrencias) EXPECT_TRUE(o.ok()) << o.movimiento << ": " << o.error;
 
   // Notices (marking the others of their modality seen), a task list and a linked group head.
   for (const int32_t id : {8, 22, 10}) EXPECT_TRUE(mf.DarRealizadaFechaAgenda(id)) << id;

@@ -12,7 +12,8 @@
 // are never used in the child), reports through `out` (a file the parent reads afterwards) and
 // its return value, and ends with _exit, so neither the parent's connections nor the test
 // framework's state are touched by the child. A child that throws exits with status 99 and
-// its message at the end of its output. The parent waits for every child.
+// its message at the end of its output. The children start together, once all are forked (each
+// waits for a pipe the parent then closes). The parent waits for every child.
 #pragma once
 
 #include <sys/wait.h>
@@ -52,10 +53,15 @@ inline ChildrenOutcome RunInChildren(int count,
   std::cout.flush();
   std::cerr.flush();
   std::vector<pid_t> pids;
+  int salida[2] = {-1, -1};
+  (void)!::pipe(salida);
   for (int i = 0; i < count; ++i) {
     const std::string path = base + "_" + std::to_string(i) + ".out";
     const pid_t pid = ::fork();
     if (pid == 0) {
+      char c = 0;
+      ::close(salida[1]);
+      (void)!::read(salida[0], &c, 1);  // returns once the parent closes its end
       int status = 0;
       std::ofstream out(path);
       try {
@@ -72,6 +78,8 @@ inline ChildrenOutcome RunInChildren(int count,
     }
     pids.push_back(pid);  // -1 when fork failed: reported as a child that did not exit
   }
+  ::close(salida[0]);
+  ::close(salida[1]);
   ChildrenOutcome outcome;
   for (int i = 0; i < count; ++i) {
     int raw = 0;

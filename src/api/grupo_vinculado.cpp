@@ -1,0 +1,40 @@
+#include "api/grupo_vinculado.h"
+
+#include <algorithm>
+
+#include "storage/columnas.h"
+
+namespace kivmovfrec::api {
+
+GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id) {
+  const std::string columnas =
+      "Select MFrID, MFrNombre, MFrTipo, MFrEstado, MFrMVOrden, MFrMovVinculado "
+      "From genMovimientosFrecuentes Where ";
+  GrupoVinculado grupo;
+  {
+    auto rs = cn.OpenResultset(columnas + "MFrID = " + std::to_string(id));
+    if (rs->Eof()) return grupo;
+    const Variant v = rs->Get("MFrMovVinculado");
+    grupo.id = storage::EsNulo(v) ? 0 : storage::ALong(v);
+  }
+  if (grupo.id < 1) grupo.id = id;
+  std::vector<MiembroGrupo>& miembros = grupo.miembros;
+  const std::string g = std::to_string(grupo.id);
+  auto rs = cn.OpenResultset(columnas + "MFrMovVinculado = " + g + " Or MFrID = " + g);
+  for (; !rs->Eof(); rs->MoveNext()) {
+    MiembroGrupo m;
+    m.id = storage::ALong(rs->Get("MFrID"));
+    storage::SiNoNulo(*rs, "MFrNombre", storage::ATexto, [&](std::string v) { m.nombre = v; });
+    storage::SiNoNulo(*rs, "MFrTipo", storage::AInteger, [&](int16_t v) { m.tipo = v; });
+    storage::SiNoNulo(*rs, "MFrEstado", storage::AInteger, [&](int16_t v) { m.estado = v; });
+    storage::SiNoNulo(*rs, "MFrMVOrden", storage::ALong, [&](int32_t v) { m.orden = v; });
+    miembros.push_back(std::move(m));
+  }
+  // Sorted here rather than by the query: the engines place NULLs at opposite ends.
+  std::sort(miembros.begin(), miembros.end(), [](const MiembroGrupo& a, const MiembroGrupo& b) {
+    return a.orden != b.orden ? a.orden < b.orden : a.id < b.id;
+  });
+  return grupo;
+}
+
+}  // namespace kivmovfrec::api

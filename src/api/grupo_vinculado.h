@@ -1,0 +1,40 @@
+// Linked groups: movements that run together, one after the other, in a fixed order. A group
+// lives on its members' rows: each carries the group's identifier in MFrMovVinculado (the ID of
+// the movement that heads it) and its place in the run in MFrMVOrden. The head may carry its
+// own ID or nothing.
+//
+// GrupoEnOrden is the one reading of a group in execution order. The main job
+// (api/ejecucion.h), marking an occurrence done (clsMovFrecuente::DarRealizadaFechaAgenda) and
+// `movfrec realizar` all take a group from it, so they agree on who belongs and in which order.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kivmovfrec/db.h"
+
+namespace kivmovfrec::api {
+
+struct MiembroGrupo {
+  int32_t id = 0;
+  std::string nombre;  // MFrNombre
+  int16_t tipo = 0;    // MFrTipo
+  int16_t estado = 0;  // MFrEstado
+  int32_t orden = 0;   // MFrMVOrden (0 when not set)
+};
+
+struct GrupoVinculado {
+  int32_t id = 0;  // the group's identifier: the ID of the movement that heads it
+  std::vector<MiembroGrupo> miembros;
+};
+
+// The group of movement `id`: its identifier is the movement's MFrMovVinculado, or its own ID
+// when that is empty; its members are the movements carrying that identifier and the movement
+// with that ID, every one whatever its state or kind, `id` included, in execution order:
+// MFrMVOrden, then MFrID between equal orders (an order not set counts as 0). A movement in no
+// group gives just itself (heading its own group of one); one that does not exist, no member.
+// Two reads, no write; database errors propagate.
+GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id);
+
+}  // namespace kivmovfrec::api
