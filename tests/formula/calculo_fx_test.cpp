@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -242,10 +243,9 @@ TEST_P(Calculo, ACycleOfLinesFailsEveryLineOfItWithoutChangingThem) {
   const auto& t = calc.Traza().lineas;
   for (int i = 0; i < 3; ++i) EXPECT_FALSE(t[static_cast<size_t>(i)].ok) << i;
   EXPECT_TRUE(t[3].ok);
-  bool circular = false;
-  for (int i = 0; i < 3; ++i)
-    circular = circular || t[static_cast<size_t>(i)].error.find("circular") != std::string::npos;
-  EXPECT_TRUE(circular);
+  EXPECT_TRUE(std::any_of(t.begin(), t.begin() + 3, [](const auto& l) {
+    return l.error.find("circular") != std::string::npos;
+  }));
   EXPECT_DOUBLE_EQ(Mf(r, 1), 7);
   EXPECT_DOUBLE_EQ(Mf(r, 4), 0);  // nothing is written when the call fails
 }
@@ -315,9 +315,7 @@ TEST_P(Calculo, AnotherMovementsVoucherLineSumsItsRowsAndTakesNullKeysAsZero) {
   EXPECT_EQ(e.origen, enuOrigenFx::OtroMovimiento);
   EXPECT_EQ(e.documento, 700);
   EXPECT_THAT(e.detalle, HasSubstr("comprobante 700"));
-  // A line the movement does not have, and one the voucher lacks.
-  clsRenglonesMF ajena = Lineas({{101, true, "[20:6;145;0;1]"}});
-  EXPECT_FALSE(calc.RecalcularFormulasMF(ajena, 1, true, kHoy));
+  // A line the voucher lacks.
   Ejecutar("Delete From cceComprobanteCuenta Where CCuIDCuenta = 105");
   clsRenglonesMF falta = Lineas({{101, true, "[20:6;105;0;0]"}});
   EXPECT_FALSE(calc.RecalcularFormulasMF(falta, 1, true, kHoy));
@@ -374,6 +372,8 @@ TEST_P(Calculo, FormulasWithoutAValue) {
       {{{141, true, "[5:9999]"}}, "no existe la cuenta 9999"},
       {{{101, true, "[1:101;0;0]"}}, "la misma cuenta"},        // its own line
       {{{101, true, "[1:555;0;0]"}}, "no tiene la línea 555"},  // a line the movement does not have
+      {{{101, true, "[20:6;145;0;1]"}},
+       "el movimiento 6 no tiene la línea (cuenta 145"},  // a line movement 6 does not have
       {{{101, true, "[10:]"}, {131, false, "[10:]"}}, "más de una cuenta"},
       {{{101, true, "[10:]*2"}, {131, false, "5"}}, "no puede incluir otros valores"},
       {{{101, true, "[codescript]1/0[/codescript]"}}, "División por cero"},
