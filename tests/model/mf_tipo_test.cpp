@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 
 #include "fakes.h"
 #include "install/demo_db.h"
@@ -67,12 +68,6 @@ class Agregado : public testing::DemoEngineTest {
     return CountRows(
         *real, "Select * From genRenglonMovFrecuentes Where RMFMovimiento = " + std::to_string(id));
   }
-  int Orden(int32_t id, int32_t cuenta) {
-    return vb::CLng(Scalar(*real,
-                           "Select RMFOrden From genRenglonMovFrecuentes Where "
-                           "RMFMovimiento = " +
-                               std::to_string(id) + " And RMFCuenta = " + std::to_string(cuenta)));
-  }
   std::shared_ptr<Connection> real;
   std::shared_ptr<testing::RecordingConnection> cn;
   FakeDBFncs dbf;
@@ -128,8 +123,12 @@ TEST_P(Agregado, GuardarNuevoEnOrdenDeLosPasos) {
   EXPECT_EQ(mov.Recurrencia(), 900);
   EXPECT_EQ(mov.OrdenMovVinculado(), 3);  // 16 and 17 hold 1 and 2
   EXPECT_EQ(mov.Modalidad(), 3);          // entry without journal takes the company's
-  EXPECT_EQ(Orden(901, 141), 1);
-  EXPECT_EQ(Orden(901, 113), 7);
+  clsMFTipo leido;                        // lines come back in position order
+  ASSERT_TRUE(leido.Load(*real, 901));
+  const auto primera = leido.Renglones()->Renglon(1), segunda = leido.Renglones()->Renglon(2);
+  EXPECT_EQ(std::tuple(primera->Cuenta(), int{primera->Orden()}, segunda->Cuenta(),
+                       int{segunda->Orden()}),
+            std::tuple(141, 1, 113, 7));
 
   // A second save updates in place.
   EXPECT_EQ(mf.Save(*cn, dbf, 3), 901);

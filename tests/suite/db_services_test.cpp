@@ -1,4 +1,4 @@
-// Database-backed services: settings, rights, notice recipients.
+// Database-backed services: settings, help, rights, notice recipients.
 #include <memory>
 #include <set>
 #include <string>
@@ -34,7 +34,7 @@ class DbServices : public testing::SuiteTablesTest {
   std::shared_ptr<suite::DbFncs> fncs_;
 };
 
-TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCase) {
+TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCaseAndHelpIsShown) {
   cn->Execute(
       "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values ('  IDIOMA ', "
       "'ignorado', 2), ('defBDDateCharSQLs', '''', Null), ('vacio', Null, Null)");
@@ -49,6 +49,8 @@ TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCase) {
   }
   testing::TestDatabase bare(engine());  // without the table
   EXPECT_TRUE(suite::DbFncs(bare.Open(), messages_).GetSetting("Idioma").IsEmpty());
+  fncs_->ShowHelp(330);  // help goes to the message service
+  EXPECT_EQ(messages_->help_topics(), std::vector<int>{330});
 }
 
 TEST_P(DbServices, RightsForCurrentUserCompanyAndOption) {
