@@ -116,9 +116,8 @@ TEST(ConsoleInput, AsksAgainUntilTheAnswerIsANumber) {
   EXPECT_EQ(unattended.PedirNumero("Tasa", "", 1), std::nullopt);
 }
 
-// The scripted services other tests answer with: queued answers fitted to the buttons shown,
-// typed numbers read by the console's rule.
-TEST(ScriptedServices, AnswersFitTheButtonsAndTypedNumbersFollowTheConsole) {
+// The scripted messages other tests answer with: queued answers fitted to the buttons shown.
+TEST(ScriptedMessages, AnswersFitTheButtonsShown) {
   suite::ScriptedMessages messages;
   messages.Answer(kMsgYes);
   messages.Answer(kMsgYes);
@@ -132,16 +131,6 @@ TEST(ScriptedServices, AnswersFitTheButtonsAndTypedNumbersFollowTheConsole) {
   EXPECT_EQ(messages.Show(Question("¿D?")), kMsgYes);
   ASSERT_EQ(messages.shown().size(), 6u);
   EXPECT_EQ(messages.shown()[2].request.text, "¿A?");
-
-  suite::ScriptedInput input;
-  for (const char* typed : {"abc", "1.5", "1,500", "42,5"}) input.Answer(std::string(typed));
-  input.Answer(std::nullopt);
-  EXPECT_EQ(input.PedirNumero("Importe", "Pedir dato", 0), 42.5);
-  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), std::nullopt);  // queued cancel
-  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), std::nullopt);  // queue empty
-  input.AcceptProposedByDefault(true);
-  EXPECT_EQ(input.PedirNumero("Tasa", "", 3), 3);
-  EXPECT_EQ(input.asked()[0].refused, (std::vector<std::string>{"abc", "1.5", "1,500"}));
 }
 
 TEST(Clock, FixedAndSystemTodayAreTheDateOfNow) {
