@@ -5,12 +5,13 @@
 #include <sstream>
 #include <string>
 
-#include "db/temp_dir.h"
 #include "kivmovfrec/db.h"
 #include "support/db_engines.h"
 
 namespace kivmovfrec {
 namespace {
+
+using testing::TestDatabase;
 
 std::string ErrorOf(const std::string& uri) {
   try {
@@ -22,8 +23,8 @@ std::string ErrorOf(const std::string& uri) {
 }
 
 TEST(OpenConnection, CreatesAFileDatabaseWhenAbsent) {
-  testing::TempDir dir;
-  const std::string path = dir.File("nueva.db");
+  TestDatabase dir(Engine::SQLite);
+  const std::string path = (dir.folder() / "nueva.db").string();
   auto cn = OpenConnection("sqlite:" + path);
   EXPECT_EQ(cn->engine(), Engine::SQLite);
   cn->Execute("Create Table t (a INTEGER)");
@@ -40,8 +41,8 @@ TEST(OpenConnection, MemoryDatabasesArePrivate) {
 }
 
 TEST(OpenConnection, MissingFolderIsNamedAndNotCreated) {
-  testing::TempDir dir;
-  const auto missing = dir.path() / "no_existe";
+  TestDatabase dir(Engine::SQLite);
+  const auto missing = dir.folder() / "no_existe";
   std::string error = ErrorOf("sqlite:" + (missing / "suite.db").string());
   EXPECT_NE(error.find("No existe la carpeta de la base de datos"), std::string::npos) << error;
   EXPECT_NE(error.find(missing.string()), std::string::npos) << error;
@@ -55,11 +56,17 @@ TEST(OpenConnection, MalformedUrisAreRefusedWithTheAcceptedForms) {
   }
 }
 
-TEST(OpenConnection, AnUnreachablePostgresServerIsNamed) {
+TEST(OpenConnection, AnUnreachablePostgresServerIsNamedAndIsConnectionLost) {
   // Port 1 on the loopback: nothing listens there.
-  std::string pg = ErrorOf("postgresql://kmf@127.0.0.1:1/suite?connect_timeout=5");
-  EXPECT_NE(pg.find("No se pudo conectar con el servidor PostgreSQL"), std::string::npos) << pg;
-  EXPECT_NE(pg.find("127.0.0.1"), std::string::npos) << pg;
+  try {
+    OpenConnection("postgresql://kmf@127.0.0.1:1/suite?connect_timeout=5");
+    FAIL() << "opened";
+  } catch (const DbError& e) {
+    const std::string pg = e.what();
+    EXPECT_NE(pg.find("No se pudo conectar con el servidor PostgreSQL"), std::string::npos) << pg;
+    EXPECT_NE(pg.find("127.0.0.1"), std::string::npos) << pg;
+    EXPECT_EQ(e.kind(), DbErrorKind::ConnectionLost) << pg;
+  }
   EXPECT_NE(ErrorOf("postgresql://kmf@127.0.0.1:1/suite?no_such_option=1"), "");
 }
 
@@ -75,8 +82,8 @@ TEST(PgOpenConnection, PostgresUrisOpenThePostgresAdapter) {
 }
 
 TEST(OpenConnection, AFileThatIsNotADatabaseIsRefusedAndLeftAlone) {
-  testing::TempDir dir;
-  const std::string path = dir.File("notas.txt");
+  TestDatabase dir(Engine::SQLite);
+  const std::string path = (dir.folder() / "notas.txt").string();
   const std::string text = "Estas son notas, no una base de datos.\n";
   std::ofstream(path) << text;
   EXPECT_THROW(OpenConnection("sqlite:" + path), DbError);
@@ -84,7 +91,7 @@ TEST(OpenConnection, AFileThatIsNotADatabaseIsRefusedAndLeftAlone) {
   std::stringstream back;
   back << in.rdbuf();
   EXPECT_EQ(back.str(), text);
-  EXPECT_THROW(OpenConnection("sqlite:" + dir.path().string()), DbError);  // a folder
+  EXPECT_THROW(OpenConnection("sqlite:" + dir.folder().string()), DbError);  // a folder
 }
 
 }  // namespace

@@ -47,13 +47,6 @@ inline std::vector<Engine> AllEngines() {
   return {Engine::SQLite, Engine::PostgreSQL};
 }
 
-// The engines this run can test: SQLite, and PostgreSQL when KMF_TEST_PG is set.
-inline std::vector<Engine> AvailableEngines() {
-  std::vector<Engine> out{Engine::SQLite};
-  if (PostgresUri()) out.push_back(Engine::PostgreSQL);
-  return out;
-}
-
 inline std::string EngineName(Engine engine) {
   return engine == Engine::SQLite ? "SQLite" : "PostgreSQL";
 }
@@ -109,8 +102,8 @@ class TestDatabase {
   const std::string& uri() const { return uri_; }
   // A new connection to this database.
   std::shared_ptr<Connection> Open() const { return OpenConnection(uri_); }
-  // The PostgreSQL schema ("" on SQLite).
-  const std::string& schema() const { return schema_; }
+  // SQLite: the folder of the database file, where a test may put other files too.
+  const std::filesystem::path& folder() const { return folder_; }
 
  private:
   Engine engine_;
@@ -151,14 +144,10 @@ class EngineTest : public ::testing::TestWithParam<Engine> {
   std::shared_ptr<Connection> cn;
 };
 
-inline std::string EngineParamName(const ::testing::TestParamInfo<Engine>& info) {
-  return EngineName(info.param);
-}
-
 }  // namespace kivmovfrec::testing
 
 // Instantiates an EngineTest suite once per engine (SQLite, PostgreSQL).
-#define KMF_INSTANTIATE_ENGINES(suite)                                               \
-  INSTANTIATE_TEST_SUITE_P(Engines, suite,                                           \
-                           ::testing::ValuesIn(::kivmovfrec::testing::AllEngines()), \
-                           ::kivmovfrec::testing::EngineParamName)
+#define KMF_INSTANTIATE_ENGINES(suite)                                          \
+  INSTANTIATE_TEST_SUITE_P(                                                     \
+      Engines, suite, ::testing::ValuesIn(::kivmovfrec::testing::AllEngines()), \
+      [](const auto& info) { return ::kivmovfrec::testing::EngineName(info.param); })
