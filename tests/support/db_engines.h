@@ -25,7 +25,6 @@
 #include <optional>
 #include <random>
 #include <string>
-#include <vector>
 
 #include "kivmovfrec/db.h"
 
@@ -40,11 +39,6 @@ inline std::optional<std::string> PostgresUri() {
   const char* uri = std::getenv("KMF_TEST_PG");
   if (uri == nullptr || *uri == '\0') return std::nullopt;
   return std::string(uri);
-}
-
-// Every engine, in a fixed order: what KMF_INSTANTIATE_ENGINES instantiates.
-inline std::vector<Engine> AllEngines() {
-  return {Engine::SQLite, Engine::PostgreSQL};
 }
 
 inline std::string EngineName(Engine engine) {
@@ -147,7 +141,8 @@ class EngineTest : public ::testing::TestWithParam<Engine> {
 }  // namespace kivmovfrec::testing
 
 // Instantiates an EngineTest suite once per engine (SQLite, PostgreSQL).
-#define KMF_INSTANTIATE_ENGINES(suite)                                          \
-  INSTANTIATE_TEST_SUITE_P(                                                     \
-      Engines, suite, ::testing::ValuesIn(::kivmovfrec::testing::AllEngines()), \
+#define KMF_INSTANTIATE_ENGINES(suite)                                                   \
+  INSTANTIATE_TEST_SUITE_P(                                                              \
+      Engines, suite,                                                                    \
+      ::testing::Values(::kivmovfrec::Engine::SQLite, ::kivmovfrec::Engine::PostgreSQL), \
       [](const auto& info) { return ::kivmovfrec::testing::EngineName(info.param); })
