@@ -22,15 +22,31 @@ std::string ErrorOf(const std::string& uri) {
   return "";
 }
 
-TEST(OpenConnection, CreatesAFileDatabaseWhenAbsent) {
+// An absent file is created; a missing folder is named and not created; a file that is not a
+// database, and a folder, are refused and left alone.
+TEST(OpenConnection, SqliteFiles) {
   TestDatabase dir(Engine::SQLite);
   const std::string path = (dir.folder() / "nueva.db").string();
   auto cn = OpenConnection("sqlite:" + path);
   EXPECT_EQ(cn->engine(), Engine::SQLite);
   cn->Execute("Create Table t (a INTEGER)");
   EXPECT_TRUE(std::filesystem::exists(path));
-  auto again = OpenConnection("SQLite:" + path);
-  EXPECT_TRUE(again->OpenResultset("Select * From t")->Eof());
+  EXPECT_TRUE(OpenConnection("SQLite:" + path)->OpenResultset("Select * From t")->Eof());
+
+  const auto missing = dir.folder() / "no_existe";
+  std::string error = ErrorOf("sqlite:" + (missing / "suite.db").string());
+  EXPECT_NE(error.find("No existe la carpeta de la base de datos"), std::string::npos) << error;
+  EXPECT_NE(error.find(missing.string()), std::string::npos) << error;
+  EXPECT_FALSE(std::filesystem::exists(missing));
+
+  const std::string notes = (dir.folder() / "notas.txt").string();
+  const std::string text = "Estas son notas, no una base de datos.\n";
+  std::ofstream(notes) << text;
+  EXPECT_THROW(OpenConnection("sqlite:" + notes), DbError);
+  std::stringstream back;
+  back << std::ifstream(notes).rdbuf();
+  EXPECT_EQ(back.str(), text);
+  EXPECT_THROW(OpenConnection("sqlite:" + dir.folder().string()), DbError);
 }
 
 TEST(OpenConnection, MemoryDatabasesArePrivate) {
@@ -38,15 +54,6 @@ TEST(OpenConnection, MemoryDatabasesArePrivate) {
   auto b = OpenConnection("sqlite::memory:");
   a->Execute("Create Table t (a INTEGER)");
   EXPECT_THROW(b->Execute("Insert Into t Values (1)"), DbError);
-}
-
-TEST(OpenConnection, MissingFolderIsNamedAndNotCreated) {
-  TestDatabase dir(Engine::SQLite);
-  const auto missing = dir.folder() / "no_existe";
-  std::string error = ErrorOf("sqlite:" + (missing / "suite.db").string());
-  EXPECT_NE(error.find("No existe la carpeta de la base de datos"), std::string::npos) << error;
-  EXPECT_NE(error.find(missing.string()), std::string::npos) << error;
-  EXPECT_FALSE(std::filesystem::exists(missing));
 }
 
 TEST(OpenConnection, MalformedUrisAreRefusedWithTheAcceptedForms) {
@@ -79,19 +86,6 @@ TEST(PgOpenConnection, PostgresUrisOpenThePostgresAdapter) {
   // The other spelling of the scheme, in capitals.
   std::string other = "POSTGRES" + uri->substr(uri->find("://"));
   EXPECT_EQ(OpenConnection(other)->engine(), Engine::PostgreSQL);
-}
-
-TEST(OpenConnection, AFileThatIsNotADatabaseIsRefusedAndLeftAlone) {
-  TestDatabase dir(Engine::SQLite);
-  const std::string path = (dir.folder() / "notas.txt").string();
-  const std::string text = "Estas son notas, no una base de datos.\n";
-  std::ofstream(path) << text;
-  EXPECT_THROW(OpenConnection("sqlite:" + path), DbError);
-  std::ifstream in(path);
-  std::stringstream back;
-  back << in.rdbuf();
-  EXPECT_EQ(back.str(), text);
-  EXPECT_THROW(OpenConnection("sqlite:" + dir.folder().string()), DbError);  // a folder
 }
 
 }  // namespace
