@@ -31,10 +31,6 @@ int Fit(MsgButtons buttons, int answer) {
   return kMsgOK;
 }
 
-std::string SettingKey(std::string_view name) {
-  return AsciiLower(TrimBlanks(name));
-}
-
 }  // namespace
 
 // ---- ScriptedMessages -----------------------------------------------------------------------
@@ -73,10 +69,7 @@ std::optional<double> ScriptedInput::PedirNumero(const std::string& prompt,
                                                  const std::string& caption, double proposed) {
   Asked asked{prompt, caption, proposed, {}, std::nullopt};
   while (true) {
-    if (answers_.empty()) {
-      if (accept_proposed_) asked.result = proposed;
-      break;
-    }
+    if (answers_.empty()) break;
     const Pending next = answers_.front();
     answers_.pop_front();
     if (next.value) {
@@ -99,23 +92,17 @@ std::optional<double> ScriptedInput::PedirNumero(const std::string& prompt,
 
 ScriptedDBFncs::ScriptedDBFncs(std::shared_ptr<Connection> cn, std::shared_ptr<IMessages> help)
     : cn_(std::move(cn)), help_(std::move(help)) {
-  if (!help_) throw std::invalid_argument("ScriptedDBFncs: faltan los mensajes");
-}
-
-void ScriptedDBFncs::SetSetting(std::string name, Variant value) {
-  settings_[SettingKey(name)] = std::move(value);
+  if (!cn_ || !help_)
+    throw std::invalid_argument("ScriptedDBFncs: faltan la conexión o los mensajes");
 }
 
 int32_t ScriptedDBFncs::GetTableCounter(std::string_view table) {
   if (counters_fail_ || !IsPlainName(table)) return -1;
-  if (cn_) return DrawTableCounter(*cn_, table);
-  return ++counters_[std::string(table)];
+  return DrawTableCounter(*cn_, table);
 }
 
 Variant ScriptedDBFncs::GetSetting(std::string_view name) {
-  const auto it = settings_.find(SettingKey(name));
-  if (it != settings_.end()) return it->second;
-  return cn_ ? ReadSetting(*cn_, name) : Variant();
+  return ReadSetting(*cn_, name);
 }
 
 void ScriptedDBFncs::ShowHelp(int context_id) {
@@ -124,27 +111,9 @@ void ScriptedDBFncs::ShowHelp(int context_id) {
 
 bool ScriptedDBFncs::VincularAvisos(int32_t aviso, const std::string& usuarios) {
   bool accepted = !links_fail_;
-  if (accepted) {
-    accepted = cn_ ? LinkNoticeUsers(*cn_, aviso, usuarios)
-                   : aviso > 0 && ParseUserList(usuarios).has_value();
-  }
+  if (accepted) accepted = LinkNoticeUsers(*cn_, aviso, usuarios);
   links_.push_back({aviso, usuarios, accepted});
   return accepted;
-}
-
-// ---- ScriptedBalance ------------------------------------------------------------------------
-
-void ScriptedBalance::Set(int32_t cuenta, Date desde, double saldo) {
-  saldos_[cuenta][std::floor(desde.serial)] = saldo;
-}
-
-double ScriptedBalance::Saldo(int32_t cuenta, Date fecha) {
-  asked_.emplace_back(cuenta, fecha);
-  const auto account = saldos_.find(cuenta);
-  if (account == saldos_.end()) return 0;
-  auto it = account->second.upper_bound(std::floor(fecha.serial));
-  if (it == account->second.begin()) return 0;
-  return std::prev(it)->second;
 }
 
 // ---- ScriptedServices -----------------------------------------------------------------------
@@ -156,12 +125,7 @@ ScriptedServices ScriptedServices::Make(std::shared_ptr<Connection> cn, Date hoy
   s.clock = std::make_shared<FixedClock>(hoy);
   s.rights = std::make_shared<MemoryUserRights>(usuario);
   s.db = std::make_shared<ScriptedDBFncs>(cn, s.messages);
-  if (cn) {
-    s.balance = std::make_shared<DbAccountBalance>(cn);
-  } else {
-    s.scripted_balance = std::make_shared<ScriptedBalance>();
-    s.balance = s.scripted_balance;
-  }
+  s.balance = std::make_shared<DbAccountBalance>(cn);
   return s;
 }
 

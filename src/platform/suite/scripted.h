@@ -51,8 +51,7 @@ class ScriptedMessages final : public IMessages {
 // Numeric prompts. Each prompt takes queued answers until one is a number: a typed text is read
 // as the console reads it (vb::ReadTypedNumber: "1.500,25"; one that is not a number or could be
 // read two ways is recorded as refused and the next one is taken), a queued value is taken as it
-// is, a queued std::nullopt cancels. With the queue empty the prompt is cancelled unless a
-// default answer was set.
+// is, a queued std::nullopt cancels. With the queue empty the prompt is cancelled.
 class ScriptedInput final : public IInput {
  public:
   struct Asked {
@@ -65,8 +64,6 @@ class ScriptedInput final : public IInput {
 
   void Answer(std::optional<std::string> typed);
   void Answer(double value);
-  // Used when the queue is empty: the proposed value (accept_proposed) or cancel.
-  void AcceptProposedByDefault(bool accept_proposed) { accept_proposed_ = accept_proposed; }
 
   std::optional<double> PedirNumero(const std::string& prompt, const std::string& caption,
                                     double proposed) override;
@@ -79,16 +76,14 @@ class ScriptedInput final : public IInput {
     std::optional<double> value;
   };
   std::deque<Pending> answers_;
-  bool accept_proposed_ = false;
   std::vector<Asked> asked_;
 };
 
-// DBFncs for tests. Counters come from genContadores when a connection is given (so they are
-// atomic and transactional exactly like the default service), otherwise from memory starting at
-// 1. Settings set here win over genParametros. Help goes to the messages' help record. Notice
-// links are recorded and, with a connection, written to genAvisosUsuarios as the default
-// service does; they are refused (false) when LinksFail(true) was set, when the list is
-// malformed, or, with a connection, when the default service refuses them.
+// DBFncs for tests. Counters come from genContadores (so they are atomic and transactional
+// exactly like the default service) and settings from genParametros. Help goes to the messages'
+// help record. Notice links are recorded and written to genAvisosUsuarios as the default service
+// does; they are refused (false) when LinksFail(true) was set or when the default service
+// refuses them.
 class ScriptedDBFncs final : public IDBFncs {
  public:
   struct Link {
@@ -97,9 +92,9 @@ class ScriptedDBFncs final : public IDBFncs {
     bool accepted = false;
   };
 
+  // Throws std::invalid_argument when `cn` or `help` is null.
   ScriptedDBFncs(std::shared_ptr<Connection> cn, std::shared_ptr<IMessages> help);
 
-  void SetSetting(std::string name, Variant value);
   // Makes every further counter draw fail with -1 (or work again).
   void CountersFail(bool fail) { counters_fail_ = fail; }
   void LinksFail(bool fail) { links_fail_ = fail; }
@@ -114,25 +109,9 @@ class ScriptedDBFncs final : public IDBFncs {
  private:
   std::shared_ptr<Connection> cn_;
   std::shared_ptr<IMessages> help_;
-  std::map<std::string, Variant> settings_;  // key: trimmed, lower-case name
-  std::map<std::string, int32_t> counters_;  // without a connection
   bool counters_fail_ = false;
   bool links_fail_ = false;
   std::vector<Link> links_;
-};
-
-// Balances given by the test: Set(account, date, balance) declares the balance from that day
-// on; Saldo answers the latest one dated on or before the date asked, 0 when there is none.
-// Every question is recorded.
-class ScriptedBalance final : public IAccountBalance {
- public:
-  void Set(int32_t cuenta, Date desde, double saldo);
-  double Saldo(int32_t cuenta, Date fecha) override;
-  const std::vector<std::pair<int32_t, Date>>& asked() const { return asked_; }
-
- private:
-  std::map<int32_t, std::map<double, double>> saldos_;  // account -> day -> balance
-  std::vector<std::pair<int32_t, Date>> asked_;
 };
 
 // A full set of scripted services with typed access to each part.
@@ -142,12 +121,10 @@ struct ScriptedServices {
   std::shared_ptr<FixedClock> clock;
   std::shared_ptr<MemoryUserRights> rights;
   std::shared_ptr<ScriptedDBFncs> db;
-  // The database balance when a connection is given, else `scripted_balance`.
-  std::shared_ptr<IAccountBalance> balance;
-  std::shared_ptr<ScriptedBalance> scripted_balance;  // null when a connection is given
+  std::shared_ptr<IAccountBalance> balance;  // the database's
 
-  // `cn` may be null (counters and settings in memory, scripted balances). "Today" is `hoy`;
-  // the rights belong to `usuario` and start empty.
+  // Services over `cn` (std::invalid_argument when null). "Today" is `hoy`; the rights belong
+  // to `usuario` and start empty.
   static ScriptedServices Make(std::shared_ptr<Connection> cn, Date hoy, int32_t usuario = 1);
 
   // The bundle for the façade (the date calculator left empty, to be filled by the caller).
