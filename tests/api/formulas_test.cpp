@@ -90,28 +90,11 @@ TEST_P(Formulas, RecalculationUpdatesTheLinesInPlaceAndAsksTheRate) {
   EXPECT_DOUBLE_EQ(lineas->Renglon(3)->ImporteMF(), 17.36);
 }
 
+// The macros are the legend's own (tests/formula/leyenda_test.cpp).
 TEST_P(Formulas, LegendMacros) {
-  const Date d = vb::DateSerial(2008, 2, 15);
-  EXPECT_EQ(mf.InterpretarFormulaLeyenda("Alquiler &[FFAñoMes] al &[FUltimoDia]", d),
+  EXPECT_EQ(mf.InterpretarFormulaLeyenda("Alquiler &[FFAñoMes] al &[FUltimoDia]",
+                                         vb::DateSerial(2008, 2, 15)),
             "Alquiler 02/2008 al 29/02/2008");
-  EXPECT_EQ(mf.InterpretarFormulaLeyenda("&[FFMes-1]", vb::DateSerial(2005, 3, 31)), "28/02/2005");
-  EXPECT_EQ(mf.InterpretarFormulaLeyenda("&[FechaL]", vb::DateSerial(2005, 8, 2)),
-            "Martes, 02 de Agosto de 2005");
-  EXPECT_EQ(mf.InterpretarFormulaLeyenda("&[FAño] y &[FAño-1]", d), "&[FAño] y &[FAño-1]");
-  EXPECT_EQ(mf.InterpretarFormulaLeyenda("Sin macros", d), "Sin macros");
-}
-
-TEST(FormulasSinConexion, EveryMemberIsANoOp) {
-  clsMovFrecuente mf;
-  clsRenglonesMF lineas;
-  bool editable = true;
-  double importe = 3;
-  EXPECT_FALSE(mf.SetCalculoFormulasMF(1, true));
-  EXPECT_FALSE(mf.GetValueUnaPata(lineas, 1, 1, editable, importe));
-  EXPECT_FALSE(mf.RecalcularFormulasMF(lineas, 1, true));
-  EXPECT_EQ(mf.InterpretarFormulaLeyenda("&[FechaC]", vb::DateSerial(2005, 8, 2)), "");
-  EXPECT_TRUE(editable);
-  EXPECT_DOUBLE_EQ(importe, 3);
 }
 
 KMF_INSTANTIATE_ENGINES(Formulas);

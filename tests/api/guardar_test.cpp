@@ -1,5 +1,5 @@
 // Connect and the two saves through the façade, why a member failed, and the members before
-// Connect.
+// Connect (every one a no-op).
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -55,6 +55,15 @@ TEST_P(FachadaSinConectar, CadaMiembroNoHaceNada) {
   bool ultima = true;
   EXPECT_FALSE(mf.DarRealizadaFechaAgenda(1, ultima));
   EXPECT_FALSE(ultima);
+  clsRenglonesMF lineas;
+  bool editable = true;
+  double importe = 3;
+  EXPECT_FALSE(mf.SetCalculoFormulasMF(1, true));
+  EXPECT_FALSE(mf.GetValueUnaPata(lineas, 1, 1, editable, importe));
+  EXPECT_FALSE(mf.RecalcularFormulasMF(lineas, 1, true));
+  EXPECT_EQ(mf.InterpretarFormulaLeyenda("&[FechaC]", kHoy), "");
+  EXPECT_TRUE(editable);
+  EXPECT_DOUBLE_EQ(importe, 3);
   EXPECT_TRUE(sv.messages->shown().empty());
   EXPECT_EQ(TakeSnapshot(*cn, MovementTables()), antes);
 
