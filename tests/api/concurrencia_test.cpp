@@ -38,22 +38,6 @@ struct FachadaPropia {
   clsMovFrecuente mf;
 };
 
-// A new entry with two lines in the façade's current movement.
-void NuevoConLineas(clsMovFrecuente& mf, const std::string& nombre) {
-  mf.CleanEstructura();
-  auto e = mf.EstructuraMovFrec();
-  e->MovFrecuente()->Empresa(1);
-  e->MovFrecuente()->Tipo(enuTipoMovFrec::Asiento);
-  e->MovFrecuente()->Nombre(nombre);
-  for (int32_t cuenta : {141, 113}) {
-    auto r = std::make_shared<clsRegRenglonMF>();
-    r->Cuenta(cuenta);
-    r->AlDebe(cuenta == 141);
-    r->Detalle(nombre);
-    e->Renglones()->AddRenglon(r);
-  }
-}
-
 class Concurrencia : public Fachada {};
 
 // Reads the whitespace-separated integers a child wrote, `n` per line.
@@ -71,7 +55,7 @@ TEST_P(Concurrencia, OcurrenciaRealizadaDesdeVariosProcesosNoSeCuentaDosVeces) {
   constexpr int kProcesos = 4;
   constexpr int kCada = 40;
   // Demo movement 1 repeats monthly and never ends; a new weekly one ends after 30 occurrences.
-  NuevoConLineas(mf, "Semanal que termina");
+  AsientoNuevo(mf, "Semanal que termina", {141, 113});
   auto rec = mf.EstructuraMovFrec()->Recurrencia();
   rec->Frecuencia("000007");
   rec->FechaProxima("07/01/2027");
@@ -184,7 +168,7 @@ TEST_P(Concurrencia, BaseOcupadaDaUnErrorClaroYDetieneLaEjecucionAlPrimerIntento
   constexpr int kVencidos = 100;
   std::vector<int32_t> ids;
   for (int i = 0; i < kVencidos; ++i) {
-    NuevoConLineas(mf, "Vencido " + std::to_string(i));
+    AsientoNuevo(mf, "Vencido " + std::to_string(i), {141, 113});
     auto e = mf.EstructuraMovFrec();
     for (int16_t l = 1; l <= 2; ++l) e->Renglones()->Renglon(l)->ImporteMF(100);
     e->Recurrencia()->Frecuencia("000000");
@@ -202,7 +186,7 @@ TEST_P(Concurrencia, BaseOcupadaDaUnErrorClaroYDetieneLaEjecucionAlPrimerIntento
   f.sv.rights->Set(1, "PasajeAsientos", "AMEe");
   auto& m = f.mf;
   // The locked save gives 0 and leaves the report to its caller.
-  NuevoConLineas(m, "Con la base ocupada");
+  AsientoNuevo(m, "Con la base ocupada", {141, 113});
   EXPECT_EQ(m.SaveMovimientoFrecuenteConBloqueo(), 0);
   EXPECT_TRUE(f.sv.messages->shown().empty());
   // The members that trap their errors show the engine's lock error and give false.
@@ -224,7 +208,7 @@ TEST_P(Concurrencia, BaseOcupadaDaUnErrorClaroYDetieneLaEjecucionAlPrimerIntento
   EXPECT_THROW(m.SaveMovimientoFrecuente(), DbError);
   // With the default timeouts of a connection opened by URI the wait is bounded too.
   FachadaPropia normal(database().Open());
-  NuevoConLineas(normal.mf, "Con la espera normal");
+  AsientoNuevo(normal.mf, "Con la espera normal", {141, 113});
   EXPECT_EQ(normal.mf.SaveMovimientoFrecuenteConBloqueo(), 0);
 
   // The main job: one transaction begun, nothing reported but the reason it stopped.
@@ -248,7 +232,7 @@ TEST_P(Concurrencia, BaseOcupadaDaUnErrorClaroYDetieneLaEjecucionAlPrimerIntento
 
   // Once the other transaction ends the same work goes through.
   otro->RollbackTrans();
-  NuevoConLineas(m, "Con la base libre");
+  AsientoNuevo(m, "Con la base libre", {141, 113});
   EXPECT_GT(m.SaveMovimientoFrecuenteConBloqueo(), 0);
   EXPECT_TRUE(m.DarRealizadaFechaAgenda(1));
   if (!postgres()) return;

@@ -15,20 +15,6 @@ namespace {
 
 class Guardar : public Fachada {};
 
-std::shared_ptr<clsRegRenglonMF> Linea(int32_t cuenta) {
-  auto r = std::make_shared<clsRegRenglonMF>();
-  r->Cuenta(cuenta);
-  return r;
-}
-
-void Asiento(clsMovFrecuente& mf, const std::string& nombre) {
-  mf.CleanEstructura();
-  auto m = mf.EstructuraMovFrec()->MovFrecuente();
-  m->Empresa(1);
-  m->Tipo(enuTipoMovFrec::Asiento);
-  m->Nombre(nombre);
-}
-
 class FachadaSinConectar : public DemoEngineTest {};
 
 TEST_P(FachadaSinConectar, CadaMiembroNoHaceNada) {
@@ -87,18 +73,18 @@ TEST_P(Guardar, ConnectLeeParametrosIdiomaEInstalaElReloj) {
 }
 
 TEST_P(Guardar, ElDiarioPorDefectoEsElDeLaEmpresa) {
-  Asiento(mf, "Asiento de la empresa 2");
+  AsientoNuevo(mf, "Asiento de la empresa 2");
   mf.Empresa(2);
   const int32_t id = mf.SaveMovimientoFrecuente();
   EXPECT_EQ(vb::CLng(Mov(id, "MFrModalidad")), 2);  // EmpPrms 'LIB:2|...'
-  Asiento(mf, "Asiento de la empresa 1");
+  AsientoNuevo(mf, "Asiento de la empresa 1");
   mf.Empresa(1);
   EXPECT_EQ(vb::CLng(Mov(mf.SaveMovimientoFrecuenteConBloqueo(), "MFrModalidad")), 1);
 }
 
 TEST_P(Guardar, SoloElGuardadoConBloqueoReiniciaLaOcurrenciaDeUnaAgendaUnica) {
   for (bool bloqueo : {false, true}) {
-    Asiento(mf, bloqueo ? "Con bloqueo" : "Sin bloqueo");
+    AsientoNuevo(mf, bloqueo ? "Con bloqueo" : "Sin bloqueo");
     auto rec = mf.EstructuraMovFrec()->Recurrencia();
     rec->Frecuencia("000000");
     rec->FechaProxima("20/12/2026");
@@ -136,13 +122,14 @@ TEST_P(Guardar, ElGuardadoConBloqueoDicePorQueFallo) {
            {"solo lectura", "la base de datos es de solo lectura (", false},
        }) {
     SCOPED_TRACE(c.nombre);
-    Asiento(mf, c.nombre);
+    AsientoNuevo(mf, c.nombre);
     if (c.nombre == "solo lectura") {
       ASSERT_TRUE(mf.LoadMF(18));  // an update: no key to draw
     }
     for (const char* formula : {"[10:]", " [10:] "}) {
       if (c.nombre != "dos diferencias") break;
-      auto l = Linea(102);
+      auto l = std::make_shared<clsRegRenglonMF>();
+      l->Cuenta(102);
       l->Formula(formula);
       mf.EstructuraMovFrec()->Renglones()->AddRenglon(l);
     }

@@ -122,18 +122,10 @@ class Fallos : public Fachada {
 void Nada(clsMovFrecuente&) {}
 
 void NuevoVinculadoConAgendaYLineas(clsMovFrecuente& mf) {
-  auto e = mf.EstructuraMovFrec();
-  e->MovFrecuente()->Empresa(1);
-  e->MovFrecuente()->Tipo(enuTipoMovFrec::Asiento);
-  e->MovFrecuente()->Nombre("Nuevo con todo");
-  e->MovFrecuente()->MovVinculado(16);
-  e->Recurrencia()->Frecuencia("200001");
-  e->Recurrencia()->FechaProxima("01/12/2026");
-  for (int32_t cuenta : {141, 113}) {
-    auto r = std::make_shared<clsRegRenglonMF>();
-    r->Cuenta(cuenta);
-    e->Renglones()->AddRenglon(r);
-  }
+  AsientoNuevo(mf, "Nuevo con todo", {141, 113});
+  mf.EstructuraMovFrec()->MovFrecuente()->MovVinculado(16);
+  mf.EstructuraMovFrec()->Recurrencia()->Frecuencia("200001");
+  mf.EstructuraMovFrec()->Recurrencia()->FechaProxima("01/12/2026");
 }
 
 void ExistenteModificado(clsMovFrecuente& mf) {
