@@ -74,7 +74,10 @@ check_main_job() {
   entries0=$(q "Select Count(*) From ($entries)")
   vouchers0=$(q "Select Count(*) From ($vouchers)")
   run_main_job
-  expect "entries written" $(($(q "Select Count(*) From ($entries)") - entries0)) 8
+  # Worked out from demo.sql: November's rent, social charges with their bank fee, VAT and
+  # exchange difference; December's rent and VAT (December's social charges and their fee are
+  # 0); the accountants' fees voucher.
+  expect "entries written" $(($(q "Select Count(*) From ($entries)") - entries0)) 7
   expect "vouchers written" $(($(q "Select Count(*) From ($vouchers)") - vouchers0)) 1
   expect "documents without two lines or not balanced" "$(q "
     Select (Select Count(*) From ($entries) Where AsiID Not In (Select ACuIDAsiento
@@ -91,7 +94,7 @@ check_main_job() {
   before=$(sqlite3 "$db" .dump | md5sum)
   run_main_job
   expect "database after a second run" "$(sqlite3 "$db" .dump | md5sum)" "$before"
-  echo "   8 entries and 1 voucher, balanced; a second run wrote nothing"
+  echo "   7 entries and 1 voucher, balanced; a second run wrote nothing"
 }
 
 echo "== PostgreSQL: throwaway cluster"

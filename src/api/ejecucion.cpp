@@ -10,6 +10,7 @@
 
 #include "api/avance_agenda.h"
 #include "api/grupo_vinculado.h"
+#include "formula/calculo_fx.h"
 #include "formula/funciones_fx.h"
 #include "formula/leyenda.h"
 #include "formula/monedas.h"
@@ -154,8 +155,7 @@ class Ejecutor {
       propio_ = std::make_unique<schedule::DateCalculator>();
       calendario_ = propio_.get();
     }
-    clsEmpresa contexto;
-    if (contexto.Load(empresa, cn)) moneda_contable_ = contexto.MonedaContabilidad();
+    if (empresa_.Load(empresa, cn)) moneda_contable_ = empresa_.MonedaContabilidad();
     // The currencies as the formula evaluator rounds with them (0 = the accounting currency).
     monedas_.Connect(std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn));
     monedas_.MonedaContabilidad(moneda_contable_);
@@ -192,7 +192,7 @@ class Ejecutor {
         r.estado = EstadoOcurrencia::Ejecutada;
         for (const MiembroGrupo& m : grupo) {
           if (m.id == v.id || (m.estado == 0 && EsAsientoOComprobante(m.tipo))) {
-            r.documentos.push_back(Documento(m, m.id == v.id, v.fecha));
+            r.documentos.push_back(Documento(m, v.fecha, r.documentos));
           }
         }
       }
@@ -308,22 +308,29 @@ class Ejecutor {
             m != nullptr ? datos.simbolo : "moneda " + std::to_string(id)};
   }
 
-  // Computes member `m` as of `fecha` and writes its document.
-  DocumentoGenerado Documento(const MiembroGrupo& m, bool agendado, Date fecha) {
+  // Computes member `m` as of `fecha` and writes its document. `previos` are the documents the
+  // members before it generated in this occurrence: a value taken from another movement's
+  // document ([CuentaProyectoCentroCosto]) must come from one of them.
+  DocumentoGenerado Documento(const MiembroGrupo& m, Date fecha,
+                              const std::vector<DocumentoGenerado>& previos) {
     const std::string quien = Quien(m.id, m.nombre);
-    mf_.CleanEstructura();
-    // A member without a schedule of its own is computed as of the group's due date.
-    if (!agendado) {
-      mf_.EstructuraMovFrec()->Recurrencia()->FechaProxima(vb::CStr(Variant(SoloDia(fecha))));
-    }
-    if (!mf_.SetCalculoFormulasMF(m.id, false)) {
-      const std::string& error = mf_.UltimaTrazaFx().error;
+    const SuiteServices& sv = mf_.Servicios();
+    formula::clsCalculoFx calculo(std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn_),
+                                  empresa_, {sv.input, sv.clock, sv.balance});
+    calculo.Funciones().Ocurrencia([&previos](int32_t id) -> std::optional<int32_t> {
+      for (const DocumentoGenerado& d : previos) {
+        if (d.movimiento == id) return d.id;
+      }
+      return std::nullopt;
+    });
+    clsMFTipo mov;
+    Date dia = SoloDia(fecha);
+    // Prompts are allowed: a movement that needs a typed value cannot run unattended.
+    if (!calculo.SetCalculoFormulasMF(mov, m.id, false, dia)) {
+      const std::string& error = calculo.Traza().error;
       throw std::runtime_error(quien + ": " + (error.empty() ? "fórmula sin resultado" : error));
     }
-    const TrazaCalculoFx& traza = mf_.UltimaTrazaFx();
-    if (Dia(traza.fecha) != Dia(fecha)) {
-      throw std::runtime_error(quien + ": se calculó para otra fecha");
-    }
+    const TrazaCalculoFx& traza = calculo.Traza();
     for (const TrazaLineaFx& t : traza.lineas) {
       if (t.reintento_tras_error.empty()) continue;
       throw std::runtime_error(
@@ -333,7 +340,6 @@ class Ejecutor {
           "\".\" después de un error (" +
           t.reintento_tras_error + "); revise la fórmula antes de ejecutarlo");
     }
-    const clsMFTipo& mov = *mf_.EstructuraMovFrec();
     const clsRegMovimientoFrecuente& cab = *mov.MovFrecuente();
     DocumentoGenerado doc;
     doc.movimiento = m.id;
@@ -476,6 +482,7 @@ class Ejecutor {
   IDateCalculator* calendario_ = nullptr;
   std::unique_ptr<IDateCalculator> propio_;
   int16_t moneda_contable_ = 0;
+  clsEmpresa empresa_;
 };
 
 }  // namespace

@@ -18,10 +18,14 @@
 //     state) mean it was executed before — a schedule rewound by importing an old export, for
 //     instance. Nothing is generated again: the schedule advances and the documents found are
 //     reported. An occurrence whose lines were all 0 wrote nothing and so leaves nothing to find.
-//  3. Each member's lines are computed as of the due date (clsMovFrecuente::SetCalculoFormulasMF,
-//     prompts allowed: a movement that needs a typed value cannot run unattended). A line whose
-//     value exists only because its expression was retried with "," read as "." after a
-//     run-time error (TrazaLineaFx::reintento_tras_error) refuses the occurrence.
+//  3. Each member's lines are computed as of the due date by the formula evaluator with the
+//     façade's services (prompts allowed: a movement that needs a typed value cannot run
+//     unattended). A line whose value exists only because its expression was retried with ","
+//     read as "." after a run-time error (TrazaLineaFx::reintento_tras_error) refuses the
+//     occurrence. A value read from another movement's document ([CuentaProyectoCentroCosto])
+//     comes only from a document a member before it generated in this occurrence, or is 0 when
+//     that member generated none; any other document (one of an earlier occurrence written
+//     moments ago by the same run, say) gives no value and refuses the occurrence.
 //  4. Each line that is written must name an account of the movement's company that is not a
 //     folder (storage::ProblemaCuentaRenglon); one that does not refuses the occurrence.
 //     Each member becomes a document: an entry (cceAsientos + cceAsientoCuenta, AsiEstado 1,

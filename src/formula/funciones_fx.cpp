@@ -414,8 +414,23 @@ TrazaElementoFx clsFuncionesFx::OtroMovimiento(bool es_comprobante,
       return SinValor(
           t, "el movimiento " + std::to_string(*mov) + " no tiene la línea (" + linea + ")");
     }
-    const Date desde = vb::DateAdd("n", -2, Ahora());
     const std::string doc = es_comprobante ? "comprobante" : "asiento";
+    std::optional<int32_t> propio;  // the document generated in the occurrence being executed
+    if (ocurrencia_) {
+      propio = ocurrencia_(*mov);
+      if (!propio) {
+        return SinValor(t, "el movimiento " + std::to_string(*mov) +
+                               " no se ejecutó antes en esta ocurrencia: su " + doc +
+                               " no se puede tomar de otra");
+      }
+      if (*propio == 0) {
+        t.valor = 0.0;
+        t.detalle = "el movimiento " + std::to_string(*mov) +
+                    " no generó documento en esta ocurrencia (todos sus importes son 0)";
+        return t;
+      }
+    }
+    const Date desde = vb::DateAdd("n", -2, Ahora());
     std::optional<int32_t> documento;
     std::optional<double> debe, haber, importe_cuenta;
     int filas = 0;
@@ -444,6 +459,11 @@ TrazaElementoFx clsFuncionesFx::OtroMovimiento(bool es_comprobante,
                              ")");
     }
     t.documento = *documento;
+    if (propio && *documento != *propio) {
+      return SinValor(t, "el " + doc + " más reciente del movimiento " + std::to_string(*mov) +
+                             " es el " + std::to_string(*documento) + ", no el " +
+                             std::to_string(*propio) + " generado en esta ocurrencia");
+    }
     if (filas == 0) {
       return SinValor(t, "el " + doc + " " + std::to_string(*documento) +
                              " (el último del movimiento " + std::to_string(*mov) +

@@ -65,6 +65,11 @@ struct ServiciosFx {
   std::shared_ptr<IAccountBalance> balance;
 };
 
+// For the main job: the document a movement generated in the occurrence being executed, 0 when
+// it was worked out and generated none (every amount 0), nothing when it has not been worked out
+// in this occurrence (it is not part of it, or comes later in the group's order).
+using DocumentosOcurrencia = std::function<std::optional<int32_t>(int32_t movimiento)>;
+
 // Reduces an arithmetic expression or runs a script: the script host (EvaluateScript) unless a
 // caller installs another one (tests count the calls through it).
 using EvaluadorExpresion =
@@ -135,8 +140,16 @@ class clsFuncionesFx {
   // account's currency, is reported in the trace and never mixed into the formula. No document
   // in the window, or a newest document without that line, gives no value: the formula then
   // has no result rather than a stale or invented amount.
+  // Inside an occurrence of the main job (Ocurrencia set) only what this occurrence generated
+  // counts, because a run that catches up on several due dates writes documents of earlier
+  // occurrences within the same two minutes: a movement that generated no document here gives
+  // 0 (its amounts were 0), one not worked out here gives no value, and the newest document
+  // must be the one generated here.
   TrazaElementoFx OtroMovimiento(bool es_comprobante, const std::vector<std::string>& args,
                                  std::string_view elemento);
+
+  // Limits OtroMovimiento to the documents of the occurrence being executed (see above).
+  void Ocurrencia(DocumentosOcurrencia f) { ocurrencia_ = std::move(f); }
 
   // The statements that look for the documents generated from movement `id` since `desde`.
   std::string SqlDocumentos(bool es_comprobante, int32_t id, Date desde) const;
@@ -159,6 +172,7 @@ class clsFuncionesFx {
   std::optional<int32_t> tipo_indice_;
   bool tipo_indice_leido_ = false;
   EvaluadorExpresion evaluador_;
+  DocumentosOcurrencia ocurrencia_;
 };
 
 }  // namespace kivmovfrec::formula

@@ -113,6 +113,12 @@ TEST_P(Ejecucion, EveryDueOccurrenceIsPostedOnceAndReportedAsItFinishes) {
   EXPECT_EQ(avance.back().conocidas, avance.size());
   EXPECT_EQ(Documentos(1), 3);
   EXPECT_EQ(Agenda(1).FechaProxima(), "10/02/2027");
+  // The bank fee (26) is 0,1 % of what the social charges (25) paid in the same occurrence.
+  // They pay nothing after November, so neither does the fee, although November's payment was
+  // written moments before by this same run.
+  EXPECT_EQ(Documentos(25), 1);
+  EXPECT_EQ(Documentos(26), 1);
+  for (const auto& d : De(r, 25, Dia(2026, 12, 10)).documentos) EXPECT_EQ(d.id, 0);
 
   // The rent as of its due date, written as the demo computes it, with the memo's legend.
   const auto renta = De(r, 1, Dia(2026, 11, 10)).documentos;

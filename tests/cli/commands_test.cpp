@@ -468,16 +468,17 @@ TEST_P(MovfrecComandos, EjecutarPostsEachOccurrenceOnceEvenAfterImportingAnOldEx
                   "asiento 103 del movimiento 26 por 205,00\n"))
       << r.out;
   ASSERT_EQ(Run({"importar", viejo}).status, 0);
-  // Every occurrence finds the documents the first run wrote (the exchange difference of 31/12
-  // had none) and none is written again.
+  // Every occurrence finds the documents the first run wrote and none is written again; the
+  // three whose amounts were all 0 (social charges and their fee after November, the exchange
+  // difference of 30/12) had none and write none again.
   const Result otra = Run({"ejecutar", "--hasta", "2027-01-15"});
   EXPECT_TRUE(Has(otra.out,
-                  "12 ocurrencias hasta el 15/01/2027: 1 ejecutadas, 11 ya generadas, "
+                  "12 ocurrencias hasta el 15/01/2027: 3 ejecutadas, 9 ya generadas, "
                   "0 hechas en otra ejecución, 0 con error; 0 documentos.\n"))
       << otra.out;
   EXPECT_TRUE(Has(otra.out,
-                  "10/12/2026  25 Pago de cargas sociales: ya generado: asiento 107 del "
-                  "movimiento 26; la agenda avanza\n"))
+                  "10/11/2026  25 Pago de cargas sociales: ya generado: asiento 102; asiento 103 "
+                  "del movimiento 26; la agenda avanza\n"))
       << otra.out;
 
   // An occurrence that cannot run unattended is reported, exit 1, and stays due; that

@@ -49,70 +49,62 @@ TEST(Tokenize, RefusesUnclosedQuotesAndParentheses) {
   EXPECT_THROW(Lite("Select 1) from t"), DbError);
 }
 
-TEST(Translate, TopBecomesLimitOnASingleSelect) {
-  EXPECT_EQ(Lite("Select Top 1 CMoFecha From genCotizacionesMoneda Order by CMoFecha DESC"),
-            "Select CMoFecha From genCotizacionesMoneda Order by CMoFecha DESC LIMIT 1");
-  EXPECT_EQ(Lite("select distinct top (5) a from t;"), "select distinct a from t LIMIT 5;");
-  EXPECT_EQ(Lite("SELECT TOP(2)x FROM t"), "SELECT x FROM t LIMIT 2");
-  EXPECT_EQ(Pg("Select Top 3 * From t"), "Select * From t LIMIT 3");
+// The translation on each target; `pg` null: the same text as on SQLite.
+TEST(Translate, RewritesTopPlusAndLikeAndNothingElse) {
+  struct Case {
+    const char* sql;
+    const char* lite;
+    const char* pg = nullptr;
+  } const cases[] = {
+      // Top becomes Limit at the end of its own select, inside a sub-select too.
+      {"Select Top 1 CMoFecha From genCotizacionesMoneda Order by CMoFecha DESC",
+       "Select CMoFecha From genCotizacionesMoneda Order by CMoFecha DESC LIMIT 1"},
+      {"select distinct top (5) a from t;", "select distinct a from t LIMIT 5;"},
+      {"SELECT TOP(2)x FROM t", "SELECT x FROM t LIMIT 2"},
+      {"Select a From t Where b IN (Select Top 1 b From u Order by c) And d = 1",
+       "Select a From t Where b IN (Select b From u Order by c LIMIT 1) And d = 1"},
+      // Each branch of a union keeps its own limit; an Order By after the last branch stays with
+      // the whole compound.
+      {"Select Top 1 a From t Where d In (Select Max(d) From t) Union All Select Top 1 1/b From u",
+       "SELECT * FROM (Select a From t Where d In (Select Max(d) From t) LIMIT 1) Union All "
+       "SELECT * FROM (Select 1/b From u LIMIT 1)",
+       "(Select a From t Where d In (Select Max(d) From t) LIMIT 1) Union All (Select 1/b From u "
+       "LIMIT 1)"},
+      {"Select Top 1 a From t UNION ALL Select b From u Order by a",
+       "SELECT * FROM (Select a From t LIMIT 1) UNION ALL Select b From u Order by a",
+       "(Select a From t LIMIT 1) UNION ALL Select b From u Order by a"},
+      {"Select a From t Union Select Top 2 b From u Order by a",
+       "Select a From t Union SELECT * FROM (Select b From u LIMIT 2) Order by a",
+       "Select a From t Union (Select b From u LIMIT 2) Order by a"},
+      // + next to a text literal concatenates the whole chain.
+      {"Select Nombre + ' (' + RTrim(Simbolo) + ')' From m Where (ID  = 'x' or rTrim(Codigo) + ' "
+       "' + Nombre  = 'y')",
+       "Select Nombre || ' (' || RTrim(Simbolo) || ')' From m Where (ID  = 'x' or rTrim(Codigo) "
+       "|| ' ' || Nombre  = 'y')"},
+      // || binds tighter than * and -, so compound operands keep their meaning in brackets.
+      {"Select a * 2 + ' u', ' ' + -b From t", "Select (a * 2) || ' u', ' ' || (-b) From t"},
+      {"Select t.a + '-' + f(x) + [y] nombre From t",
+       "Select t.a || '-' || f(x) || [y] nombre From t"},
+      {"Select CASE WHEN a = 1 THEN 'x' + b ELSE c END From t",
+       "Select CASE WHEN a = 1 THEN 'x' || b ELSE c END From t"},
+      // + between numbers or columns stays addition, also when a literal is the other side of a
+      // comparison.
+      {"Select a + 1, b + c, 1/CMoCompra, (x + 2) * 3, t.a + t.b From t Where a + 1 = '5'",
+       "Select a + 1, b + c, 1/CMoCompra, (x + 2) * 3, t.a + t.b From t Where a + 1 = '5'"},
+      {"Select 1 From t Where 'x' = a + b", "Select 1 From t Where 'x' = a + b"},
+      // Like ignores case on PostgreSQL only through ILIKE; words inside quotes stay.
+      {"Select a From t Where b Like '%cierre%mes%' And c <> 'Like'",
+       "Select a From t Where b Like '%cierre%mes%' And c <> 'Like'",
+       "Select a From t Where b ILIKE '%cierre%mes%' And c <> 'Like'"},
+      {"Select 1 From t Where a not like 'Like%'", "Select 1 From t Where a not like 'Like%'",
+       "Select 1 From t Where a not ILIKE 'Like%'"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(Lite(c.sql), c.lite);
+    EXPECT_EQ(Pg(c.sql), c.pg ? c.pg : c.lite);
+  }
   EXPECT_THROW(Lite("Select Top 10 Percent a From t"), DbError);
   EXPECT_THROW(Lite("Select Top a From t"), DbError);
-}
-
-TEST(Translate, TopInsideASubSelectIsLimitedThere) {
-  EXPECT_EQ(Lite("Select a From t Where b IN (Select Top 1 b From u Order by c) And d = 1"),
-            "Select a From t Where b IN (Select b From u Order by c LIMIT 1) And d = 1");
-}
-
-TEST(Translate, EachBranchOfAUnionKeepsItsOwnLimit) {
-  const std::string sql =
-      "Select Top 1 a From t Where d In (Select Max(d) From t) Union All Select Top 1 1/b From u";
-  EXPECT_EQ(Lite(sql),
-            "SELECT * FROM (Select a From t Where d In (Select Max(d) From t) LIMIT 1) Union All "
-            "SELECT * FROM (Select 1/b From u LIMIT 1)");
-  EXPECT_EQ(Pg(sql),
-            "(Select a From t Where d In (Select Max(d) From t) LIMIT 1) Union All (Select 1/b "
-            "From u LIMIT 1)");
-}
-
-TEST(Translate, OrderByAfterTheLastBranchStaysWithTheCompound) {
-  EXPECT_EQ(Lite("Select Top 1 a From t UNION ALL Select b From u Order by a"),
-            "SELECT * FROM (Select a From t LIMIT 1) UNION ALL Select b From u Order by a");
-  EXPECT_EQ(Lite("Select a From t Union Select Top 2 b From u Order by a"),
-            "Select a From t Union SELECT * FROM (Select b From u LIMIT 2) Order by a");
-}
-
-TEST(Translate, PlusNextToATextLiteralConcatenates) {
-  EXPECT_EQ(Lite("Select Nombre + ' (' + RTrim(Simbolo) + ')' From m Where (ID  = 'x' or "
-                 "rTrim(Codigo) + ' ' + Nombre  = 'y')"),
-            "Select Nombre || ' (' || RTrim(Simbolo) || ')' From m Where (ID  = 'x' or "
-            "rTrim(Codigo) || ' ' || Nombre  = 'y')");
-}
-
-TEST(Translate, PlusBetweenNumbersOrColumnsStaysAddition) {
-  const std::string sql =
-      "Select a + 1, b + c, 1/CMoCompra, (x + 2) * 3, t.a + t.b From t Where a + 1 = '5'";
-  EXPECT_EQ(Lite(sql), sql);
-  // A literal that is the other side of a comparison is not an operand of the addition.
-  EXPECT_EQ(Lite("Select 1 From t Where 'x' = a + b"), "Select 1 From t Where 'x' = a + b");
-}
-
-TEST(Translate, CompoundOperandsAreParenthesisedBeforeConcatenation) {
-  // || binds tighter than * and -, so the operands keep their meaning in brackets.
-  EXPECT_EQ(Lite("Select a * 2 + ' u', ' ' + -b From t"),
-            "Select (a * 2) || ' u', ' ' || (-b) From t");
-  EXPECT_EQ(Lite("Select t.a + '-' + f(x) + [y] nombre From t"),
-            "Select t.a || '-' || f(x) || [y] nombre From t");
-  EXPECT_EQ(Lite("Select CASE WHEN a = 1 THEN 'x' + b ELSE c END From t"),
-            "Select CASE WHEN a = 1 THEN 'x' || b ELSE c END From t");
-}
-
-TEST(Translate, LikeIgnoresCaseOnPostgreSQLOnly) {
-  const std::string sql = "Select a From t Where b Like '%cierre%mes%' And c <> 'Like'";
-  EXPECT_EQ(Lite(sql), sql);
-  EXPECT_EQ(Pg(sql), "Select a From t Where b ILIKE '%cierre%mes%' And c <> 'Like'");
-  EXPECT_EQ(Pg("Select 1 From t Where a not like 'Like%'"),
-            "Select 1 From t Where a not ILIKE 'Like%'");
 }
 
 TEST(Shape, SingleTableSelectStarIsRecognisedWithoutRegardToCase) {

@@ -5,12 +5,13 @@
 #include <sstream>
 #include <string>
 
-#include "db/temp_dir.h"
 #include "kivmovfrec/db.h"
 #include "support/db_engines.h"
 
 namespace kivmovfrec {
 namespace {
+
+using testing::TestDatabase;
 
 std::string ErrorOf(const std::string& uri) {
   try {
@@ -21,15 +22,31 @@ std::string ErrorOf(const std::string& uri) {
   return "";
 }
 
-TEST(OpenConnection, CreatesAFileDatabaseWhenAbsent) {
-  testing::TempDir dir;
-  const std::string path = dir.File("nueva.db");
+// An absent file is created; a missing folder is named and not created; a file that is not a
+// database, and a folder, are refused and left alone.
+TEST(OpenConnection, SqliteFiles) {
+  TestDatabase dir(Engine::SQLite);
+  const std::string path = (dir.folder() / "nueva.db").string();
   auto cn = OpenConnection("sqlite:" + path);
   EXPECT_EQ(cn->engine(), Engine::SQLite);
   cn->Execute("Create Table t (a INTEGER)");
   EXPECT_TRUE(std::filesystem::exists(path));
-  auto again = OpenConnection("SQLite:" + path);
-  EXPECT_TRUE(again->OpenResultset("Select * From t")->Eof());
+  EXPECT_TRUE(OpenConnection("SQLite:" + path)->OpenResultset("Select * From t")->Eof());
+
+  const auto missing = dir.folder() / "no_existe";
+  std::string error = ErrorOf("sqlite:" + (missing / "suite.db").string());
+  EXPECT_NE(error.find("No existe la carpeta de la base de datos"), std::string::npos) << error;
+  EXPECT_NE(error.find(missing.string()), std::string::npos) << error;
+  EXPECT_FALSE(std::filesystem::exists(missing));
+
+  const std::string notes = (dir.folder() / "notas.txt").string();
+  const std::string text = "Estas son notas, no una base de datos.\n";
+  std::ofstream(notes) << text;
+  EXPECT_THROW(OpenConnection("sqlite:" + notes), DbError);
+  std::stringstream back;
+  back << std::ifstream(notes).rdbuf();
+  EXPECT_EQ(back.str(), text);
+  EXPECT_THROW(OpenConnection("sqlite:" + dir.folder().string()), DbError);
 }
 
 TEST(OpenConnection, MemoryDatabasesArePrivate) {
@@ -39,15 +56,6 @@ TEST(OpenConnection, MemoryDatabasesArePrivate) {
   EXPECT_THROW(b->Execute("Insert Into t Values (1)"), DbError);
 }
 
-TEST(OpenConnection, MissingFolderIsNamedAndNotCreated) {
-  testing::TempDir dir;
-  const auto missing = dir.path() / "no_existe";
-  std::string error = ErrorOf("sqlite:" + (missing / "suite.db").string());
-  EXPECT_NE(error.find("No existe la carpeta de la base de datos"), std::string::npos) << error;
-  EXPECT_NE(error.find(missing.string()), std::string::npos) << error;
-  EXPECT_FALSE(std::filesystem::exists(missing));
-}
-
 TEST(OpenConnection, MalformedUrisAreRefusedWithTheAcceptedForms) {
   for (const char* uri : {"", "sqlite", "mysql://localhost/db", "suite.db", "sqlite:"}) {
     std::string error = ErrorOf(uri);
@@ -55,11 +63,17 @@ TEST(OpenConnection, MalformedUrisAreRefusedWithTheAcceptedForms) {
   }
 }
 
-TEST(OpenConnection, AnUnreachablePostgresServerIsNamed) {
+TEST(OpenConnection, AnUnreachablePostgresServerIsNamedAndIsConnectionLost) {
   // Port 1 on the loopback: nothing listens there.
-  std::string pg = ErrorOf("postgresql://kmf@127.0.0.1:1/suite?connect_timeout=5");
-  EXPECT_NE(pg.find("No se pudo conectar con el servidor PostgreSQL"), std::string::npos) << pg;
-  EXPECT_NE(pg.find("127.0.0.1"), std::string::npos) << pg;
+  try {
+    OpenConnection("postgresql://kmf@127.0.0.1:1/suite?connect_timeout=5");
+    FAIL() << "opened";
+  } catch (const DbError& e) {
+    const std::string pg = e.what();
+    EXPECT_NE(pg.find("No se pudo conectar con el servidor PostgreSQL"), std::string::npos) << pg;
+    EXPECT_NE(pg.find("127.0.0.1"), std::string::npos) << pg;
+    EXPECT_EQ(e.kind(), DbErrorKind::ConnectionLost) << pg;
+  }
   EXPECT_NE(ErrorOf("postgresql://kmf@127.0.0.1:1/suite?no_such_option=1"), "");
 }
 
@@ -72,19 +86,6 @@ TEST(PgOpenConnection, PostgresUrisOpenThePostgresAdapter) {
   // The other spelling of the scheme, in capitals.
   std::string other = "POSTGRES" + uri->substr(uri->find("://"));
   EXPECT_EQ(OpenConnection(other)->engine(), Engine::PostgreSQL);
-}
-
-TEST(OpenConnection, AFileThatIsNotADatabaseIsRefusedAndLeftAlone) {
-  testing::TempDir dir;
-  const std::string path = dir.File("notas.txt");
-  const std::string text = "Estas son notas, no una base de datos.\n";
-  std::ofstream(path) << text;
-  EXPECT_THROW(OpenConnection("sqlite:" + path), DbError);
-  std::ifstream in(path);
-  std::stringstream back;
-  back << in.rdbuf();
-  EXPECT_EQ(back.str(), text);
-  EXPECT_THROW(OpenConnection("sqlite:" + dir.path().string()), DbError);  // a folder
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // The PostgreSQL-only rewrites of the suite's statements, and the value conversions of the
-// PostgreSQL adapter. No server needed.
+// PostgreSQL adapter (beyond what the round trips of values_test.cpp show). No server needed.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -60,16 +60,12 @@ TEST(PostgresDialect, TextThatCannotBeTokenizedIsAnError) {
 }
 
 TEST(PostgresValues, TextIsReadByColumnType) {
-  EXPECT_EQ(FromText(oid::kInt4, "-12"), Variant(int32_t{-12}));
   EXPECT_EQ(FromText(oid::kInt2, "7"), Variant(int32_t{7}));
   EXPECT_EQ(FromText(oid::kInt8, "2147483647"), Variant(int32_t{2147483647}));
   EXPECT_EQ(FromText(oid::kInt8, "3000000000"), Variant(3000000000.0));
-  EXPECT_EQ(FromText(oid::kNumeric, "12.3456"), Variant(12.3456));
-  EXPECT_EQ(FromText(oid::kFloat8, "0.1"), Variant(0.1));
   EXPECT_EQ(FromText(oid::kFloat8, "-Infinity"), Variant(-std::numeric_limits<double>::infinity()));
   EXPECT_EQ(FromText(oid::kBool, "t"), Variant(true));
   EXPECT_EQ(FromText(oid::kBool, "f"), Variant(false));
-  EXPECT_EQ(FromText(oid::kTimestamp, "2005-08-02 12:00:00"), Variant(Date{38566.5}));
   EXPECT_EQ(FromText(oid::kDate, "2005-08-02"), Variant(Date{38566}));
   EXPECT_EQ(FromText(oid::kTimestampTz, "2005-08-02 12:00:00-03"), Variant(Date{38566.5}));
   EXPECT_EQ(FromText(oid::kTimestampTz, "2005-08-02 12:00:00+05:30"), Variant(Date{38566.5}));
@@ -77,22 +73,10 @@ TEST(PostgresValues, TextIsReadByColumnType) {
   EXPECT_EQ(FromText(oid::kTimestamp, "infinity"), Variant("infinity"));
   EXPECT_EQ(FromText(oid::kBytea, "\\x41ff00"), Variant(std::string("A\xff\0", 3)));
   EXPECT_EQ(FromText(1042 /* bpchar */, "U$S  "), Variant("U$S  "));
-  EXPECT_EQ(FromText(25 /* text */, "texto"), Variant("texto"));
 }
 
-TEST(PostgresValues, ParametersAreExactText) {
-  EXPECT_FALSE(ToParam(Variant()).has_value());
-  EXPECT_FALSE(ToParam(Variant::Null()).has_value());
-  EXPECT_EQ(ToParam(true), "1");
-  EXPECT_EQ(ToParam(int16_t{-3}), "-3");
-  EXPECT_EQ(ToParam(2.0), "2");
-  EXPECT_EQ(ToParam(0.1), "0.1");
-  EXPECT_EQ(ToParam(1.0 / 3), "0.3333333333333333");
-  EXPECT_EQ(ToParam(Currency::FromUnits(123450)), "12.345");
-  EXPECT_EQ(ToParam(Currency::FromUnits(-1)), "-0.0001");
+TEST(PostgresValues, ParametersAreExactTextAndObjectsAreRefused) {
   EXPECT_EQ(ToParam(Currency::FromUnits(INT64_MIN)), "-922337203685477.5808");
-  EXPECT_EQ(ToParam(Date{38566.5}), "2005-08-02 12:00:00");
-  EXPECT_EQ(ToParam("O'Higgins"), "O'Higgins");
   struct Dummy : Object {
     std::string TypeName() const override { return "Dummy"; }
     Variant Invoke(std::string_view, std::span<const Variant>) override { return {}; }

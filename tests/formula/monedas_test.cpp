@@ -76,7 +76,7 @@ TEST_P(Monedas, DirectInverseAndLaterDateRules) {
   EXPECT_EQ(m_.Cotizacion(1, 2, 2, D(2026, 11, 25)).tasa, C(7));
 }
 
-TEST_P(Monedas, NothingFoundGivesOneDatedAsAsked) {
+TEST_P(Monedas, NothingFoundGivesOneDatedAsAskedAndTheEmptyDateIsToday) {
   auto u = m_.Cotizacion(2, 1, 1, D(2026, 8, 30));
   EXPECT_TRUE(u.por_defecto);
   EXPECT_EQ(u.tasa, C(10000));
@@ -87,11 +87,7 @@ TEST_P(Monedas, NothingFoundGivesOneDatedAsAsked) {
   EXPECT_EQ(m_.Cotizacion(4, 2, 1, f, t), C(10000));
   EXPECT_EQ(t, C(10000));
   EXPECT_EQ(f, D(2026, 1, 1));
-}
-
-TEST_P(Monedas, TheEmptyDateMeansTheClocksToday) {
-  Date f = FechaVaciaCotizacion();
-  Currency t{};
+  f = FechaVaciaCotizacion();  // the clock's day: the quotation of 11-16
   EXPECT_EQ(m_.Cotizacion(2, 1, 1, f, t), C(14257500));
   EXPECT_EQ(f, D(2026, 11, 16));
 }

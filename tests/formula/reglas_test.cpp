@@ -1,6 +1,7 @@
-// The formula rules of a movement and their messages.
+// The formula rules of a movement: which rule fails, on which line, and with which message.
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "formula/reglas_fx.h"
@@ -21,6 +22,10 @@ std::vector<LineaRegla> Sueldos() {
           L({113, 0, 0}, false, "[1:141;0;1]*0.83", 830), L({114, 0, 0}, false, "[10:]", 410)};
 }
 
+ResultadoRegla Referencias(std::span<const LineaRegla> v) {
+  return ReglaReferenciasValidas(v);
+}
+
 TEST(ReglasFx, AValidMovementPassesEveryRule) {
   auto v = Sueldos();
   EXPECT_FALSE(ValidarFormulas(v));
@@ -28,29 +33,65 @@ TEST(ReglasFx, AValidMovementPassesEveryRule) {
   EXPECT_FALSE(ReglaImportesCero(v));
 }
 
-TEST(ReglasFx, AFormulaReferringToItsOwnLine) {
+// One formula of the payroll changed; ValidarFormulas must stop at the same rule.
+TEST(ReglasFx, EachFormulaRuleNamesItsMessageAndLine) {
+  struct Caso {
+    size_t cambiada;
+    const char* formula;
+    ResultadoRegla (*regla)(std::span<const LineaRegla>);
+    int mensaje;
+    int linea;
+  };
+  const Caso casos[] = {
+      {1, "[1:142;0;1]*2", ReglaMismaCuenta, msg::kFxMismaCuenta, 1},
+      {2, "[1:141;0;0]", Referencias, msg::kFxValorNoValido, 2},  // 141 is on department 1
+      {2, "[77:1]", Referencias, msg::kFxValorNoValido, 2},
+      {2, "[1:abc]", Referencias, msg::kFxValorNoValido, 2},
+      {3, "[10:]*2", ReglaDiferenciaSola, msg::kFxDiferenciaConOtros, 3},
+      {2, "[10:]", ReglaUnaDiferencia, msg::kFxRestoEnVariasCuentas, 3},
+      {0, "[1:113;0;0]/0.83", ReglaReferenciaCruzada, msg::kFxReferenciaCruzada, 0},
+      {0, "[14:]", ReglaDiferenciaEImporteMismaColumna, msg::kFxDiferenciaEImporteEnColumnas, 3},
+  };
+  for (const Caso& c : casos) {
+    auto v = Sueldos();
+    v[c.cambiada].formula = c.formula;
+    auto f = c.regla(v);
+    ASSERT_TRUE(f) << c.formula;
+    EXPECT_EQ(f->mensaje, c.mensaje) << c.formula;
+    EXPECT_EQ(f->linea, c.linea) << c.formula;
+    ASSERT_TRUE(ValidarFormulas(v)) << c.formula;
+    EXPECT_EQ(ValidarFormulas(v)->mensaje, c.mensaje) << c.formula;
+  }
   auto v = Sueldos();
   v[1].formula = "[1:142;0;1]*2";
-  auto f = ReglaMismaCuenta(v);
-  ASSERT_TRUE(f);
-  EXPECT_EQ(f->linea, 1);
-  EXPECT_EQ(f->Texto(), "No se puede incluir en la fórmula la misma cuenta.");
-  EXPECT_EQ(ValidarFormulas(v)->mensaje, msg::kFxMismaCuenta);
+  EXPECT_EQ(ReglaMismaCuenta(v)->Texto(), "No se puede incluir en la fórmula la misma cuenta.");
 }
 
-TEST(ReglasFx, ReferencesToLinesOrEntriesThatDoNotExist) {
+TEST(ReglasFx, CasesThatHold) {
   auto v = Sueldos();
-  v[2].formula = "[1:141;0;0]";  // 141 is on department 1
-  auto f = ReglaReferenciasValidas(v);
+  v[3].formula = "  [10:] ";  // blanks around the difference
+  EXPECT_FALSE(ReglaDiferenciaSola(v));
+  v = Sueldos();
+  v[0] = L({141, 0, 1}, false, "[14:]", 1000);  // total and difference on the same side
+  EXPECT_FALSE(ReglaDiferenciaEImporteMismaColumna(v));
+  // Amounts are compared at four decimals, not as doubles.
+  EXPECT_FALSE(ReglaSumasIguales(std::vector<LineaRegla>{
+      L({1, 0, 0}, true, "", 0.1), L({2, 0, 0}, true, "", 0.2), L({3, 0, 0}, false, "", 0.3)}));
+}
+
+TEST(ReglasFx, TotalsAndZeroAmounts) {
+  auto v = Sueldos();
+  v[3].importe = 409.99;
+  auto f = ReglaSumasIguales(v);
   ASSERT_TRUE(f);
-  EXPECT_EQ(f->linea, 2);
-  EXPECT_EQ(f->Texto(),
-            "La fórmula contiene un valor que no es válido o el registro al cual hacía referencia "
-            "no existe más.");
-  v[2].formula = "[77:1]";
-  EXPECT_TRUE(ReglaReferenciasValidas(v));
-  v[2].formula = "[1:abc]";
-  EXPECT_TRUE(ReglaReferenciasValidas(v));
+  EXPECT_EQ(f->linea, -1);
+  EXPECT_EQ(f->mensaje, msg::kSumatoriaNoCoincide);
+  v = Sueldos();
+  v[1].importe = 0;
+  auto h = ReglaImportesCero(v);
+  ASSERT_TRUE(h);
+  EXPECT_EQ(h->linea, 1);
+  EXPECT_EQ(h->mensaje, msg::kCuentasImporteCero);
 }
 
 class ReglasBD : public testing::DemoEngineTest {};
@@ -61,67 +102,6 @@ TEST_P(ReglasBD, ReferencesToLookupRowsThatDoNotExist) {
   EXPECT_FALSE(ReglaReferenciasValidas(v, &fx));
   v[0].formula = "[5:999]";
   EXPECT_EQ(ReglaReferenciasValidas(v, &fx)->linea, 0);
-}
-
-TEST(ReglasFx, DifferenceAloneAndOnlyOnce) {
-  auto v = Sueldos();
-  v[3].formula = "[10:]*2";
-  auto f = ReglaDiferenciaSola(v);
-  ASSERT_TRUE(f);
-  EXPECT_EQ(f->Texto(),
-            "La fórmula diferencia no puede incluir otros valores, edite y quite los otros datos.");
-  v[3].formula = "  [10:] ";
-  EXPECT_FALSE(ReglaDiferenciaSola(v));
-
-  v = Sueldos();
-  v[2].formula = "[10:]";
-  auto g = ReglaUnaDiferencia(v);
-  ASSERT_TRUE(g);
-  EXPECT_EQ(g->linea, 3);
-  EXPECT_EQ(g->Texto(), "No se puede incluir la fórmula resto en más de una cuenta.");
-}
-
-TEST(ReglasFx, LinesReferringToEachOther) {
-  auto v = Sueldos();
-  v[0].formula = "[1:113;0;0]/0.83";
-  v[2].formula = "[1:141;0;1]*0.83";
-  auto f = ReglaReferenciaCruzada(v);
-  ASSERT_TRUE(f);
-  EXPECT_EQ(f->linea, 0);
-  EXPECT_EQ(f->Texto(),
-            "La fórmula de esta cuenta apunta a otra que la apunta a ella, esto no esta admitido.");
-  // A chain without a cycle is fine.
-  EXPECT_FALSE(ReglaReferenciaCruzada(Sueldos()));
-}
-
-TEST(ReglasFx, TotalsSidesAndZeroAmounts) {
-  auto v = Sueldos();
-  v[3].importe = 409.99;
-  auto f = ReglaSumasIguales(v);
-  ASSERT_TRUE(f);
-  EXPECT_EQ(f->linea, -1);
-  EXPECT_EQ(f->Texto(), "La sumatoria de cada columna no coincide con la otra.");
-  // Amounts are compared at four decimals, not as doubles.
-  std::vector<LineaRegla> w = {L({1, 0, 0}, true, "", 0.1), L({2, 0, 0}, true, "", 0.2),
-                               L({3, 0, 0}, false, "", 0.3)};
-  EXPECT_FALSE(ReglaSumasIguales(w));
-
-  v = Sueldos();
-  v[0].formula = "[14:]";
-  auto g = ReglaDiferenciaEImporteMismaColumna(v);
-  ASSERT_TRUE(g);
-  EXPECT_EQ(g->Texto(),
-            "No se pueden incluir las fórmulas por diferencia e importe del movimiento en "
-            "distintas columnas.");
-  v[0].al_debe = false;
-  EXPECT_FALSE(ReglaDiferenciaEImporteMismaColumna(v));
-
-  v = Sueldos();
-  v[1].importe = 0;
-  auto h = ReglaImportesCero(v);
-  ASSERT_TRUE(h);
-  EXPECT_EQ(h->linea, 1);
-  EXPECT_EQ(h->mensaje, msg::kCuentasImporteCero);
 }
 
 KMF_INSTANTIATE_ENGINES(ReglasBD);

@@ -3,42 +3,35 @@
 #include <memory>
 
 #include "core/clock.h"
-#include "fakes.h"
 #include "kivmovfrec/records.h"
+#include "platform/suite/clock.h"
 
 namespace kivmovfrec {
 namespace {
 
-using testing::FixedTestClock;
-
-TEST(RegMovimientoFrecuente, NuevoTomaElMomentoDelRelojInstalado) {
-  const Date construccion{45500.75};
-  core::ScopedClock reloj(std::make_shared<FixedTestClock>(construccion));
-  clsRegMovimientoFrecuente mf;
-  EXPECT_EQ(mf.ID(), 0);
-  EXPECT_EQ(mf.Estado(), 0);
-  EXPECT_EQ(mf.Vista(), 0);
-  EXPECT_EQ(ToInt(mf.Tipo()), 0);
-  EXPECT_EQ(mf.FechaEstado(), construccion);
-  EXPECT_EQ(mf.Nombre(), "");
+// A clock stopped at `hora` (a fraction of a day) of day `dia`.
+std::shared_ptr<suite::FixedClock> Reloj(double dia, double hora) {
+  return std::make_shared<suite::FixedClock>(Date{dia}, hora);
 }
 
-TEST(RegMovimientoFrecuente, ClassInitializeSoloReponeEstadoFechaYVista) {
-  auto reloj = std::make_shared<FixedTestClock>(Date{45000.0});
-  core::ScopedClock guard(reloj);
+// A new header is in process as of the installed clock's moment; Class_Initialize resets only
+// the state, its moment and the view.
+TEST(RegMovimientoFrecuente, EstadoFechaYVistaDelRelojInstalado) {
+  core::ScopedClock reloj(Reloj(45500, 0.75));
   clsRegMovimientoFrecuente mf;
+  EXPECT_EQ(mf.Estado(), ToInt(enuEstadoMF::EnProceso));
+  EXPECT_EQ(mf.FechaEstado(), Date{45500.75});
   mf.Estado(enuEstadoMF::Papelera);
   mf.Vista(2);
   mf.ID(77);
   mf.Nombre("Alquiler");
-  mf.FechaEstado(Date{1.0});
   {
-    core::ScopedClock despues(std::make_shared<FixedTestClock>(Date{45001.5}));
+    core::ScopedClock despues(Reloj(45501, 0.5));
     mf.Class_Initialize();
   }
   EXPECT_EQ(mf.Estado(), ToInt(enuEstadoMF::EnProceso));
   EXPECT_EQ(mf.Vista(), 0);
-  EXPECT_EQ(mf.FechaEstado(), Date{45001.5});
+  EXPECT_EQ(mf.FechaEstado(), Date{45501.5});
   EXPECT_EQ(mf.ID(), 77);
   EXPECT_EQ(mf.Nombre(), "Alquiler");
 }
@@ -46,14 +39,14 @@ TEST(RegMovimientoFrecuente, ClassInitializeSoloReponeEstadoFechaYVista) {
 TEST(RelojDelProceso, SinRelojInstaladoUsaElDelSistemaYSeRestaura) {
   const Date antes = core::Now();
   {
-    core::ScopedClock fijo(std::make_shared<FixedTestClock>(Date{100.25}));
+    core::ScopedClock fijo(Reloj(100, 0.25));
     EXPECT_EQ(core::Now(), Date{100.25});
     EXPECT_EQ(core::Today(), Date{100.0});
   }
   const Date despues = core::Now();
-  // The system clock again: today's date, well after the fixed day and not before `antes`.
-  EXPECT_GT(despues.serial, 40000.0);
+  // The system clock again: not before `antes`, and today is its date.
   EXPECT_GE(despues.serial, antes.serial);
+  EXPECT_GT(despues.serial, 40000.0);
   EXPECT_EQ(core::Today().serial, static_cast<double>(static_cast<long long>(despues.serial)));
 }
 
@@ -62,9 +55,8 @@ TEST(RegRecurrencia, PosponerEsPostergadoRedondeadoALaPar) {
   rec.Posponer(3);
   EXPECT_EQ(rec.Postergado(), 3.0f);
   // Rounded, not truncated; halves to even, as VB converts.
-  const std::pair<float, int16_t> casos[] = {
-      {2.6f, 3}, {2.4f, 2}, {2.5f, 2}, {3.5f, 4}, {-1.6f, -2}};
-  for (const auto& [postergado, dias] : casos) {
+  for (const auto& [postergado, dias] :
+       {std::pair{2.6f, 3}, {2.4f, 2}, {2.5f, 2}, {3.5f, 4}, {-1.6f, -2}}) {
     rec.Postergado(postergado);
     EXPECT_EQ(rec.Posponer(), dias) << postergado;
   }

@@ -2,15 +2,18 @@
 // every engine.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
+#include <tuple>
 
 #include "core/clock.h"
 #include "fakes.h"
+#include "install/demo_db.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/errors.h"
-#include "kivmovfrec/install.h"
 #include "kivmovfrec/records.h"
+#include "platform/suite/clock.h"
 #include "storage/columnas.h"
 #include "storage/parametros.h"
 #include "storage/sql_texto.h"
@@ -19,14 +22,22 @@
 #include "storage/tabla_renglones.h"
 #include "support/db_snapshot.h"
 #include "support/demo_engine.h"
+#include "support/recording_connection.h"
 
 namespace kivmovfrec {
 namespace {
 
 using namespace storage;
+using testing::CountRows;
 using testing::FakeDBFncs;
-using testing::FixedTestClock;
-using testing::SpyConnection;
+using testing::Scalar;
+
+// 2026-11-02 09:15:30, whole seconds so it survives the text form of the column.
+constexpr double kHora = (9 * 3600 + 15 * 60 + 30) / 86400.0;
+constexpr Date kMomento{46328.0 + kHora};
+std::shared_ptr<IClock> RelojDetenido() {
+  return std::make_shared<suite::FixedClock>(Date{46328.0}, kHora);
+}
 
 class Tablas : public testing::DemoEngineTest {
  protected:
@@ -35,127 +46,109 @@ class Tablas : public testing::DemoEngineTest {
     Parametros() = ParametrosBD{};
   }
   void TearDown() override { Parametros() = ParametrosBD{}; }
-
-  int64_t Contar(const std::string& sql) {
-    auto rs = cn->OpenResultset(sql);
-    return rs->Eof() ? 0 : ALong(rs->Get(0));
+  int Filas(const std::string& where) {
+    return CountRows(*cn, "Select * From genMovimientosFrecuentes Where " + where);
   }
-  Variant Columna(const std::string& sql) {
-    auto rs = cn->OpenResultset(sql);
-    EXPECT_FALSE(rs->Eof()) << sql;
-    return rs->Eof() ? Variant() : rs->Get(0);
-  }
-
-  // 2026-11-02 09:15:30, whole seconds so it survives the text form of the column.
-  const Date kMomento{46328.0 + (9 * 3600 + 15 * 60 + 30) / 86400.0};
 };
+
+// Every stored field of a header; the moment to the second.
+auto Campos(const clsRegMovimientoFrecuente& m) {
+  return std::tuple(m.ID(), m.Empresa(), ToInt(m.Tipo()), ToInt(m.DelSistema()), m.Nombre(),
+                    m.Memo(), m.Ente(), m.Modalidad(), m.TipoImporte(), m.Moneda(), m.Recurrencia(),
+                    m.MovVinculado(), int{m.OrdenMovVinculado()}, m.UsuarioAlta(),
+                    m.UsuarioAutoriza(), int{m.Estado()},
+                    std::llround(m.FechaEstado().serial * 86400), int{m.Vista()}, m.Imagen());
+}
+
+auto Campos(const clsRegRenglonMF& r) {
+  return std::tuple(r.idMF(), r.Cuenta(), r.Proyecto(), r.Departamento(), int{r.Orden()},
+                    r.AlDebe(), r.Formula(), r.ImporteCta(), r.ImporteMF(), int{r.TipoCambio()},
+                    r.ValorTC(), r.Detalle());
+}
 
 clsRegMovimientoFrecuente Encabezado(const std::string& nombre) {
   clsRegMovimientoFrecuente mf;
   mf.Empresa(1);
   mf.Tipo(enuTipoMovFrec::Asiento);
   mf.Nombre(nombre);
-  mf.Memo("Comentario");
-  mf.Modalidad(1);
-  mf.Moneda(1);
-  mf.UsuarioAlta(1);
-  mf.Imagen(2);
   return mf;
 }
 
 TEST_P(Tablas, EncabezadoNuevoTomaClaveDelContadorYLuegoSeEditaEnSuLugar) {
-  core::ScopedClock reloj(std::make_shared<FixedTestClock>(kMomento));
+  core::ScopedClock reloj(RelojDetenido());
   FakeDBFncs dbf;
   dbf.siguiente = 500;
+  // A distinct value in every field, so that two columns swapped show.
   auto mf = Encabezado("Honorarios contador");
-  mf.TipoImporte(2);
+  mf.Empresa(2);
+  mf.Memo("Comentario");
   mf.DelSistema(enuClasificacionMF::Sistema);
+  mf.Ente(7);
+  mf.Modalidad(3);
+  mf.TipoImporte(4);
+  mf.Moneda(5);
+  mf.UsuarioAlta(11);
+  mf.UsuarioAutoriza(12);
   mf.Estado(enuEstadoMF::Realizado);
-  mf.Vista(2);
-  mf.UsuarioAutoriza(3);
+  mf.Vista(13);
+  mf.Imagen(14);
 
   EXPECT_EQ(GuardarMovimiento(*cn, dbf, mf), 500);
   EXPECT_EQ(mf.ID(), 500);
   EXPECT_EQ(dbf.tablas, std::vector<std::string>{"genMovimientosFrecuentes"});
   // No schedule and no link are stored as NULL: the suite tells frequent movements from
   // scheduled ones with "MFrRecurrencia Is Null".
-  EXPECT_EQ(Contar("Select Count(*) From genMovimientosFrecuentes Where MFrID = 500 And "
-                   "MFrRecurrencia Is Null And MFrMovVinculado Is Null"),
-            1);
-
+  EXPECT_EQ(Filas("MFrID = 500 And MFrRecurrencia Is Null And MFrMovVinculado Is Null"), 1);
   clsRegMovimientoFrecuente leido;
   ASSERT_TRUE(CargarMovimiento(*cn, 500, leido));
-  EXPECT_EQ(leido.Nombre(), "Honorarios contador");
-  EXPECT_EQ(leido.Memo(), "Comentario");
-  EXPECT_EQ(leido.Empresa(), 1);
-  EXPECT_EQ(leido.Tipo(), enuTipoMovFrec::Asiento);
-  EXPECT_EQ(leido.DelSistema(), enuClasificacionMF::Sistema);
-  EXPECT_EQ(leido.Modalidad(), 1);
-  EXPECT_EQ(leido.TipoImporte(), 2);
-  EXPECT_EQ(leido.Estado(), ToInt(enuEstadoMF::Realizado));
-  EXPECT_EQ(leido.Vista(), 2);
-  EXPECT_EQ(leido.Imagen(), 2);
-  EXPECT_EQ(leido.UsuarioAlta(), 1);
-  EXPECT_EQ(leido.UsuarioAutoriza(), 3);
-  EXPECT_EQ(leido.Recurrencia(), 0);
-  EXPECT_NEAR(leido.FechaEstado().serial, kMomento.serial, 0.5 / 86400);
+  EXPECT_EQ(Campos(leido), Campos(mf));
 
-  const int64_t filas = Contar("Select Count(*) From genMovimientosFrecuentes");
+  const int filas = Filas("1 = 1");
   leido.Nombre("Honorarios del contador");
   leido.Recurrencia(42);
+  leido.MovVinculado(43);
+  leido.OrdenMovVinculado(44);
   EXPECT_EQ(GuardarMovimiento(*cn, dbf, leido), 500);
   EXPECT_EQ(dbf.tablas.size(), 1u);  // no second key drawn
-  EXPECT_EQ(Contar("Select Count(*) From genMovimientosFrecuentes"), filas);
-  EXPECT_EQ(ATexto(Columna("Select MFrNombre From genMovimientosFrecuentes Where MFrID = 500")),
-            "Honorarios del contador");
-  EXPECT_EQ(ALong(Columna("Select MFrRecurrencia From genMovimientosFrecuentes Where MFrID = 500")),
-            42);
+  EXPECT_EQ(Filas("1 = 1"), filas);
+  clsRegMovimientoFrecuente editado;
+  ASSERT_TRUE(CargarMovimiento(*cn, 500, editado));
+  EXPECT_EQ(Campos(editado), Campos(leido));
 }
 
-TEST_P(Tablas, ContadorFallidoNoEscribeNada) {
+TEST_P(Tablas, GuardarRechazadoNoEscribeNada) {
   FakeDBFncs falla(/*falla=*/true);
   auto mf = Encabezado("Nunca grabado");
   const auto antes = testing::TakeSnapshot(*cn, testing::MovementTables());
   EXPECT_THROW(GuardarMovimiento(*cn, falla, mf), ComponentError);  // 8000, see NuevoID
   EXPECT_EQ(mf.ID(), 0);
   EXPECT_EQ(testing::TakeSnapshot(*cn, testing::MovementTables()), antes);
-}
 
-TEST_P(Tablas, NombreOMemoConComillaSeRechazanAntesDeArmarSql) {
-  auto spy = std::make_shared<SpyConnection>(cn);
+  // A quote in the name or the memo is refused before any SQL is built or key drawn.
+  testing::RecordingConnection spy(cn);
   FakeDBFncs dbf;
-  auto mf = Encabezado("Pago a D'Angelo");
-  EXPECT_THROW(GuardarMovimiento(*spy, dbf, mf), TextoRechazado);
+  mf.Nombre("Pago a D'Angelo");
+  EXPECT_THROW(GuardarMovimiento(spy, dbf, mf), TextoRechazado);
   mf.Nombre("Pago a proveedor");
   mf.Memo("según la factura 'A'");
-  EXPECT_THROW(GuardarMovimiento(*spy, dbf, mf), TextoRechazado);
-  EXPECT_TRUE(spy->sentencias.empty());
+  EXPECT_THROW(GuardarMovimiento(spy, dbf, mf), TextoRechazado);
+  EXPECT_TRUE(spy.statements().empty());
   EXPECT_TRUE(dbf.tablas.empty());
-  EXPECT_EQ(mf.ID(), 0);
 }
 
-TEST_P(Tablas, CargaNoTocaElRegistroSiNoExiste) {
-  auto mf = Encabezado("Sin cambios");
-  EXPECT_FALSE(CargarMovimiento(*cn, 987654, mf));
-  EXPECT_EQ(mf.Nombre(), "Sin cambios");
-}
-
-TEST_P(Tablas, ColumnasNulasDejanLosValoresPorDefecto) {
-  core::ScopedClock reloj(std::make_shared<FixedTestClock>(kMomento));
+TEST_P(Tablas, ColumnasNulasDejanLosValoresPorDefectoYSinFilaNoSeTocaNada) {
+  core::ScopedClock reloj(RelojDetenido());
   cn->Execute(
       "Insert Into genMovimientosFrecuentes (MFrID, MFrTipo, MFrEstado) Values (900, 3, 0)");
-  clsRegMovimientoFrecuente mf;
+  clsRegMovimientoFrecuente mf, esperado;  // NULL keeps the moment of construction
+  esperado.ID(900);
+  esperado.Tipo(enuTipoMovFrec::Calendario);
   ASSERT_TRUE(CargarMovimiento(*cn, 900, mf));
-  EXPECT_EQ(mf.ID(), 900);
-  EXPECT_EQ(mf.Tipo(), enuTipoMovFrec::Calendario);
-  EXPECT_EQ(mf.Nombre(), "");
-  EXPECT_EQ(mf.Memo(), "");
-  EXPECT_EQ(mf.Empresa(), 0);
-  EXPECT_EQ(mf.Recurrencia(), 0);
-  EXPECT_EQ(mf.MovVinculado(), 0);
-  EXPECT_EQ(mf.OrdenMovVinculado(), 0);
-  EXPECT_EQ(mf.Vista(), 0);
-  EXPECT_EQ(mf.FechaEstado(), kMomento);  // NULL keeps the moment of construction
+  EXPECT_EQ(Campos(mf), Campos(esperado));
+
+  mf.Nombre("Sin cambios");
+  EXPECT_FALSE(CargarMovimiento(*cn, 987654, mf));
+  EXPECT_EQ(mf.Nombre(), "Sin cambios");
 }
 
 clsRegRenglonMF Renglon(int32_t cuenta, bool debe, double importe) {
@@ -163,14 +156,14 @@ clsRegRenglonMF Renglon(int32_t cuenta, bool debe, double importe) {
   r.Cuenta(cuenta);
   r.AlDebe(debe);
   r.ImporteCta(importe);
-  r.ImporteMF(importe);
+  r.ImporteMF(importe / 2);
   return r;
 }
 
 TEST_P(Tablas, RenglonesOpcionalesSeGrabanNulosYSeLeenComoVacios) {
   auto rs = cn->OpenResultset(SqlRenglonesDe(700));
   auto vacio = Renglon(101, true, 150.5);
-  auto lleno = Renglon(143, false, 150.5);
+  auto lleno = Renglon(143, false, 99.25);
   lleno.Formula("[5:101]*2");
   lleno.Detalle("Alquiler noviembre");
   lleno.TipoCambio(2);
@@ -184,59 +177,37 @@ TEST_P(Tablas, RenglonesOpcionalesSeGrabanNulosYSeLeenComoVacios) {
   EXPECT_EQ(vacio.Orden(), 1);  // numbered by position
   EXPECT_EQ(lleno.Orden(), 7);  // an explicit position is kept
   EXPECT_EQ(vacio.idMF(), 700);
-
-  EXPECT_EQ(Contar("Select Count(*) From genRenglonMovFrecuentes Where RMFMovimiento = 700 And "
-                   "RMFOrden = 1 And RMFAlDebe = 1 And RMFFormula Is Null And RMFDetalle Is Null "
-                   "And RMFFTipoCambio Is Null And RMFValorTC Is Null"),
-            1);
-  EXPECT_EQ(Contar("Select Count(*) From genRenglonMovFrecuentes Where RMFMovimiento = 700 And "
-                   "RMFOrden = 7 And RMFAlDebe = 0 And RMFFormula = '[5:101]*2' And RMFDetalle = "
-                   "'Alquiler noviembre' And RMFFTipoCambio = 2 And RMFValorTC = 1.25 And "
-                   "RMFIDProyecto = 1 And RMFIDDepartamento = 2"),
+  EXPECT_EQ(CountRows(*cn,
+                      "Select * From genRenglonMovFrecuentes Where RMFMovimiento = 700 And "
+                      "RMFFormula Is Null And RMFDetalle Is Null And RMFFTipoCambio Is Null And "
+                      "RMFValorTC Is Null"),
             1);
 
-  auto lee = cn->OpenResultset(
-      "Select genRenglonMovFrecuentes.*, CueCodigo, CueNombre, CueMoneda, ProAbreviacion, "
-      "DepAbreviacion From ((genRenglonMovFrecuentes LEFT JOIN cceCuentas ON RMFCuenta = CueID) "
-      "LEFT JOIN cceProyectos ON RMFIDProyecto = ProCodigo) LEFT JOIN cceDepartamentos ON "
-      "RMFIDDepartamento = DepCodigo Where RMFMovimiento = 700 Order By RMFOrden");
-  ASSERT_FALSE(lee->Eof());
-  clsRegRenglonMF r1;
-  LeerRenglon(*lee, r1);
-  EXPECT_EQ(r1.Cuenta(), 101);
-  EXPECT_TRUE(r1.AlDebe());
-  EXPECT_EQ(r1.ImporteCta(), 150.5);
-  EXPECT_EQ(r1.Formula(), "");
-  EXPECT_EQ(r1.Detalle(), "");
-  EXPECT_EQ(r1.TipoCambio(), 0);
-  EXPECT_EQ(r1.ValorTC(), 0.0);
-  EXPECT_EQ(r1.ProyectoAbreviacion(), "");
-  EXPECT_EQ(r1.CuentaNombre(), "Caja");
+  auto lee = cn->OpenResultset(SqlRenglonesDe(700) + " Order By RMFOrden");
+  for (const clsRegRenglonMF* escrito : {&vacio, &lleno}) {
+    ASSERT_FALSE(lee->Eof());
+    clsRegRenglonMF leido;
+    LeerRenglon(*lee, leido);
+    EXPECT_EQ(Campos(leido), Campos(*escrito));
+    lee->MoveNext();
+  }
 }
 
 TEST_P(Tablas, BorrarRenglonesSoloLosDelMovimiento) {
-  auto rs = cn->OpenResultset(SqlRenglonesDe(701));
-  for (uint8_t i = 1; i <= 3; ++i) {
-    auto r = Renglon(101, i % 2 == 1, 10.0 * i);
-    AgregarRenglon(*rs, r, 701, i);
+  for (int32_t mf : {701, 701, 701, 702}) {
+    auto rs = cn->OpenResultset(SqlRenglonesDe(mf));
+    auto r = Renglon(101, true, 10.0);
+    AgregarRenglon(*rs, r, mf, 1);
   }
-  rs->Close();
-  auto otro = cn->OpenResultset(SqlRenglonesDe(702));
-  auto r = Renglon(102, true, 1.0);
-  AgregarRenglon(*otro, r, 702, 1);
-  otro->Close();
-
   EXPECT_EQ(BorrarRenglones(*cn, 701), 3);
-  EXPECT_EQ(Contar("Select Count(*) From genRenglonMovFrecuentes Where RMFMovimiento = 701"), 0);
-  EXPECT_EQ(Contar("Select Count(*) From genRenglonMovFrecuentes Where RMFMovimiento = 702"), 1);
   EXPECT_EQ(BorrarRenglones(*cn, 701), 0);
+  EXPECT_EQ(CountRows(*cn, SqlRenglonesDe(702)), 1);
 }
 
 TEST_P(Tablas, OrdenDeVinculoEsElMayorMasUno) {
   FakeDBFncs dbf;
   dbf.siguiente = 800;
   EXPECT_EQ(SiguienteOrdenVinculo(*cn, 4242), 1);  // nobody linked yet
-
   for (uint8_t orden : {uint8_t{1}, uint8_t{4}}) {
     auto mf = Encabezado("Miembro");
     mf.MovVinculado(4242);
@@ -245,35 +216,30 @@ TEST_P(Tablas, OrdenDeVinculoEsElMayorMasUno) {
   }
   EXPECT_EQ(SiguienteOrdenVinculo(*cn, 4242), 5);
 
-  auto nuevo = Encabezado("Nuevo vinculado");
-  nuevo.MovVinculado(4242);
-  AsignarOrdenVinculo(*cn, nuevo);
-  EXPECT_EQ(nuevo.OrdenMovVinculado(), 5);
-
-  auto ubicado = Encabezado("Ya ubicado");
-  ubicado.MovVinculado(4242);
-  ubicado.OrdenMovVinculado(2);
-  AsignarOrdenVinculo(*cn, ubicado);
-  EXPECT_EQ(ubicado.OrdenMovVinculado(), 2);
-
-  for (int16_t tipo : {int16_t{5}, kTipoItemCheckList}) {
-    auto lista = Encabezado("Lista");
-    lista.Tipo(static_cast<enuTipoMovFrec>(tipo));
-    lista.MovVinculado(4242);
-    AsignarOrdenVinculo(*cn, lista);
-    EXPECT_EQ(lista.OrdenMovVinculado(), 0) << tipo;
+  // {type, link, position before, position after}: lists and unlinked movements take none, a
+  // position already given is kept.
+  const struct {
+    int16_t tipo;
+    int32_t vinculado;
+    uint8_t antes, despues;
+  } casos[] = {{1, 4242, 0, 5},
+               {2, 4242, 2, 2},
+               {5, 4242, 0, 0},
+               {kTipoItemCheckList, 4242, 0, 0},
+               {1, 0, 0, 0}};
+  for (const auto& c : casos) {
+    auto mf = Encabezado("Nuevo");
+    mf.Tipo(static_cast<enuTipoMovFrec>(c.tipo));
+    mf.MovVinculado(c.vinculado);
+    mf.OrdenMovVinculado(c.antes);
+    AsignarOrdenVinculo(*cn, mf);
+    EXPECT_EQ(mf.OrdenMovVinculado(), c.despues) << c.tipo << " " << c.vinculado;
   }
 
-  auto suelto = Encabezado("Sin vínculo");
-  AsignarOrdenVinculo(*cn, suelto);
-  EXPECT_EQ(suelto.OrdenMovVinculado(), 0);
-}
-
-TEST_P(Tablas, OrdenDeVinculoLlenoEsDesbordamiento) {
   cn->Execute(
       "Insert Into genMovimientosFrecuentes (MFrID, MFrTipo, MFrEstado, MFrMovVinculado, "
       "MFrMVOrden) Values (950, 1, 0, 4300, 255)");
-  EXPECT_THROW(SiguienteOrdenVinculo(*cn, 4300), VbError);
+  EXPECT_THROW(SiguienteOrdenVinculo(*cn, 4300), VbError);  // no position after 255
 }
 
 TEST_P(Tablas, SoloUnaCuentaDeLaEmpresaQueNoEsCarpetaTomaUnRenglon) {
@@ -289,59 +255,40 @@ TEST_P(Tablas, SoloUnaCuentaDeLaEmpresaQueNoEsCarpetaTomaUnRenglon) {
   }
 }
 
+// A server whose text comparison ignores case and trailing blanks returns rows whose names are
+// written differently; they must still be recognised.
+class ServidorSinMayusculas : public testing::ForwardingConnection {
+ public:
+  using ForwardingConnection::ForwardingConnection;
+  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
+    return inner_->OpenResultset(sql == kSqlParametros ? "Select * from genParametros" : sql);
+  }
+};
+
 TEST_P(Tablas, ParametrosDeGenParametrosDanElLiteralDeFecha) {
   CargarParametros(*cn);
   EXPECT_TRUE(Parametros().multiusuario);
   EXPECT_EQ(FechaSQL(kMomento), "'2026-11-02 09:15:30'");
 
-  cn->Execute("Update genParametros Set ParTexto = '#' Where ParNombre = 'defBDDateCharSQLs'");
+  // Names match without regard to case or surrounding blanks, but whole.
+  cn->Execute("Delete From genParametros");
   cn->Execute(
-      "Update genParametros Set ParTexto = 'dd/mm/yyyy' Where ParNombre = 'defBDDateFormat'");
-  cn->Execute("Update genParametros Set ParValor = 0 Where ParNombre = 'sis_Multiusuario'");
-  CargarParametros(*cn);
+      "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values ('  DEFBDDATECHARSQLS ', "
+      "'#', Null), ('defbddateformat', 'dd/mm/yyyy', Null), ('Sis_MultiUsuario', Null, 0), "
+      "('defBDDateFormatX', 'yyyy', Null)");
+  ServidorSinMayusculas servidor(cn);
+  CargarParametros(servidor);
   EXPECT_EQ(FechaSQL(kMomento), "#02/11/2026#");
   EXPECT_FALSE(Parametros().multiusuario);
 
   // A setting that is NULL or missing falls back to the standard value.
-  cn->Execute("Update genParametros Set ParTexto = NULL Where ParNombre = 'defBDDateCharSQLs'");
-  cn->Execute("Delete From genParametros Where ParNombre = 'defBDDateFormat'");
+  cn->Execute("Update genParametros Set ParTexto = NULL Where ParValor Is Null");
+  cn->Execute("Delete From genParametros Where ParNombre = 'defbddateformat'");
   CargarParametros(*cn);
   EXPECT_EQ(FechaSQL(kMomento), "'2026-11-02 09:15:30'");
 }
 
-// A server whose text comparison ignores case and trailing blanks returns rows whose names are
-// written differently; they must still be recognised.
-class ServidorSinMayusculas : public SpyConnection {
- public:
-  using SpyConnection::SpyConnection;
-  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
-    return SpyConnection::OpenResultset(sql == kSqlParametros ? "Select * from genParametros"
-                                                              : sql);
-  }
-};
-
-TEST_P(Tablas, NombresDeParametroSeComparanSinEspaciosNiMayusculas) {
-  cn->Execute("Delete From genParametros");
-  cn->Execute(
-      "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values ('  DEFBDDATECHARSQLS ', "
-      "'\"', Null), ('defbddateformat', 'yyyymmdd', Null), ('Sis_MultiUsuario', Null, 1), "
-      "('defBDDateFormatX', 'dd', Null)");
-  ServidorSinMayusculas servidor(cn);
-  CargarParametros(servidor);
-  EXPECT_EQ(FechaSQL(kMomento), "\"20261102\"");
-  EXPECT_TRUE(Parametros().multiusuario);
-}
-
-TEST_P(Tablas, EmpresaDesconocidaNoCambiaNada) {
-  clsEmpresa emp;
-  ASSERT_TRUE(emp.Load(2, *cn));
-  EXPECT_FALSE(emp.Load(999, *cn));
-  EXPECT_EQ(emp.ID(), 2);
-  EXPECT_EQ(emp.Nombre(), "Consultora Andina S.R.L.");
-  EXPECT_EQ(emp.TipoComprobante(), 12);
-}
-
-TEST_P(Tablas, EmpresaConNulosYValoresNoNumericosConservaLoAnterior) {
+TEST_P(Tablas, EmpresaConNulosConservaLoAnteriorYUnaDesconocidaNoCambiaNada) {
   cn->Execute(
       "Insert Into cceEmpresas (EmpID, EmpNombre, EmpMonedaContabilidad, EmpPrms) Values (7, "
       "'  Nueva S.A.  ', Null, 'lib:x3|tcom:5')");
@@ -350,12 +297,13 @@ TEST_P(Tablas, EmpresaConNulosYValoresNoNumericosConservaLoAnterior) {
   emp.Libro(9);
   emp.ValoresUsuarioYAutoriza("S");
   ASSERT_TRUE(emp.Load(7, *cn));
-  EXPECT_EQ(emp.ID(), 7);
-  EXPECT_EQ(emp.Nombre(), "Nueva S.A.");
-  EXPECT_EQ(emp.MonedaContabilidad(), 4);
-  EXPECT_EQ(emp.ValoresUsuarioYAutoriza(), "S");
-  EXPECT_EQ(emp.Libro(), 9);
-  EXPECT_EQ(emp.TipoComprobante(), 5);
+  EXPECT_FALSE(emp.Load(999, *cn));
+  EXPECT_EQ(std::tuple(emp.ID(), emp.Nombre(), emp.MonedaContabilidad(),
+                       emp.ValoresUsuarioYAutoriza(), emp.Libro(), emp.TipoComprobante()),
+            std::tuple(int16_t{7}, "Nueva S.A.", int16_t{4}, "S", int16_t{9}, int16_t{5}));
+  ASSERT_TRUE(emp.Load(2, *cn));
+  EXPECT_EQ(emp.Nombre(), "Consultora Andina S.R.L.");
+  EXPECT_EQ(emp.TipoComprobante(), 12);
 }
 
 KMF_INSTANTIATE_ENGINES(Tablas);

@@ -141,13 +141,11 @@ TEST(NextOccurrence, WalksMonthEndsAndLeapYearsAsTheDirectCalendarDoes) {
   }
 }
 
-// Month steps keep the start's day while the due date is on it; a due date moved off it, or one
-// without a start, steps on its own day. The due date's time of day is kept, the start's is not.
+// Month steps keep the start's day while the due date is on it (the walk above); a due date moved
+// off it, or one without a start, steps on its own day. The due date's time of day is kept, the
+// start's is not.
 TEST(NextOccurrence, KeepsTheStartDayWhileTheDueDateIsOnIt) {
   const char* const cases[][4] = {
-      {"200001", "30/01/2024", "29/02/2024", "30/03/2024"},
-      {"200001", "28/01/2023", "28/02/2023", "28/03/2023"},
-      {"300001", "29/02/2024", "28/02/2027", "29/02/2028"},
       {"200001", "31/01/2024", "15/03/2024", "15/04/2024"},
       {"200001", "15/01/2023", "28/02/2023", "28/03/2023"},
       {"200001", "", "31/01/2024", "29/02/2024"},

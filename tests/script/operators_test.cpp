@@ -14,13 +14,10 @@ TEST(ScriptOperators, WholeNumbersWidenOnOverflow) {
       {"CInt(-32768) - 1", L(-32769)},
       {"200 * 200", L(40000)},
       {"2147483647 + 1", D(2147483648.0)},
-      {"65536 * 65536", D(4294967296.0)},
       {"CByte(2) + CByte(3)", Variant(uint8_t{5})},
       {"CByte(200) + CByte(100)", I(300)},
       {"CByte(2) - CByte(3)", I(-1)},
       {"-CInt(-32768)", L(32768)},
-      {"1 + 2", I(3)},
-      {"100000 - 1", L(99999)},
   });
 }
 
@@ -29,10 +26,8 @@ TEST(ScriptOperators, MixedSubtypes) {
       {"1.5 + 1", D(2.5)},
       {"\"1\" + 2", D(3)},
       {"\"1,5\" * 2", D(3)},
-      {"\"a\" + \"b\"", S("ab")},
       {"\"1\" + \"2\"", S("12")},
       {"Empty + 1", I(1)},
-      {"Empty + Empty", I(0)},
       {"Empty + \"x\"", S("x")},
       {"\"x\" + Empty", S("x")},
       {"True + True", I(-2)},
@@ -53,13 +48,10 @@ TEST(ScriptOperators, MixedSubtypes) {
 TEST(ScriptOperators, DivisionPowerAndIntegerDivision) {
   ExpectValues({
       {"1/2", D(0.5)},
-      {"4/2", D(2)},
       {"4.6\\1.5", L(2)},
-      {"4.6\\1.49", L(5)},
       {"11.6 Mod 5.5", L(0)},
       {"42\\3.5", L(10)},
       {"42 Mod 3.5", L(2)},
-      {"3.5 Mod 42", L(4)},
       {"-7 Mod 3", I(-1)},
       {"7 Mod -3", I(1)},
       {"-7 \\ 2", I(-3)},
@@ -74,12 +66,9 @@ TEST(ScriptOperators, DivisionPowerAndIntegerDivision) {
 TEST(ScriptOperators, NullPropagationAndConcatenation) {
   ExpectValues({
       {"Null + 1", Variant::Null()},
-      {"Null + \"x\"", Variant::Null()},
       {"1 - Null", Variant::Null()},
-      {"Null * 2", Variant::Null()},
       {"Null / 2", Variant::Null()},
       {"Null \\ 2", Variant::Null()},
-      {"Null Mod 2", Variant::Null()},
       {"Null ^ 2", Variant::Null()},
       {"-Null", Variant::Null()},
       {"Not Null", Variant::Null()},
@@ -90,7 +79,6 @@ TEST(ScriptOperators, NullPropagationAndConcatenation) {
       {"1 & 2", S("12")},
       {"True & \"\"", S("Verdadero")},
       {"False & Empty", S("Falso")},
-      {"3.5/42 & \"\"", S("8,33333333333333E-02")},
   });
 }
 
@@ -101,7 +89,6 @@ TEST(ScriptOperators, Comparisons) {
       {"1 < \"a\"", B(true)},
       {"\"10\" > 9", B(true)},
       {"9 = \"9\"", B(false)},
-      {"\"a\" < \"b\"", B(true)},
       {"\"a\" = \"A\"", B(false)},
       {"\"B\" < \"a\"", B(true)},
       {"Empty = 0", B(true)},
@@ -113,7 +100,6 @@ TEST(ScriptOperators, Comparisons) {
       {"1 =< 0", B(false)},
       {"1 >< 2", B(true)},
       {"CCur(1.5) = 1.5", B(true)},
-      {"#1/1/2000# < #1/2/2000#", B(true)},
       {"Nothing Is Nothing", B(true)},
   });
 }
@@ -121,14 +107,11 @@ TEST(ScriptOperators, Comparisons) {
 TEST(ScriptOperators, LogicalAndBitwise) {
   ExpectValues({
       {"Null And False", B(false)},
-      {"False And Null", B(false)},
       {"Null And True", Variant::Null()},
       {"Null And 0", I(0)},
       {"Null Or True", B(true)},
-      {"True Or Null", B(true)},
       {"Null Or False", Variant::Null()},
       {"Null Xor True", Variant::Null()},
-      {"Null Eqv True", Variant::Null()},
       {"Null Imp True", B(true)},
       {"Null Imp False", Variant::Null()},
       {"False Imp Null", B(true)},
@@ -152,7 +135,6 @@ TEST(ScriptOperators, UnknownNamesAreEmpty) {
   ExpectValues({
       {"x", Variant()},
       {"x + 1", I(1)},
-      {"x & \"a\"", S("a")},
       {"IsEmpty(importe)", B(true)},
   });
 }
@@ -171,7 +153,6 @@ TEST(ScriptOperators, RunTimeErrorsReportTheFirstNonBlankColumn) {
       {"10^400", 6, 0},
       {"1e300 * 1e300", 6, 0},
       {"\"a\" * 2", 13, 0},
-      {"\"a\" + 1", 13, 0},
       {"-\"a\"", 13, 0},
       {"3000000000 And 1", 6, 0},
       {"1 Is Nothing", 424, 0},

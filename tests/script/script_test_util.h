@@ -37,7 +37,9 @@ struct ErrorCase {
   int column = -1;
 };
 
-inline void ExpectValues(std::initializer_list<ValueCase> cases, const Engine& engine) {
+// The default engine has no objects and the fixed clock.
+inline void ExpectValues(std::initializer_list<ValueCase> cases,
+                         const Engine& engine = Engine(FixedClock())) {
   for (const auto& c : cases) {
     const EvalResult r = engine.Eval(c.text);
     ASSERT_TRUE(r.ok) << c.text << " failed: " << r.error.number << " " << r.error.description
@@ -47,11 +49,8 @@ inline void ExpectValues(std::initializer_list<ValueCase> cases, const Engine& e
   }
 }
 
-inline void ExpectValues(std::initializer_list<ValueCase> cases) {
-  ExpectValues(cases, Engine(FixedClock()));
-}
-
-inline void ExpectErrors(std::initializer_list<ErrorCase> cases, const Engine& engine) {
+inline void ExpectErrors(std::initializer_list<ErrorCase> cases,
+                         const Engine& engine = Engine(FixedClock())) {
   for (const auto& c : cases) {
     const EvalResult r = engine.Eval(c.text);
     ASSERT_FALSE(r.ok) << c.text << " gave " << DebugString(r.value);
@@ -61,10 +60,6 @@ inline void ExpectErrors(std::initializer_list<ErrorCase> cases, const Engine& e
       EXPECT_EQ(r.error.column, c.column) << c.text;
     }
   }
-}
-
-inline void ExpectErrors(std::initializer_list<ErrorCase> cases) {
-  ExpectErrors(cases, Engine(FixedClock()));
 }
 
 inline Variant I(int v) {

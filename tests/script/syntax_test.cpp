@@ -18,7 +18,6 @@ TEST(ScriptSyntax, PrecedenceAndAssociativity) {
       {"5\\4/2", L(2)},
       {"12/3\\2", L(2)},
       {"1 = 1 < 0", B(true)},
-      {"Not 1 = 2", B(true)},
       {"Not 0 And 0", I(0)},
       {"Not 1 > 2 And True", B(true)},
       {"10-2-3", I(5)},
@@ -29,7 +28,6 @@ TEST(ScriptSyntax, PrecedenceAndAssociativity) {
       {"\"a\" & 1 + 2", S("a3")},
       {"1 & 2 = \"12\"", B(true)},
       {"(1=1)*5", I(-5)},
-      {"-(2+3)*2", I(-10)},
       {"+\"x\"", S("x")},
   });
 }
@@ -39,7 +37,6 @@ TEST(ScriptSyntax, NumericLiterals) {
       {"010", I(10)},
       {"10.", D(10)},
       {".5", D(0.5)},
-      {"34e5", D(3400000)},
       {"34e+5", D(3400000)},
       {"56.789e-2", D(0.56789)},
       {"1e-400", D(0)},
@@ -50,7 +47,6 @@ TEST(ScriptSyntax, NumericLiterals) {
       {"2147483648", D(2147483648.0)},
       {"&HFFFF", I(-1)},
       {"&hff", I(255)},
-      {"&H7FFF", I(32767)},
       {"&HFFFF&", L(65535)},
       {"&H10000", L(65536)},
       {"&HFFFFFFFF", L(-1)},
@@ -62,10 +58,8 @@ TEST(ScriptSyntax, NumericLiterals) {
 TEST(ScriptSyntax, OtherLiterals) {
   ExpectValues({
       {"\"a\"\"b\"", S("a\"b")},
-      {"\"\"", S("")},
       {"\"ñandú\"", S("ñandú")},
       {"True", B(true)},
-      {"FALSE", B(false)},
       {"Empty", Variant()},
       {"null", Variant::Null()},
       {"#1/2/2005#", DateOf(38354)},

@@ -51,11 +51,8 @@ TEST_P(Balance, NullAmountsCountAsZero) {
       "Insert Into cceAsientos (AsiID, AsiEmpresa, AsiFecha, AsiEstado) Values (1, 1, "
       "'2024-01-05 00:00:00', 1)");
   cn->Execute(
-      "Insert Into cceAsientoCuenta (ACuIDAsiento, ACuOrden, ACuCuenta, ACuDebe) Values (1, 1, "
-      "120, 40)");
-  cn->Execute(
-      "Insert Into cceAsientoCuenta (ACuIDAsiento, ACuOrden, ACuCuenta, ACuHaber) Values (1, 2, "
-      "120, 15.5)");
+      "Insert Into cceAsientoCuenta (ACuIDAsiento, ACuOrden, ACuCuenta, ACuDebe, ACuHaber) Values "
+      "(1, 1, 120, 40, Null), (1, 2, 120, Null, 15.5)");
   EXPECT_DOUBLE_EQ(suite::DbAccountBalance(cn).Saldo(120, SerialOf(2024, 1, 5)), 24.5);
 }
 

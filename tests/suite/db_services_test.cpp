@@ -1,4 +1,4 @@
-// Database-backed services: settings, rights, notice recipients, help routing.
+// Database-backed services: settings, help, rights, notice recipients.
 #include <memory>
 #include <set>
 #include <string>
@@ -34,48 +34,29 @@ class DbServices : public testing::SuiteTablesTest {
   std::shared_ptr<suite::DbFncs> fncs_;
 };
 
-TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCase) {
+TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCaseAndHelpIsShown) {
   cn->Execute(
       "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values ('  IDIOMA ', "
-      "'ignorado', 2)");
-  cn->Execute(
-      "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values "
-      "('defBDDateCharSQLs', '''', Null)");
-  cn->Execute(
-      "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values "
-      "('vacio', Null, Null)");
-
+      "'ignorado', 2), ('defBDDateCharSQLs', '''', Null), ('vacio', Null, Null)");
   const Variant idioma = fncs_->GetSetting("idioma");
   ASSERT_TRUE(vb::IsNumeric(idioma)) << DebugString(idioma);
   EXPECT_EQ(vb::CLng(idioma), 2);
   EXPECT_EQ(vb::CLng(fncs_->GetSetting(" Idioma  ")), 2);
-
   EXPECT_EQ(fncs_->GetSetting("DEFBDDATECHARSQLS"), Variant("'"));
   EXPECT_TRUE(fncs_->GetSetting("vacio").IsNull());
-  EXPECT_TRUE(fncs_->GetSetting("noExiste").IsEmpty());
-  EXPECT_TRUE(fncs_->GetSetting("id'ioma").IsEmpty());
-  EXPECT_TRUE(fncs_->GetSetting("").IsEmpty());
-}
-
-TEST_P(DbServices, SettingsWithoutTableReadAsAbsent) {
-  testing::TestDatabase bare(engine());
-  suite::DbFncs fncs(bare.Open(), messages_);
-  EXPECT_TRUE(fncs.GetSetting("Idioma").IsEmpty());
-}
-
-TEST_P(DbServices, HelpGoesToTheMessageService) {
-  fncs_->ShowHelp(330);
-  fncs_->ShowHelp(0);
-  EXPECT_EQ(messages_->help_topics(), (std::vector<int>{330, 0}));
-  EXPECT_TRUE(messages_->shown().empty());
+  for (const char* ausente : {"noExiste", "id'ioma", ""}) {
+    EXPECT_TRUE(fncs_->GetSetting(ausente).IsEmpty()) << ausente;
+  }
+  testing::TestDatabase bare(engine());  // without the table
+  EXPECT_TRUE(suite::DbFncs(bare.Open(), messages_).GetSetting("Idioma").IsEmpty());
+  fncs_->ShowHelp(330);  // help goes to the message service
+  EXPECT_EQ(messages_->help_topics(), std::vector<int>{330});
 }
 
 TEST_P(DbServices, RightsForCurrentUserCompanyAndOption) {
-  cn->Execute("Insert Into admDerechos Values (5, 1, 'PasajeAsientos', ' AME ')");
-  cn->Execute("Insert Into admDerechos Values (5, 1, 'Papelera', 'e')");
-  cn->Execute("Insert Into admDerechos Values (5, 2, 'Comprobantes', 'A')");
-  cn->Execute("Insert Into admDerechos Values (6, 1, 'Comprobantes', 'AM')");
-
+  cn->Execute(
+      "Insert Into admDerechos Values (5, 1, 'PasajeAsientos', ' AME '), (5, 1, 'Papelera', 'e'), "
+      "(5, 2, 'Comprobantes', 'A'), (6, 1, 'Comprobantes', 'AM')");
   suite::DbUserRights rights(cn, 5);
   EXPECT_EQ(rights.Usuario(), 5);
   EXPECT_EQ(rights.Letras(1, "PasajeAsientos"), "AME");
@@ -90,13 +71,9 @@ TEST_P(DbServices, RightsForCurrentUserCompanyAndOption) {
 }
 
 TEST_P(DbServices, NoticeRecipientsBecomeTheListedUsers) {
-  cn->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (1, 'ana')");
-  cn->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (2, 'luis')");
-  cn->Execute("Insert Into admUsuarios (UsuCodigo, UsuIdentificacion) Values (3, 'eva')");
   cn->Execute(
-      "Insert Into admUsuarios (UsuCodigo, UsuIdentificacion, UsuHabilitado) Values "
-      "(4, 'baja', 0)");
-
+      "Insert Into admUsuarios (UsuCodigo, UsuIdentificacion, UsuHabilitado) Values (1, 'ana', 1), "
+      "(2, 'luis', 1), (3, 'eva', 1), (4, 'baja', 0)");
   EXPECT_TRUE(fncs_->VincularAvisos(12, "1, 2"));
   EXPECT_EQ(Recipients(12), (std::set<int32_t>{1, 2}));
   cn->Execute("Update genAvisosUsuarios Set AvUVisto = 1 Where AvUUsuario = 2");
@@ -108,11 +85,10 @@ TEST_P(DbServices, NoticeRecipientsBecomeTheListedUsers) {
   ASSERT_FALSE(seen->Eof());
   EXPECT_EQ(vb::CLng(seen->Get(0)), 1);  // a user kept keeps what he has seen
 
-  // Refused lists change nothing.
-  EXPECT_FALSE(fncs_->VincularAvisos(12, "2,4"));   // disabled user
-  EXPECT_FALSE(fncs_->VincularAvisos(12, "2,99"));  // unknown user
-  EXPECT_FALSE(fncs_->VincularAvisos(12, "2,,3"));
-  EXPECT_FALSE(fncs_->VincularAvisos(12, "dos"));
+  // Refused lists change nothing: a disabled or unknown user, a malformed list, no notice.
+  for (const char* lista : {"2,4", "2,99", "2,,3", "dos"}) {
+    EXPECT_FALSE(fncs_->VincularAvisos(12, lista)) << lista;
+  }
   EXPECT_FALSE(fncs_->VincularAvisos(0, "2"));
   EXPECT_EQ(Recipients(12), (std::set<int32_t>{2, 3}));
 
@@ -133,9 +109,7 @@ TEST(UserList, ParsesCodesSeparatedByCommas) {
   EXPECT_EQ(suite::ParseUserList(" 3, 7,12 "), (std::set<int32_t>{3, 7, 12}));
   EXPECT_EQ(suite::ParseUserList("5,5"), (std::set<int32_t>{5}));
   EXPECT_EQ(suite::ParseUserList("  "), std::set<int32_t>{});
-  EXPECT_FALSE(suite::ParseUserList("3,").has_value());
-  EXPECT_FALSE(suite::ParseUserList("3;4").has_value());
-  EXPECT_FALSE(suite::ParseUserList("1.5").has_value());
+  for (const char* mal : {"3,", "3;4", "1.5"}) EXPECT_FALSE(suite::ParseUserList(mal)) << mal;
 }
 
 }  // namespace

@@ -11,9 +11,9 @@
 // Each child is a fork() of the test process. It must open its own connections (the parent's
 // are never used in the child), reports through `out` (a file the parent reads afterwards) and
 // its return value, and ends with _exit, so neither the parent's connections nor the test
-// framework's state are touched by the child. A child that throws exits with status 99 and
-// its message at the end of its output. The children start together, once all are forked (each
-// waits for a pipe the parent then closes). The parent waits for every child.
+// framework's state are touched by the child. A child that throws a std::exception exits with
+// status 99 and its message at the end of its output. The children start together, once all are
+// forked (each waits for a pipe the parent then closes). The parent waits for every child.
 #pragma once
 
 #include <sys/wait.h>
@@ -35,12 +35,6 @@ namespace kivmovfrec::testing {
 struct ChildrenOutcome {
   std::vector<int> statuses;         // exit status of each child, -1 when it did not exit
   std::vector<std::string> outputs;  // what each child wrote to `out`
-  bool AllSucceeded() const {
-    for (int s : statuses) {
-      if (s != 0) return false;
-    }
-    return true;
-  }
 };
 
 inline ChildrenOutcome RunInChildren(int count,
@@ -50,27 +44,24 @@ inline ChildrenOutcome RunInChildren(int count,
       (std::filesystem::temp_directory_path() /
        ("kmf_child_" + std::to_string(::getpid()) + "_" + std::to_string(serial++)))
           .string();
+  const auto path = [&](int i) { return base + "_" + std::to_string(i) + ".out"; };
   std::cout.flush();
   std::cerr.flush();
   std::vector<pid_t> pids;
   int salida[2] = {-1, -1};
   (void)!::pipe(salida);
   for (int i = 0; i < count; ++i) {
-    const std::string path = base + "_" + std::to_string(i) + ".out";
     const pid_t pid = ::fork();
     if (pid == 0) {
       char c = 0;
       ::close(salida[1]);
       (void)!::read(salida[0], &c, 1);  // returns once the parent closes its end
       int status = 0;
-      std::ofstream out(path);
+      std::ofstream out(path(i));
       try {
         status = work(i, out);
       } catch (const std::exception& e) {
         out << "\nexcepción: " << e.what() << '\n';
-        status = 99;
-      } catch (...) {
-        out << "\nexcepción desconocida\n";
         status = 99;
       }
       out.close();
@@ -85,12 +76,11 @@ inline ChildrenOutcome RunInChildren(int count,
     int raw = 0;
     const bool exited = pids[i] > 0 && ::waitpid(pids[i], &raw, 0) == pids[i] && WIFEXITED(raw);
     outcome.statuses.push_back(exited ? WEXITSTATUS(raw) : -1);
-    const std::string path = base + "_" + std::to_string(i) + ".out";
-    std::ifstream in(path);
+    std::ifstream in(path(i));
     std::ostringstream text;
     text << in.rdbuf();
     outcome.outputs.push_back(text.str());
-    std::remove(path.c_str());
+    std::remove(path(i).c_str());
   }
   return outcome;
 }

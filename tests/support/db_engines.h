@@ -25,7 +25,6 @@
 #include <optional>
 #include <random>
 #include <string>
-#include <vector>
 
 #include "kivmovfrec/db.h"
 
@@ -40,18 +39,6 @@ inline std::optional<std::string> PostgresUri() {
   const char* uri = std::getenv("KMF_TEST_PG");
   if (uri == nullptr || *uri == '\0') return std::nullopt;
   return std::string(uri);
-}
-
-// Every engine, in a fixed order: what KMF_INSTANTIATE_ENGINES instantiates.
-inline std::vector<Engine> AllEngines() {
-  return {Engine::SQLite, Engine::PostgreSQL};
-}
-
-// The engines this run can test: SQLite, and PostgreSQL when KMF_TEST_PG is set.
-inline std::vector<Engine> AvailableEngines() {
-  std::vector<Engine> out{Engine::SQLite};
-  if (PostgresUri()) out.push_back(Engine::PostgreSQL);
-  return out;
 }
 
 inline std::string EngineName(Engine engine) {
@@ -109,8 +96,8 @@ class TestDatabase {
   const std::string& uri() const { return uri_; }
   // A new connection to this database.
   std::shared_ptr<Connection> Open() const { return OpenConnection(uri_); }
-  // The PostgreSQL schema ("" on SQLite).
-  const std::string& schema() const { return schema_; }
+  // SQLite: the folder of the database file, where a test may put other files too.
+  const std::filesystem::path& folder() const { return folder_; }
 
  private:
   Engine engine_;
@@ -151,14 +138,11 @@ class EngineTest : public ::testing::TestWithParam<Engine> {
   std::shared_ptr<Connection> cn;
 };
 
-inline std::string EngineParamName(const ::testing::TestParamInfo<Engine>& info) {
-  return EngineName(info.param);
-}
-
 }  // namespace kivmovfrec::testing
 
 // Instantiates an EngineTest suite once per engine (SQLite, PostgreSQL).
-#define KMF_INSTANTIATE_ENGINES(suite)                                               \
-  INSTANTIATE_TEST_SUITE_P(Engines, suite,                                           \
-                           ::testing::ValuesIn(::kivmovfrec::testing::AllEngines()), \
-                           ::kivmovfrec::testing::EngineParamName)
+#define KMF_INSTANTIATE_ENGINES(suite)                                                   \
+  INSTANTIATE_TEST_SUITE_P(                                                              \
+      Engines, suite,                                                                    \
+      ::testing::Values(::kivmovfrec::Engine::SQLite, ::kivmovfrec::Engine::PostgreSQL), \
+      [](const auto& info) { return ::kivmovfrec::testing::EngineName(info.param); })

@@ -1,7 +1,7 @@
 // A Connection that forwards to a real one and fails on purpose: the k-th statement (1-based)
-// throws DbError instead of running. Statements counted are result-set opens, Execute, the
-// writes of a result set (Update, Delete) and, when asked, CommitTrans. Used to prove that
-// every writing operation either leaves the database as it was or reports the failure.
+// throws DbError instead of running. Statements counted are those of ForwardingConnection and,
+// when asked, CommitTrans. Used to prove that every writing operation either leaves the
+// database as it was or reports the failure.
 #pragma once
 
 #include <memory>
@@ -23,34 +23,23 @@ class FaultyConnection : public ForwardingConnection {
   int statements() const { return count_; }
   bool failed() const { return failed_; }
 
-  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
-    Tick("open");
-    return std::make_unique<ForwardingResultset>(
-        inner_->OpenResultset(sql), [this](const char* kind, const std::function<void()>& run) {
-          Tick(kind);
-          run();
-        });
-  }
-  std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
-    Tick("open");
-    return inner_->OpenReadOnly(sql);
-  }
-  int64_t Execute(std::string_view sql) override {
-    Tick("execute");
-    return inner_->Execute(sql);
-  }
   void CommitTrans() override {
     if (count_commit_) Tick("commit");
     inner_->CommitTrans();
   }
 
+ protected:
+  void Statement(const char* kind, std::string_view, const std::function<void()>& run) override {
+    Tick(kind);
+    run();
+  }
+
  private:
   void Tick(const char* what) {
-    ++count_;
-    if (count_ == fail_at_) {
+    if (++count_ == fail_at_) {
       failed_ = true;
-      throw DbError(std::string("fallo inyectado en la sentencia ") + std::to_string(count_) +
-                    " (" + what + ")");
+      throw DbError("fallo inyectado en la sentencia " + std::to_string(count_) + " (" + what +
+                    ")");
     }
   }
 

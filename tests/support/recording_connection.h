@@ -1,7 +1,6 @@
 // A Connection that forwards to a real one and writes down every statement that goes through
-// it: result-set opens, read-only opens, Execute, and the writes of a result set (Update and
-// Delete, recorded with the text the set was opened with). A statement that throws is recorded
-// with the engine's message before the error goes on to the caller.
+// it (see ForwardingConnection for which). A statement that throws is recorded with the
+// engine's message before the error goes on to the caller.
 //
 // The component traps many database errors on purpose (a lookup that fails finds nothing, a
 // rate that cannot be read is missing), so a statement an engine refuses can hide behind a
@@ -9,9 +8,7 @@
 #pragma once
 
 #include <exception>
-#include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "support/forwarding_connection.h"
@@ -30,28 +27,9 @@ class RecordingConnection : public ForwardingConnection {
 
   const std::vector<RecordedStatement>& statements() const { return log_; }
 
-  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
-    std::unique_ptr<Resultset> rs;
-    Record("open", sql, [&] { rs = inner_->OpenResultset(sql); });
-    return std::make_unique<ForwardingResultset>(
-        std::move(rs),
-        [this, text = std::string(sql)](const char* kind, const std::function<void()>& run) {
-          Record(kind, text, run);
-        });
-  }
-  std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
-    std::unique_ptr<Resultset> rs;
-    Record("read-only", sql, [&] { rs = inner_->OpenReadOnly(sql); });
-    return rs;
-  }
-  int64_t Execute(std::string_view sql) override {
-    int64_t changed = 0;
-    Record("execute", sql, [&] { changed = inner_->Execute(sql); });
-    return changed;
-  }
-
- private:
-  void Record(const char* kind, std::string_view sql, const std::function<void()>& run) {
+ protected:
+  void Statement(const char* kind, std::string_view sql,
+                 const std::function<void()>& run) override {
     const size_t at = log_.size();
     log_.push_back({kind, std::string(sql), ""});
     try {
@@ -62,6 +40,7 @@ class RecordingConnection : public ForwardingConnection {
     }
   }
 
+ private:
   std::vector<RecordedStatement> log_;
 };
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "platform/vb/convert.h"
 #include "platform/vb/decimal.h"
 #include "vb_test_util.h"
@@ -9,27 +11,17 @@ namespace {
 
 using testing::ErrorNumber;
 
+// Halves go to even on the decimal the double stands for: 2.675 is written 2.67499999... but
+// stands for 2.675, which rounds to 2.68.
 TEST(RoundHalfEven, RoundsTheDecimalTheDoubleStandsFor) {
-  EXPECT_DOUBLE_EQ(RoundHalfEven(0.12345, 4), 0.1234);
-  EXPECT_DOUBLE_EQ(RoundHalfEven(0.12355, 4), 0.1236);
-  EXPECT_DOUBLE_EQ(RoundHalfEven(1.765, 2), 1.76);
-  EXPECT_DOUBLE_EQ(RoundHalfEven(1.775, 2), 1.78);
-  EXPECT_DOUBLE_EQ(RoundHalfEven(2.675, 2), 2.68);
-}
-
-TEST(RoundHalfEven, WholeNumbersAndSigns) {
-  EXPECT_EQ(RoundHalfEven(2.5), 2);
-  EXPECT_EQ(RoundHalfEven(3.5), 4);
-  EXPECT_EQ(RoundHalfEven(-3.5), -4);
-  EXPECT_EQ(RoundHalfEven(-2.5), -2);
-  EXPECT_EQ(RoundHalfEven(2.5000001), 3);
-  EXPECT_EQ(RoundHalfEven(0.4), 0);
-  EXPECT_EQ(RoundHalfEven(99.5), 100);
-  EXPECT_EQ(RoundHalfEven(1e20, 2), 1e20);
-  EXPECT_DOUBLE_EQ(RoundHalfEven(0.0004, 3), 0.0);
-}
-
-TEST(RoundHalfEven, NegativeDigitsAreRefused) {
+  const std::tuple<double, int, double> casos[] = {
+      {0.12345, 4, 0.1234}, {0.12355, 4, 0.1236}, {1.765, 2, 1.76}, {1.775, 2, 1.78},
+      {2.675, 2, 2.68},     {2.5, 0, 2},          {3.5, 0, 4},      {-3.5, 0, -4},
+      {-2.5, 0, -2},        {2.5000001, 0, 3},    {0.4, 0, 0},      {99.5, 0, 100},
+      {1e20, 2, 1e20},      {0.0004, 3, 0}};
+  for (const auto& [valor, decimales, redondeado] : casos) {
+    EXPECT_DOUBLE_EQ(RoundHalfEven(valor, decimales), redondeado) << valor << " " << decimales;
+  }
   EXPECT_EQ(ErrorNumber([] { RoundHalfEven(1.5, -1); }), 5);
 }
 
@@ -53,14 +45,15 @@ TEST(RoundDecimal, HalfAwayFromZeroAndDigitSplit) {
   EXPECT_EQ(ToScaledInteger(RoundDecimal(1e300, 0, HalfRule::ToEven)), std::nullopt);
 }
 
+// Four decimals; an exact half of the last unit goes to even.
 TEST(Currency, FromDoubleUsesTheSameHalfToEvenRule) {
-  EXPECT_EQ(Currency::FromDouble(1.23455).units, 12346);
-  EXPECT_EQ(Currency::FromDouble(0.00005).units, 0);  // an exact half of a unit goes to even
-  EXPECT_EQ(Currency::FromDouble(0.00015).units, 2);
+  const std::pair<double, int64_t> casos[] = {
+      {1.23455, 12346}, {1.23465, 12346}, {0.00005, 0},
+      {0.00015, 2},     {-0.00015, -2},   {922337203685477.0, 9223372036854770000}};
+  for (const auto& [valor, unidades] : casos) {
+    EXPECT_EQ(Currency::FromDouble(valor).units, unidades) << valor;
+  }
   EXPECT_EQ(ErrorNumber([] { Currency::FromDouble(1e300); }), 6);
-  EXPECT_EQ(Currency::FromDouble(1.23465).units, 12346);
-  EXPECT_EQ(Currency::FromDouble(-0.00015).units, -2);
-  EXPECT_EQ(Currency::FromDouble(922337203685477.0).units, 9223372036854770000);
 }
 
 }  // namespace
