@@ -37,18 +37,11 @@ class Agendas : public Fachada {
  protected:
   // A new monthly entry that ends on `final_`, saved through the façade.
   int32_t NuevoAgendado(const std::string& inicio, const std::string& final_) {
-    mf.CleanEstructura();
-    auto e = mf.EstructuraMovFrec();
-    e->MovFrecuente()->Empresa(1);
-    e->MovFrecuente()->Tipo(enuTipoMovFrec::Asiento);
-    e->MovFrecuente()->Nombre("Cuota del préstamo");
-    e->Recurrencia()->Frecuencia("200001");
-    e->Recurrencia()->FechaProxima(inicio);
-    e->Recurrencia()->FechaFinal(final_);
-    auto linea = std::make_shared<clsRegRenglonMF>();
-    linea->Cuenta(117);
-    linea->AlDebe(true);
-    e->Renglones()->AddRenglon(linea);
+    AsientoNuevo(mf, "Cuota del préstamo", {117});
+    auto rec = mf.EstructuraMovFrec()->Recurrencia();
+    rec->Frecuencia("200001");
+    rec->FechaProxima(inicio);
+    rec->FechaFinal(final_);
     const int32_t id = mf.SaveMovimientoFrecuenteConBloqueo();
     EXPECT_GT(id, 0);
     return id;

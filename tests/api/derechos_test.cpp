@@ -75,31 +75,29 @@ TEST_P(Estados, PreguntaSegunElEstadoYRespuestaNo) {
 
 class Papelera : public Fachada {};
 
-TEST_P(Papelera, LaLetraEMayusculaPermiteBorrar) {
-  sv.rights->Set(1, "Papelera", "E");
-  sv.messages->Answer(kMsgYes);
-  EXPECT_TRUE(mf.DeleteRegistroMFConfirmar(20));
-  EXPECT_EQ(CountRows(*cn, "Select * From genMovimientosFrecuentes Where MFrID = 20"), 0);
-  EXPECT_EQ(CountRows(*cn, "Select * From genRenglonMovFrecuentes Where RMFMovimiento = 20"), 0);
-  ASSERT_EQ(Mensajes().size(), 1u);
-  EXPECT_EQ(Mensajes()[0].request.text, "¿Confirma eliminar el registro?");
-  EXPECT_EQ(Mensajes()[0].request.default_button, 2);  // No is the default
-  EXPECT_FALSE(cn->InTransaction());
-}
-
-TEST_P(Papelera, SinLetraONoNoBorra) {
+// Deleting from the bin takes the letter E of the bin option (in either case) and a Yes.
+TEST_P(Papelera, SoloConLaLetraEYUnSiSeBorra) {
   const auto antes = Tablas();
   sv.rights->Set(1, "Papelera", "AMT");
   EXPECT_FALSE(mf.DeleteRegistroMFConfirmar(20));
   ASSERT_EQ(Mensajes().size(), 1u);
   EXPECT_EQ(Mensajes()[0].request.text, kSinDerechos);
   EXPECT_EQ(Mensajes()[0].request.caption, "Asistente de Asientos");
-
   sv.rights->Set(1, "Papelera", "e");
   sv.messages->Answer(kMsgNo);
   EXPECT_FALSE(mf.DeleteRegistroMFConfirmar(20));
   EXPECT_FALSE(mf.DeleteRegistroMFConfirmar(4242));
   EXPECT_EQ(Tablas(), antes);
+
+  sv.messages->Clear();
+  sv.rights->Set(1, "Papelera", "E");
+  sv.messages->Answer(kMsgYes);
+  EXPECT_TRUE(mf.DeleteRegistroMFConfirmar(20));
+  EXPECT_EQ(CountRows(*cn, "Select * From genMovimientosFrecuentes Where MFrID = 20"), 0);
+  ASSERT_EQ(Mensajes().size(), 1u);
+  EXPECT_EQ(Mensajes()[0].request.text, "¿Confirma eliminar el registro?");
+  EXPECT_EQ(Mensajes()[0].request.default_button, 2);  // No is the default
+  EXPECT_FALSE(cn->InTransaction());
 }
 
 KMF_INSTANTIATE_ENGINES(Estados);

@@ -29,58 +29,52 @@ constexpr const char* kFormulaOriginal = "[1:145;1;1]*0.5";
 // A text of the corpus. `sql` set: the text is that statement inside a [query] block, and the
 // script host gets it through rdoCBase.OpenResultset.
 struct Hostil {
+  Hostil(std::string n, std::string t, bool l = false, std::optional<std::string> r = std::nullopt,
+         std::string m = "", std::string q = "")
+      : nombre(std::move(n)),
+        texto(std::move(t)),
+        lee(l),
+        script(std::move(r)),
+        motivo(std::move(m)),
+        sql(std::move(q)) {}
+
+  std::optional<double> Valor() const {
+    return script && !script->empty() ? std::optional(std::stod(*script)) : std::nullopt;
+  }
+
   std::string nombre;
   std::string texto;
+  bool lee;  // the display-form reader accepts it (blocks are copied)
+  // The script host's result text (nothing: an error); a number is also what the line computes
+  // to, anything else leaves the line without a result.
+  std::optional<std::string> script;
+  std::string motivo;  // part of the explanation of the failing line and of the script error
   std::string sql;
-  bool lee = false;                   // the display-form reader accepts it (blocks are copied)
-  std::optional<double> valor;        // what the line computes to; nothing: the line has no result
-  std::string motivo;                 // part of the failing line's explanation (when no value)
-  std::optional<std::string> script;  // the script host's result text; nothing: an error
-  std::string motivo_script;          // part of the script error's description
 };
 
 constexpr const char* kSoloLectura = "solo puede leer datos";
 constexpr const char* kUnaSentencia = "una sola sentencia";
 constexpr const char* kNoModifica = "no puede modificar la base de datos";
 
-// A text that computes to nothing and that the script host refuses.
-Hostil Falla(std::string nombre, std::string texto, bool lee) {
-  return {std::move(nombre), std::move(texto), "", lee, {}, "", {}, ""};
-}
-
 Hostil Consulta(std::string nombre, std::string sql, std::string motivo) {
-  const std::string motivo_linea = motivo.empty() ? "la consulta falló" : motivo;
-  return {std::move(nombre),
-          "[query]" + sql + "[/query]",
-          sql,
-          true,
-          std::nullopt,
-          motivo_linea,
-          std::nullopt,
-          std::move(motivo)};
+  return {
+      std::move(nombre), "[query]" + sql + "[/query]", true, std::nullopt, std::move(motivo), sql};
 }
 
 std::vector<Hostil> Corpus() {
-  const std::string kMega = [] {
-    std::string s;
-    while (s.size() < (1u << 20)) s += "1+";
-    return s + "1";
-  }();
-  const double suma = static_cast<double>(kMega.size() / 2 + 1);
-  const std::string abre(100000, '('), cierra(100000, ')');
-  // A VBScript comment: the script is empty, so the line has no number.
-  auto comentario_vb = [](std::string nombre, std::string texto) {
-    return Hostil{std::move(nombre), std::move(texto), "", true, {}, "", "", ""};
-  };
-  std::vector<Hostil> c = {
-      comentario_vb("comilla", "O'Brien"),
-      comentario_vb("inyeccion", "'); Delete From genMovimientosFrecuentes; --"),
-      {"comentario", "1 -- 2", "", true, 3, "", "3", ""},
-      Falla("separador", "1; 2", true),
+  std::string mega;
+  while (mega.size() < (1u << 20)) mega += "1+";
+  mega += "1";
+  return {
+      // A VBScript comment: the script is empty, so the line has no number.
+      {"comilla", "O'Brien", true, ""},
+      {"inyeccion", "'); Delete From genMovimientosFrecuentes; --", true, ""},
+      {"comentario", "1 -- 2", true, "3"},
+      {"separador", "1; 2", true},
       // Quoted arguments reach lookup SQL: a quote is refused before any is built.
-      Falla("argumento_comilla",
-            "Saldo al día de hoy(\"'); Delete From genMovimientosFrecuentes; --\")", false),
-      Falla("argumento_corchete", "Pedir valor(\"a]; [query]Delete From genRecurrencias\")", false),
+      {"argumento_comilla",
+       "Saldo al día de hoy(\"'); Delete From genMovimientosFrecuentes; --\")"},
+      {"argumento_corchete", "Pedir valor(\"a]; [query]Delete From genRecurrencias\")"},
       Consulta("delete", "Delete From genMovimientosFrecuentes", kSoloLectura),
       Consulta("update", "Update genMovimientosFrecuentes Set MFrNombre = 'x'", kSoloLectura),
       // Without commas: the script host's retry with "," read as "." would change the statement.
@@ -90,33 +84,24 @@ std::vector<Hostil> Corpus() {
       Consulta("segunda_sin_blanco", "Select 1;Drop Table genRecurrencias", kUnaSentencia),
       // PostgreSQL refuses it inside the read-only transaction, SQLite cannot parse it.
       Consulta("cte_delete", "With x As (Delete From genRecurrencias Returning 1) Select 1", ""),
+      // A comment inside a query hides the rest of it: one statement, nothing deleted.
+      {"comentario_sql", "[query]Select 5 -- ; Delete From genRecurrencias[/query]", true, "5", "",
+       "Select 5 -- ; Delete From genRecurrencias"},
       {"script_execute",
-       "[codescript]rdoCBase.Execute(\"Delete From genRecurrencias\")[/codescript]",
-       "",
-       true,
-       {},
-       kNoModifica,
-       {},
-       kNoModifica},
-      {"megabyte", kMega, "", true, suma, "", std::to_string(static_cast<long>(suma)), ""},
-      Falla("parentesis", abre + "1" + cierra, true),
-      Falla("corchetes", std::string(100000, '[') + "1" + std::string(100000, ']'), false),
-      Falla("abre_corchete", "[", false),
-      Falla("cierra_corchete", "]", true),
-      Falla("dos_parentesis", "((", true),
-      Falla("cierra_parentesis", ")", true),
-      Falla("c3_suelto", "\xC3", false),
-      Falla("ff", "1+\xFF", false),
-      Falla("utf8_truncado", "2*\xF0\x9F\x98", false),
-      Falla("nul", std::string("1\0002", 3), false),
+       "[codescript]rdoCBase.Execute(\"Delete From genRecurrencias\")[/codescript]", true,
+       std::nullopt, kNoModifica},
+      {"megabyte", mega, true, std::to_string(mega.size() / 2 + 1)},
+      {"parentesis", std::string(100000, '(') + "1" + std::string(100000, ')'), true},
+      {"corchetes", std::string(100000, '[') + "1" + std::string(100000, ']')},
+      {"abre_corchete", "["},
+      {"cierra_corchete", "]", true},
+      {"dos_parentesis", "((", true},
+      {"cierra_parentesis", ")", true},
+      {"c3_suelto", "\xC3"},
+      {"ff", "1+\xFF"},
+      {"utf8_truncado", "2*\xF0\x9F\x98"},
+      {"nul", std::string("1\0002", 3)},
   };
-  // A comment inside a query hides the rest of it: one statement, nothing deleted.
-  Hostil comentada = Consulta("comentario_sql", "Select 5 -- ; Delete From genRecurrencias", "");
-  comentada.valor = 5;
-  comentada.motivo.clear();
-  comentada.script = "5";
-  c.push_back(comentada);
-  return c;
 }
 
 class EntradaHostil : public Fachada {
@@ -156,17 +141,24 @@ class EntradaHostil : public Fachada {
   bool Representable(const std::string& texto) const {
     return !postgres() || (texto.find('\0') == std::string::npos && vb::IsValidUtf8(texto));
   }
-  // A line that failed: the catalogue message was shown once and the trace says why.
-  void FallaConMensaje(const Hostil& h, size_t mensajes_antes) {
+  // The outcome of computing line kOrden holding `h`: its value, or the catalogue message shown
+  // once and the trace saying why.
+  void Resultado(const Hostil& h, bool ok, const clsRenglonesMF& lineas, size_t mensajes_antes) {
+    EXPECT_EQ(ok, h.Valor().has_value()) << mf.UltimaTrazaFx().error;
+    if (h.Valor()) {
+      EXPECT_DOUBLE_EQ(lineas.Renglon(kOrden)->ImporteMF(), *h.Valor());
+      return;
+    }
     ASSERT_EQ(Mensajes().size(), mensajes_antes + 1);
     EXPECT_EQ(Mensajes().back().request.text, resources::Texto(msg::kFormulaSinResultado));
-    const auto& lineas = mf.UltimaTrazaFx().lineas;
-    ASSERT_GE(lineas.size(), 2u);
-    EXPECT_FALSE(lineas[1].ok);
-    EXPECT_FALSE(lineas[1].error.empty());
-    std::string detalle = lineas[1].error;
-    for (const auto& e : lineas[1].elementos) detalle += " | " + e.detalle;
-    EXPECT_NE(detalle.find(h.motivo), std::string::npos) << detalle;
+    const auto& traza = mf.UltimaTrazaFx().lineas;
+    ASSERT_GE(traza.size(), 2u);
+    EXPECT_FALSE(traza[1].ok);
+    EXPECT_FALSE(traza[1].error.empty());
+    std::string detalle = traza[1].error;
+    for (const auto& e : traza[1].elementos) detalle += " | " + e.detalle;
+    const std::string motivo = h.motivo.empty() && !h.sql.empty() ? "la consulta falló" : h.motivo;
+    EXPECT_NE(detalle.find(motivo), std::string::npos) << detalle;
   }
 };
 
@@ -222,13 +214,7 @@ TEST_P(EntradaHostil, CalculoDeLaFormulaGuardadaYEnMemoria) {
       const size_t mensajes = Mensajes().size();
       mf.CleanEstructura();
       const bool ok = mf.SetCalculoFormulasMF(kMov, true);
-      EXPECT_EQ(ok, h.valor.has_value()) << mf.UltimaTrazaFx().error;
-      if (h.valor) {
-        EXPECT_DOUBLE_EQ(mf.EstructuraMovFrec()->Renglones()->Renglon(kOrden)->ImporteMF(),
-                         *h.valor);
-      } else {
-        FallaConMensaje(h, mensajes);
-      }
+      Resultado(h, ok, *mf.EstructuraMovFrec()->Renglones(), mensajes);
       SinCambios(antes);
     }
     // The same text in lines held in memory, recomputed in place.
@@ -239,13 +225,7 @@ TEST_P(EntradaHostil, CalculoDeLaFormulaGuardadaYEnMemoria) {
     auto lineas = mf.EstructuraMovFrec()->Renglones();
     lineas->Renglon(kOrden)->Formula(h.texto);
     const size_t mensajes = Mensajes().size();
-    const bool ok = mf.RecalcularFormulasMF(*lineas, 1, true);
-    EXPECT_EQ(ok, h.valor.has_value()) << mf.UltimaTrazaFx().error;
-    if (h.valor) {
-      EXPECT_DOUBLE_EQ(lineas->Renglon(kOrden)->ImporteMF(), *h.valor);
-    } else {
-      FallaConMensaje(h, mensajes);
-    }
+    Resultado(h, mf.RecalcularFormulasMF(*lineas, 1, true), *lineas, mensajes);
     SinCambios(antes);
   }
 }
@@ -274,8 +254,7 @@ TEST_P(EntradaHostil, LeyendaYScript) {
       EXPECT_FALSE(r.ok) << r.text;
       EXPECT_NE(r.error.number, 0);
       EXPECT_FALSE(r.error.description.empty());
-      EXPECT_NE(r.error.description.find(h.motivo_script), std::string::npos)
-          << r.error.description;
+      EXPECT_NE(r.error.description.find(h.motivo), std::string::npos) << r.error.description;
     }
     SinCambios(antes);
   }

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -22,6 +23,24 @@
 namespace kivmovfrec::testing {
 
 inline const Date kHoy = suite::SerialOf(2026, 11, 10);
+
+// Puts a new entry of company 1 named `nombre` in the façade's current movement, with a line on
+// each of `cuentas` (the first one on the debit side) carrying the name as its detail.
+inline void AsientoNuevo(clsMovFrecuente& mf, const std::string& nombre,
+                         std::initializer_list<int32_t> cuentas = {}) {
+  mf.CleanEstructura();
+  auto e = mf.EstructuraMovFrec();
+  e->MovFrecuente()->Empresa(1);
+  e->MovFrecuente()->Tipo(enuTipoMovFrec::Asiento);
+  e->MovFrecuente()->Nombre(nombre);
+  for (int32_t cuenta : cuentas) {
+    auto r = std::make_shared<clsRegRenglonMF>();
+    r->Cuenta(cuenta);
+    r->AlDebe(e->Renglones()->QRenglones() == 0);
+    r->Detalle(nombre);
+    e->Renglones()->AddRenglon(r);
+  }
+}
 
 class Fachada : public DemoEngineTest {
  protected:

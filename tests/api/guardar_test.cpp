@@ -1,5 +1,5 @@
 // Connect and the two saves through the façade, why a member failed, and the members before
-// Connect.
+// Connect (every one a no-op).
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -15,35 +15,19 @@ namespace {
 
 class Guardar : public Fachada {};
 
-std::shared_ptr<clsRegRenglonMF> Linea(int32_t cuenta) {
-  auto r = std::make_shared<clsRegRenglonMF>();
-  r->Cuenta(cuenta);
-  return r;
-}
-
-void Asiento(clsMovFrecuente& mf, const std::string& nombre) {
-  mf.CleanEstructura();
-  auto m = mf.EstructuraMovFrec()->MovFrecuente();
-  m->Empresa(1);
-  m->Tipo(enuTipoMovFrec::Asiento);
-  m->Nombre(nombre);
-}
-
-class FachadaSinConectar : public DemoEngineTest {};
-
-TEST_P(FachadaSinConectar, CadaMiembroNoHaceNada) {
-  auto sv = suite::ScriptedServices::Make(cn, kHoy);
+// Before Connect, or after Connect(nullptr), every member is a no-op.
+TEST_P(Guardar, SinConexionCadaMiembroNoHaceNada) {
+  clsMovFrecuente nueva;
+  EXPECT_FALSE(nueva.Conectado());
+  EXPECT_FALSE(nueva.LoadMF(1));
   sv.rights->Set(1, "Papelera", "e");
   sv.rights->Set(1, "PasajeAsientos", "AMEe");
   sv.messages->DefaultAnswer(kMsgYes);
-  clsMovFrecuente mf;
-  mf.Servicios(sv.Bundle());
-  mf.Empresa(1);
-  const auto antes = TakeSnapshot(*cn, MovementTables());
+  mf.Connect(nullptr);
+  EXPECT_FALSE(mf.Conectado());
+  const auto antes = Tablas();
   const auto estructura = mf.EstructuraMovFrec();
   estructura->MovFrecuente()->Nombre("sin conexión");
-
-  EXPECT_FALSE(mf.Conectado());
   mf.CleanEstructura();
   EXPECT_EQ(mf.EstructuraMovFrec(), estructura);
   EXPECT_EQ(mf.SaveMovimientoFrecuente(), 0);
@@ -55,16 +39,17 @@ TEST_P(FachadaSinConectar, CadaMiembroNoHaceNada) {
   bool ultima = true;
   EXPECT_FALSE(mf.DarRealizadaFechaAgenda(1, ultima));
   EXPECT_FALSE(ultima);
-  EXPECT_TRUE(sv.messages->shown().empty());
-  EXPECT_EQ(TakeSnapshot(*cn, MovementTables()), antes);
-
-  // Disconnecting brings the same state back.
-  mf.Connect(cn);
-  EXPECT_TRUE(mf.Conectado());
-  mf.Connect(nullptr);
-  EXPECT_FALSE(mf.LoadMF(1));
-  storage::Parametros() = storage::ParametrosBD{};
-  core::SetClock(nullptr);
+  clsRenglonesMF lineas;
+  bool editable = true;
+  double importe = 3;
+  EXPECT_FALSE(mf.SetCalculoFormulasMF(1, true));
+  EXPECT_FALSE(mf.GetValueUnaPata(lineas, 1, 1, editable, importe));
+  EXPECT_FALSE(mf.RecalcularFormulasMF(lineas, 1, true));
+  EXPECT_EQ(mf.InterpretarFormulaLeyenda("&[FechaC]", kHoy), "");
+  EXPECT_TRUE(editable);
+  EXPECT_DOUBLE_EQ(importe, 3);
+  EXPECT_TRUE(Mensajes().empty());
+  EXPECT_EQ(Tablas(), antes);
 }
 
 TEST_P(Guardar, ConnectLeeParametrosIdiomaEInstalaElReloj) {
@@ -78,18 +63,18 @@ TEST_P(Guardar, ConnectLeeParametrosIdiomaEInstalaElReloj) {
 }
 
 TEST_P(Guardar, ElDiarioPorDefectoEsElDeLaEmpresa) {
-  Asiento(mf, "Asiento de la empresa 2");
+  AsientoNuevo(mf, "Asiento de la empresa 2");
   mf.Empresa(2);
   const int32_t id = mf.SaveMovimientoFrecuente();
   EXPECT_EQ(vb::CLng(Mov(id, "MFrModalidad")), 2);  // EmpPrms 'LIB:2|...'
-  Asiento(mf, "Asiento de la empresa 1");
+  AsientoNuevo(mf, "Asiento de la empresa 1");
   mf.Empresa(1);
   EXPECT_EQ(vb::CLng(Mov(mf.SaveMovimientoFrecuenteConBloqueo(), "MFrModalidad")), 1);
 }
 
 TEST_P(Guardar, SoloElGuardadoConBloqueoReiniciaLaOcurrenciaDeUnaAgendaUnica) {
   for (bool bloqueo : {false, true}) {
-    Asiento(mf, bloqueo ? "Con bloqueo" : "Sin bloqueo");
+    AsientoNuevo(mf, bloqueo ? "Con bloqueo" : "Sin bloqueo");
     auto rec = mf.EstructuraMovFrec()->Recurrencia();
     rec->Frecuencia("000000");
     rec->FechaProxima("20/12/2026");
@@ -127,13 +112,14 @@ TEST_P(Guardar, ElGuardadoConBloqueoDicePorQueFallo) {
            {"solo lectura", "la base de datos es de solo lectura (", false},
        }) {
     SCOPED_TRACE(c.nombre);
-    Asiento(mf, c.nombre);
+    AsientoNuevo(mf, c.nombre);
     if (c.nombre == "solo lectura") {
       ASSERT_TRUE(mf.LoadMF(18));  // an update: no key to draw
     }
     for (const char* formula : {"[10:]", " [10:] "}) {
       if (c.nombre != "dos diferencias") break;
-      auto l = Linea(102);
+      auto l = std::make_shared<clsRegRenglonMF>();
+      l->Cuenta(102);
       l->Formula(formula);
       mf.EstructuraMovFrec()->Renglones()->AddRenglon(l);
     }
@@ -181,7 +167,6 @@ TEST_P(Guardar, LosMiembrosQueAtrapanErroresDicenQueHacianYPorQue) {
   SoloLectura(*cn, false);
 }
 
-KMF_INSTANTIATE_ENGINES(FachadaSinConectar);
 KMF_INSTANTIATE_ENGINES(Guardar);
 
 }  // namespace

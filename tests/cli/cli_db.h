@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdio>
 #include <cstdlib>
@@ -98,7 +99,7 @@ inline std::string MotivoParaSaltar(Motor motor) {
 // One database for one test; `base` is a unique path prefix in the temporary folder.
 class CliDatabase {
  public:
-  CliDatabase(Motor motor, const std::string& base) : motor_(motor), base_(base) {
+  CliDatabase(Motor motor, const std::string& base) : motor_(motor) {
     if (motor == Motor::SQLite) {
       file_ = base + ".db";
       uri_ = "sqlite:" + file_;
@@ -124,7 +125,6 @@ class CliDatabase {
   CliDatabase(const CliDatabase&) = delete;
   CliDatabase& operator=(const CliDatabase&) = delete;
 
-  Motor motor() const { return motor_; }
   // False when the PostgreSQL schema could not be created.
   bool ok() const { return motor_ == Motor::SQLite || creado_; }
   // What --db or MOVFREC_DB receives.
@@ -153,7 +153,6 @@ class CliDatabase {
   }
 
   Motor motor_;
-  std::string base_;
   std::string file_;
   std::string schema_;
   std::string uri_;
@@ -173,8 +172,6 @@ class MotorTest : public ::testing::TestWithParam<Motor> {
     ASSERT_TRUE(db_obj_->ok()) << "no se pudo preparar la base de prueba";
     db_ = db_obj_->uri();
   }
-  // True when SetUp skipped the test or could not prepare the database.
-  bool NoPreparada() const { return IsSkipped() || HasFatalFailure(); }
   bool postgres() const { return GetParam() == Motor::PostgreSQL; }
 
   std::string base_;
@@ -188,7 +185,7 @@ class DemoMotorTest : public MotorTest {
  protected:
   void SetUp() override {
     MotorTest::SetUp();
-    if (NoPreparada()) return;
+    if (IsSkipped() || HasFatalFailure()) return;
     const Result init = Run({"init", "--demo"});
     ASSERT_EQ(init.status, 0) << init.err;
   }
@@ -198,6 +195,23 @@ class DemoMotorTest : public MotorTest {
     std::vector<std::string> all = {"--db", db_, "--hoy", "2026-11-10"};
     all.insert(all.end(), args.begin(), args.end());
     return RunMovfrec(base_, all);
+  }
+
+  // Runs `args` with --json, which must succeed; what it printed.
+  nlohmann::ordered_json RunJson(const std::vector<std::string>& args) {
+    std::vector<std::string> all = {"--json"};
+    all.insert(all.end(), args.begin(), args.end());
+    const Result r = Run(all);
+    EXPECT_EQ(r.status, 0) << r.err;
+    return r.status == 0 ? nlohmann::ordered_json::parse(r.out) : nlohmann::ordered_json();
+  }
+
+  // Runs `args`, which must end with exit `status`, say `texto` on stderr and print nothing.
+  void ExpectFails(const std::vector<std::string>& args, int status, const std::string& texto) {
+    const Result r = Run(args);
+    EXPECT_EQ(r.status, status) << texto;
+    EXPECT_TRUE(Has(r.err, texto)) << texto << "\n" << r.err.substr(0, 2000);
+    EXPECT_TRUE(r.out.empty()) << r.out;
   }
 };
 
