@@ -44,8 +44,10 @@ TEST(CIntCLngCByte, HalvesToEvenRangesAndErrors) {
   for (const auto& [v, r] : cint) EXPECT_EQ(CInt(v), r) << DebugString(v);
   const std::pair<Variant, int> cint_error[] = {{32767.5, 6}, {-32768.6, 6}, {1e300, 6}, {"", 13},
                                                 {"TRUE", 13}, {"1e400", 6},  {kNull, 94}};
-  for (const auto& [v, n] : cint_error)
+  for (const auto& [valor, n] : cint_error) {
+    const Variant& v = valor;  // clang 14 cannot capture a structured binding
     EXPECT_EQ(ErrorNumber([&] { CInt(v); }), n) << DebugString(v);
+  }
 
   EXPECT_EQ(CLng(2147483647.4), 2147483647);
   EXPECT_EQ(CLng(-2147483648.5), -2147483648);
@@ -66,8 +68,10 @@ TEST(CDblCSngCCur, EverySubtypeAndCurrencyHalvesToEven) {
   EXPECT_EQ(CDbl("1.5", Locale::Invariant()), 1.5);
   const std::pair<Variant, int> cdbl_error[] = {
       {"02/08/2005", 13}, {kNull, 94}, {kNothing, 13}, {"1e400", 6}};
-  for (const auto& [v, n] : cdbl_error)
+  for (const auto& [valor, n] : cdbl_error) {
+    const Variant& v = valor;
     EXPECT_EQ(ErrorNumber([&] { CDbl(v); }), n) << DebugString(v);
+  }
   EXPECT_EQ(CSng(0.1), 0.1f);
   EXPECT_EQ(ErrorNumber([] { CSng(1e39); }), 6);
 
@@ -91,7 +95,8 @@ TEST(CBoolCDate, NumbersWordsAndDates) {
   EXPECT_EQ(CDate(int32_t{2}), Date{2});
   const std::pair<Variant, int> cdate_error[] = {
       {"31/02/2024", 13}, {"38566", 13}, {3e6, 6}, {kNull, 94}};
-  for (const auto& [v, n] : cdate_error) {
+  for (const auto& [valor, n] : cdate_error) {
+    const Variant& v = valor;
     EXPECT_EQ(ErrorNumber([&] { CDate(v); }), n) << DebugString(v);
   }
 }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include <vector>
 
 #include "platform/vb/dates.h"
@@ -100,11 +102,11 @@ TEST(DateAdd, EveryIntervalClampsToMonthEnd) {
       {DateAdd("h", 30, D(1899, 12, 29, 0)), D(1899, 12, 30, 6)}};
   for (const auto& [calculada, esperada] : casos) EXPECT_EQ(calculada, esperada);
   // Unknown intervals and leaving the calendar.
-  for (const auto& [intervalo, n, desde] : {std::tuple{"x", 1, D(2005, 1, 1)},
-                                            {"", 1, D(2005, 1, 1)},
-                                            {"yyyy", 8000, D(2005, 1, 1)},
-                                            {"d", 1, D(9999, 12, 31)}}) {
-    EXPECT_EQ(ErrorNumber([&] { DateAdd(intervalo, n, desde); }), 5) << intervalo;
+  for (const auto& caso : {std::tuple{"x", 1, D(2005, 1, 1)},
+                           {"", 1, D(2005, 1, 1)},
+                           {"yyyy", 8000, D(2005, 1, 1)},
+                           {"d", 1, D(9999, 12, 31)}}) {
+    EXPECT_EQ(ErrorNumber([&] { std::apply(DateAdd, caso); }), 5) << std::get<0>(caso);
   }
 }
 
