@@ -142,6 +142,6 @@ TEST_P(Calcular, EvaluarPrintsTheResultOrTheErrorWithACaretUnderItsColumn) {
   EXPECT_EQ(j["Error"]["Columna"], 0);
 }
 
-KMF_CLI_MOTORES(Calcular);
+KMF_INSTANTIATE_ENGINES(Calcular);
 
 }  // namespace
