@@ -24,20 +24,6 @@
 namespace kivmovfrec::testing {
 namespace {
 
-// A connected façade over its own connection, for one child process.
-struct FachadaPropia {
-  explicit FachadaPropia(std::shared_ptr<Connection> c) : cn(std::move(c)) {
-    sv = suite::ScriptedServices::Make(cn, kHoy);
-    sv.messages->DefaultAnswer(kMsgYes);
-    mf.Servicios(sv.Bundle());
-    mf.Connect(cn);
-    mf.Empresa(1);
-  }
-  std::shared_ptr<Connection> cn;
-  suite::ScriptedServices sv;
-  clsMovFrecuente mf;
-};
-
 class Concurrencia : public Fachada {};
 
 // Reads the whitespace-separated integers a child wrote, `n` per line.

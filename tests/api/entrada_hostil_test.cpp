@@ -299,13 +299,10 @@ TEST_P(EntradaHostil, NombreYComentarioSeGuardanTalCualOSeRechazanSinEscribir) {
       continue;
     }
     ASSERT_EQ(id, kMov);
-    clsMovFrecuente otro;
-    otro.Servicios(sv.Bundle());
-    otro.Connect(OpenAnother());
-    otro.Empresa(1);
-    ASSERT_TRUE(otro.LoadMF(kMov));
-    EXPECT_EQ(otro.EstructuraMovFrec()->MovFrecuente()->Nombre(), h.texto);
-    EXPECT_EQ(otro.EstructuraMovFrec()->MovFrecuente()->Memo(), h.texto);
+    FachadaPropia otro(OpenAnother());
+    ASSERT_TRUE(otro.mf.LoadMF(kMov));
+    EXPECT_EQ(otro.mf.EstructuraMovFrec()->MovFrecuente()->Nombre(), h.texto);
+    EXPECT_EQ(otro.mf.EstructuraMovFrec()->MovFrecuente()->Memo(), h.texto);
     // Every other movement is untouched...
     EXPECT_EQ(TakeSnapshot(*cn, {kOtros}), otros);
     // ...and writing the old name and comment back gives the database exactly as it was, so

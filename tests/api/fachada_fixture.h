@@ -42,6 +42,21 @@ inline void AsientoNuevo(clsMovFrecuente& mf, const std::string& nombre,
   }
 }
 
+// A connected façade of company 1 over its own connection and scripted services (questions
+// answered Yes): another user, another process, or a connection that fails on purpose.
+struct FachadaPropia {
+  explicit FachadaPropia(std::shared_ptr<Connection> c) : cn(std::move(c)) {
+    sv = suite::ScriptedServices::Make(cn, kHoy);
+    sv.messages->DefaultAnswer(kMsgYes);
+    mf.Servicios(sv.Bundle());
+    mf.Connect(cn);
+    mf.Empresa(1);
+  }
+  std::shared_ptr<Connection> cn;
+  suite::ScriptedServices sv;
+  clsMovFrecuente mf;
+};
+
 class Fachada : public DemoEngineTest {
  protected:
   void SetUpDatabase() override {

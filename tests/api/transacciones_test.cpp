@@ -18,8 +18,7 @@ namespace {
 // A façade whose connection (and the counter service behind it) fails at one statement.
 struct Intento {
   std::shared_ptr<FaultyConnection> cn;
-  suite::ScriptedServices sv;
-  std::unique_ptr<clsMovFrecuente> mf;
+  std::unique_ptr<FachadaPropia> f;
 };
 
 using Preparar = void (*)(clsMovFrecuente&);
@@ -28,17 +27,11 @@ class Fallos : public Fachada {
  protected:
   // `preparar` loads or builds the movement to work on (through the faulty connection).
   Intento Nuevo(int fail_at, Preparar preparar) {
-    Intento i;
-    i.cn = std::make_shared<FaultyConnection>(cn, fail_at);
-    i.sv = suite::ScriptedServices::Make(i.cn, kHoy);
-    i.sv.rights->Set(1, "Papelera", "e");
-    i.sv.rights->Set(1, "PasajeAsientos", "AMEe");
-    i.sv.messages->DefaultAnswer(kMsgYes);
-    i.mf = std::make_unique<clsMovFrecuente>();
-    i.mf->Servicios(i.sv.Bundle());
-    i.mf->Connect(i.cn);
-    i.mf->Empresa(1);
-    preparar(*i.mf);
+    Intento i{std::make_shared<FaultyConnection>(cn, fail_at), nullptr};
+    i.f = std::make_unique<FachadaPropia>(i.cn);
+    i.f->sv.rights->Set(1, "Papelera", "e");
+    i.f->sv.rights->Set(1, "PasajeAsientos", "AMEe");
+    preparar(i.f->mf);
     return i;
   }
 
@@ -59,12 +52,12 @@ class Fallos : public Fachada {
       const std::string donde = escenario + ", fallo en la sentencia " + std::to_string(k);
       Intento i = Nuevo(base + k, preparar);
       const auto claves = [&] {
-        const auto& e = *i.mf->EstructuraMovFrec();
+        const auto& e = *i.f->mf.EstructuraMovFrec();
         return std::tuple(e.MovFrecuente()->ID(), e.MovFrecuente()->Recurrencia(),
                           e.Recurrencia()->ID());
       };
       const auto claves_antes = claves();
-      const auto resultado = miembro(*i.mf);
+      const auto resultado = miembro(i.f->mf);
       EXPECT_FALSE(cn->InTransaction()) << donde;
       if (!i.cn->failed()) {
         EXPECT_TRUE(resultado) << escenario << ": sin fallo debe completarse";
@@ -74,7 +67,7 @@ class Fallos : public Fachada {
       }
       EXPECT_FALSE(resultado) << donde;
       EXPECT_EQ(Tablas(), antes) << donde;
-      const auto& shown = i.sv.messages->shown();
+      const auto& shown = i.f->sv.messages->shown();
       const bool mostrado = !shown.empty() && shown.back().request.icon == MsgIcon::Critical;
       EXPECT_TRUE(reporta ? mostrado : shown.empty()) << donde;
       EXPECT_TRUE(!restaura_memoria || claves() == claves_antes) << donde;
@@ -97,7 +90,7 @@ class Fallos : public Fachada {
       cn->BeginTrans();
       bool lanzado = false;
       try {
-        miembro(*i.mf);
+        miembro(i.f->mf);
       } catch (const DbError& e) {
         lanzado = true;
         EXPECT_NE(std::string(e.what()).find("fallo inyectado"), std::string::npos) << e.what();
@@ -107,7 +100,7 @@ class Fallos : public Fachada {
       }
       cn->RollbackTrans();
       EXPECT_EQ(Tablas(), antes) << donde;
-      EXPECT_TRUE(i.sv.messages->shown().empty()) << donde;
+      EXPECT_TRUE(i.f->sv.messages->shown().empty()) << donde;
       if (!i.cn->failed()) {
         EXPECT_FALSE(lanzado) << escenario << ": sin fallo no debe haber error";
         return k - 1;
@@ -184,7 +177,7 @@ TEST_P(Fallos, SaveMovimientoFrecuenteDeleteMFYLoadMF) {
 
   // Loading writes nothing, and its failure reaches the caller too.
   Intento i = Nuevo(Base(Nada) + 1, Nada);
-  EXPECT_THROW(i.mf->LoadMF(1), DbError);
+  EXPECT_THROW(i.f->mf.LoadMF(1), DbError);
 }
 
 KMF_INSTANTIATE_ENGINES(Fallos);

@@ -1,7 +1,7 @@
 // The suite dialect's constructs run on every engine after translation, with the rows they must
 // give: Like without regard to case, the match-nothing comparison and a bare number in a union
 // with a text column. (Top in each branch of a union runs in the rate look-up, tested with the
-// currencies; `+` between texts in the catalogue look-ups of install/statements_test.cpp.)
+// currencies; `+` between texts in the catalogue look-ups of formula/catalogo_test.cpp.)
 #include <gtest/gtest.h>
 
 #include <memory>

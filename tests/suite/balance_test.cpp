@@ -6,7 +6,7 @@
 
 #include "platform/suite/balance.h"
 #include "platform/suite/clock.h"
-#include "suite/suite_db.h"
+#include "support/demo_engine.h"
 
 namespace kivmovfrec {
 namespace {

@@ -12,8 +12,8 @@
 
 #include "platform/suite/counter.h"
 #include "platform/vb/convert.h"
-#include "suite/suite_db.h"
 #include "support/child_processes.h"
+#include "support/demo_engine.h"
 #include "support/faulty_connection.h"
 #include "support/forwarding_connection.h"
 
@@ -153,7 +153,7 @@ TEST_P(CounterWithoutTables, FailuresGiveMinusOneAndLeaveNoTransaction) {
   EXPECT_EQ(suite::DrawTableCounter(*cn, "genRecurrencias"), -1);
   EXPECT_FALSE(cn->InTransaction());
 
-  testing::InstallSuiteTables(*cn);
+  InstallSchema(*cn);
   EXPECT_EQ(suite::DrawTableCounter(*cn, "gen'Recurrencias"), -1);
   EXPECT_EQ(suite::DrawTableCounter(*cn, ""), -1);
   cn->Execute("Insert Into genContadores (CntTabla, CntValor) Values ('lleno', 2147483647)");

@@ -1,15 +1,18 @@
-// Database-backed services: settings, help, rights, notice recipients.
+// Database-backed services: settings, help, rights, notice recipients, and the default bundle
+// the options choose.
 #include <memory>
 #include <set>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "platform/suite/balance.h"
+#include "platform/suite/clock.h"
 #include "platform/suite/db_fncs.h"
 #include "platform/suite/rights.h"
 #include "platform/suite/scripted.h"
 #include "platform/vb/convert.h"
-#include "suite/suite_db.h"
+#include "support/demo_engine.h"
 
 namespace kivmovfrec {
 namespace {
@@ -72,8 +75,8 @@ TEST_P(DbServices, RightsForCurrentUserCompanyAndOption) {
 
 TEST_P(DbServices, NoticeRecipientsBecomeTheListedUsers) {
   cn->Execute(
-      "Insert Into admUsuarios (UsuCodigo, UsuIdentificacion, UsuHabilitado) Values (1, 'ana', 1), "
-      "(2, 'luis', 1), (3, 'eva', 1), (4, 'baja', 0)");
+      "Insert Into admUsuarios (UsuCodigo, UsuIdentificacion, UsuHabilitado) Values (0, "
+      "'sistema', 1), (1, 'ana', 1), (2, 'luis', 1), (3, 'eva', 1), (4, 'baja', 0)");
   EXPECT_TRUE(fncs_->VincularAvisos(12, "1, 2"));
   EXPECT_EQ(Recipients(12), (std::set<int32_t>{1, 2}));
   cn->Execute("Update genAvisosUsuarios Set AvUVisto = 1 Where AvUUsuario = 2");
@@ -85,8 +88,9 @@ TEST_P(DbServices, NoticeRecipientsBecomeTheListedUsers) {
   ASSERT_FALSE(seen->Eof());
   EXPECT_EQ(vb::CLng(seen->Get(0)), 1);  // a user kept keeps what he has seen
 
-  // Refused lists change nothing: a disabled or unknown user, a malformed list, no notice.
-  for (const char* lista : {"2,4", "2,99", "2,,3", "dos"}) {
+  // Refused lists change nothing: a disabled or unknown user, the system user (nobody's
+  // recipient), a malformed list, no notice.
+  for (const char* lista : {"2,4", "2,99", "0,2", "2,,3", "dos"}) {
     EXPECT_FALSE(fncs_->VincularAvisos(12, lista)) << lista;
   }
   EXPECT_FALSE(fncs_->VincularAvisos(0, "2"));
@@ -104,6 +108,32 @@ TEST_P(DbServices, NoticeRecipientsBecomeTheListedUsers) {
 }
 
 KMF_INSTANTIATE_ENGINES(DbServices);
+
+using Defaults = testing::DemoEngineTest;
+
+TEST_P(Defaults, FollowTheOptions) {
+  EXPECT_THROW(SuiteServices::Defaults(nullptr), std::invalid_argument);
+
+  DefaultServiceOptions options;
+  options.respuesta = true;
+  options.hoy = suite::SerialOf(2026, 11, 10);
+  SuiteServices s = SuiteServices::Defaults(cn, 4, options);
+  ASSERT_TRUE(s.db && s.rights && s.messages && s.input && s.clock && s.balance);
+  EXPECT_FALSE(s.calendar);
+  EXPECT_EQ(s.rights->Usuario(), 4);
+  EXPECT_EQ(s.rights->Letras(1, "Papelera"), "E");
+  EXPECT_EQ(s.clock->Today(), suite::SerialOf(2026, 11, 10));
+  EXPECT_EQ(s.messages->Show({"¿Confirma?", "Prueba", MsgIcon::Question, MsgButtons::YesNo, 2}),
+            kMsgYes);
+  EXPECT_EQ(s.balance->Saldo(101, s.clock->Today()), 150000);
+
+  options.respuesta = false;
+  EXPECT_EQ(SuiteServices::Defaults(cn, 1, options)
+                .messages->Show({"¿Confirma?", "Prueba", MsgIcon::Question, MsgButtons::YesNo, 1}),
+            kMsgNo);
+}
+
+KMF_INSTANTIATE_ENGINES(Defaults);
 
 TEST(UserList, ParsesCodesSeparatedByCommas) {
   EXPECT_EQ(suite::ParseUserList(" 3, 7,12 "), (std::set<int32_t>{3, 7, 12}));
