@@ -16,6 +16,7 @@
 #include "formula/monedas.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/mf_tipo.h"
+#include "platform/db/error_text.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/format.h"
 #include "platform/vb/text.h"
@@ -214,12 +215,12 @@ class Ejecutor {
       Deshacer();
       const bool fila_tomada = fila && e.kind() == DbErrorKind::Busy;
       if (!fila_tomada && InutilizaLaBase(e.kind())) {
-        throw Detencion{"la base de datos no se puede usar (" + DescribirErrorBase(e) +
+        throw Detencion{"la base de datos no se puede usar (" + sql::DescribirErrorDb(e) +
                         "); lo que falta queda vencido para la próxima ejecución"};
       }
       Fallar(r, fila_tomada ? "otra transacción tiene tomado el movimiento; queda vencido (" +
-                                  DescribirErrorBase(e) + ")"
-                            : DescribirErrorBase(e));
+                                  sql::DescribirErrorDb(e) + ")"
+                            : sql::DescribirErrorDb(e));
     } catch (const std::exception& e) {
       Deshacer();
       Fallar(r, e.what());
@@ -487,33 +488,6 @@ class Ejecutor {
 
 }  // namespace
 
-std::string DescribirErrorBase(const DbError& e) {
-  const char* clase = "error de la base de datos";
-  switch (e.kind()) {
-    case DbErrorKind::Busy:
-      clase = "bloqueada por otra conexión";
-      break;
-    case DbErrorKind::Timeout:
-      clase = "tiempo de espera agotado";
-      break;
-    case DbErrorKind::Constraint:
-      clase = "restricción de la base de datos";
-      break;
-    case DbErrorKind::MissingTable:
-      clase = "falta una tabla o columna";
-      break;
-    case DbErrorKind::ReadOnly:
-      clase = "base de datos de solo lectura";
-      break;
-    case DbErrorKind::ConnectionLost:
-      clase = "conexión perdida";
-      break;
-    case DbErrorKind::Other:
-      break;
-  }
-  return std::string(clase) + ": " + e.what();
-}
-
 ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
                                     Date hasta, const AlTerminarOcurrencia& al_terminar) {
   ResultadoEjecucion out;
@@ -528,7 +502,7 @@ ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t
       if (Dia(v.fecha) <= Dia(hasta)) cola.emplace(std::make_pair(Dia(v.fecha), v.id), v);
     }
   } catch (const DbError& e) {
-    out.detenida = "no se pudo leer lo vencido (" + DescribirErrorBase(e) + ")";
+    out.detenida = "no se pudo leer lo vencido (" + sql::DescribirErrorDb(e) + ")";
     return out;
   }
   while (!cola.empty()) {

@@ -137,7 +137,4 @@ struct ResultadoEjecucion {
 ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
                                     Date hasta, const AlTerminarOcurrencia& al_terminar = {});
 
-// A database error for people: its kind in Spanish, then the engine's text.
-std::string DescribirErrorBase(const DbError& e);
-
 }  // namespace kivmovfrec::api

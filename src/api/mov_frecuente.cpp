@@ -12,6 +12,7 @@
 #include "core/clock.h"
 #include "formula/reglas_fx.h"
 #include "kivmovfrec/errors.h"
+#include "platform/db/error_text.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/excerpt.h"
 #include "resources/catalogue.h"
@@ -81,27 +82,6 @@ void RechazarVariasDiferencias(const clsRenglonesMF& renglones, int idioma) {
   }
 }
 
-// What a database failure means, in plain words ("" when the engine's message is all there is).
-const char* CausaDb(DbErrorKind kind) {
-  switch (kind) {
-    case DbErrorKind::Busy:
-      return "la base de datos está bloqueada por otro proceso";
-    case DbErrorKind::Timeout:
-      return "la base de datos tardó demasiado en responder";
-    case DbErrorKind::Constraint:
-      return "la base de datos rechazó los datos";
-    case DbErrorKind::MissingTable:
-      return "falta una tabla o una columna en la base de datos";
-    case DbErrorKind::ReadOnly:
-      return "la base de datos es de solo lectura";
-    case DbErrorKind::ConnectionLost:
-      return "se perdió la conexión con la base de datos";
-    case DbErrorKind::Other:
-      break;
-  }
-  return "";
-}
-
 // Why an operation failed, for people: the component's own refusals as they are, the counter
 // failure with its number, a database error named in plain words with the engine's message,
 // cut when long.
@@ -111,8 +91,8 @@ std::string DescribirError(const std::exception& e) {
     texto = fmt::format("error {} ({}): {}", c->number(), c->source(), c->what());
   } else if (const auto* v = dynamic_cast<const VbError*>(&e)) {
     texto = fmt::format("error {}: {}", v->number(), v->what());
-  } else if (const auto* d = dynamic_cast<const DbError*>(&e); d && *CausaDb(d->kind())) {
-    texto = fmt::format("{} ({})", CausaDb(d->kind()), d->what());
+  } else if (const auto* d = dynamic_cast<const DbError*>(&e)) {
+    texto = sql::DescribirErrorDb(*d);
   }
   return vb::ShortForMessage(texto, 300);
 }

@@ -210,7 +210,7 @@ TEST_P(Concurrencia, BaseOcupadaDaUnErrorClaroYDetieneLaEjecucionAlPrimerIntento
     return r;
   };
   const auto bloqueada = ejecutar();
-  EXPECT_NE(bloqueada.detenida.find("bloqueada por otra conexión"), std::string::npos)
+  EXPECT_NE(bloqueada.detenida.find("bloqueada por otro proceso"), std::string::npos)
       << bloqueada.detenida;
   EXPECT_EQ(iniciadas, 1);
   EXPECT_EQ(informadas, 0);

@@ -1,0 +1,19 @@
+// A database failure told to people: what its kind means in plain Spanish, then the engine's
+// own text. One wording for every message that reports a DbError.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "kivmovfrec/db.h"
+
+namespace kivmovfrec::sql {
+
+// "la base de datos está bloqueada por otro proceso", ...; "" for DbErrorKind::Other, whose
+// engine message is all there is to say.
+std::string_view CausaErrorDb(DbErrorKind kind);
+
+// The cause followed by the engine's text in parentheses, or the engine's text alone for Other.
+std::string DescribirErrorDb(const DbError& e);
+
+}  // namespace kivmovfrec::sql
