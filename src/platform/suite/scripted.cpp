@@ -110,8 +110,7 @@ void ScriptedDBFncs::ShowHelp(int context_id) {
 }
 
 bool ScriptedDBFncs::VincularAvisos(int32_t aviso, const std::string& usuarios) {
-  bool accepted = !links_fail_;
-  if (accepted) accepted = LinkNoticeUsers(*cn_, aviso, usuarios);
+  const bool accepted = LinkNoticeUsers(*cn_, aviso, usuarios);
   links_.push_back({aviso, usuarios, accepted});
   return accepted;
 }

@@ -82,8 +82,7 @@ class ScriptedInput final : public IInput {
 // DBFncs for tests. Counters come from genContadores (so they are atomic and transactional
 // exactly like the default service) and settings from genParametros. Help goes to the messages'
 // help record. Notice links are recorded and written to genAvisosUsuarios as the default service
-// does; they are refused (false) when LinksFail(true) was set or when the default service
-// refuses them.
+// does; they are refused (false) when the default service refuses them.
 class ScriptedDBFncs final : public IDBFncs {
  public:
   struct Link {
@@ -97,7 +96,6 @@ class ScriptedDBFncs final : public IDBFncs {
 
   // Makes every further counter draw fail with -1 (or work again).
   void CountersFail(bool fail) { counters_fail_ = fail; }
-  void LinksFail(bool fail) { links_fail_ = fail; }
 
   int32_t GetTableCounter(std::string_view table) override;
   Variant GetSetting(std::string_view name) override;
@@ -110,7 +108,6 @@ class ScriptedDBFncs final : public IDBFncs {
   std::shared_ptr<Connection> cn_;
   std::shared_ptr<IMessages> help_;
   bool counters_fail_ = false;
-  bool links_fail_ = false;
   std::vector<Link> links_;
 };
 
