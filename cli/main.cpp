@@ -15,6 +15,7 @@
 #include "args.h"
 #include "command.h"
 #include "kivmovfrec/errors.h"
+#include "platform/db/error_text.h"
 
 namespace kivmovfrec::cli {
 
@@ -161,7 +162,7 @@ int main(int argc, char** argv) {
   try {
     return cli::Run(argc, argv);
   } catch (const DbError& e) {
-    std::cerr << "movfrec: error de base de datos: " << e.what() << '\n';
+    std::cerr << "movfrec: " << sql::DescribirErrorDb(e) << '\n';
     if (cli::MissingTable(e.what())) {
       std::cerr << "Si la base de datos es nueva, cree las tablas con «movfrec init».\n";
     }

@@ -51,16 +51,6 @@ class CopiaEstructura {
   std::vector<std::pair<std::shared_ptr<clsRegRenglonMF>, clsRegRenglonMF>> lineas_;
 };
 
-// Rolls back a transaction this code began, never one it did not; a failing rollback (lost
-// connection) must not hide the error being handled.
-void Deshacer(Connection& cn, bool iniciada) {
-  if (!iniciada) return;
-  try {
-    cn.RollbackTrans();
-  } catch (const std::exception&) {
-  }
-}
-
 // The schedule as the save needs it: a start date that is not a date takes the next due date.
 void CompletarRecurrencia(clsRegRecurrencia& rec) {
   if (!rec.FechaProxima().empty() && !vb::IsDate(Variant(rec.FechaInicio()))) {
@@ -192,23 +182,20 @@ int32_t clsMovFrecuente::SaveMovimientoFrecuenteConBloqueo(bool /*bDisplayMsgErr
   ultimo_error_.clear();
   if (!cn_) return 0;
   const CopiaEstructura copia(*estructura_);
-  bool iniciada = false;
   try {
     RechazarVariasDiferencias(*estructura_->Renglones(), Idioma());
     clsRegRecurrencia& rec = *estructura_->Recurrencia();
     CompletarRecurrencia(rec);
-    cn_->BeginTrans();
-    iniciada = true;
+    Transaccion transaccion(*cn_);
     if (rec.ID() == 0 && rec.CadaCuanto() == 0 && rec.CantidadVeces() == 1 &&
         rec.NumOcurrencia() > 1) {
       rec.NumOcurrencia(1);
     }
     const int16_t libro = EmpresaContexto().Libro();
     const int32_t id = estructura_->Save(*cn_, *servicios_.db, libro);
-    cn_->CommitTrans();
+    transaccion.Commit();
     return id;
   } catch (const std::exception& e) {
-    Deshacer(*cn_, iniciada);
     copia.Restaurar();
     ultimo_error_ = DescribirError(e);
     return 0;
@@ -269,7 +256,6 @@ bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
 bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
   ultimo_error_.clear();
   if (!cn_) return false;
-  bool iniciada = false;
   try {
     const int idioma = Idioma();
     clsRegMovimientoFrecuente mov;
@@ -284,13 +270,11 @@ bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
              MsgIcon::Question, MsgButtons::YesNo, 2}) == kMsgNo) {
       return false;
     }
-    cn_->BeginTrans();
-    iniciada = true;
+    Transaccion transaccion(*cn_);
     clsMFTipo::Delete(*cn_, lIDMF);
-    cn_->CommitTrans();
+    transaccion.Commit();
     return true;
   } catch (const std::exception& e) {
-    Deshacer(*cn_, iniciada);
     Reportar(msg::kErrorEliminarMovimiento, e);
     return false;
   }
@@ -300,27 +284,21 @@ bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez)
   bPorUnicaVez = false;
   ultimo_error_.clear();
   if (!cn_) return false;
-  bool iniciada = false;
   try {
-    cn_->BeginTrans();
-    iniciada = true;
+    Transaccion transaccion(*cn_);
     api::AvanceAgenda avance(*cn_, *servicios_.db, Calendario());
     const api::ResultadoOcurrencia r = avance.Realizar(lIDMF);
-    if (r == api::ResultadoOcurrencia::NoAplica) {
-      Deshacer(*cn_, iniciada);
-      return false;
-    }
+    if (r == api::ResultadoOcurrencia::NoAplica) return false;
     // When lIDMF heads a linked group, the rest of it in execution order (lIDMF itself is not
     // marked twice); a member marked alone does not drag its group along.
     const api::GrupoVinculado grupo = api::GrupoEnOrden(*cn_, lIDMF);
     for (const api::MiembroGrupo& m : grupo.miembros) {
       if (grupo.id == lIDMF) avance.Realizar(m.id);
     }
-    cn_->CommitTrans();
+    transaccion.Commit();
     bPorUnicaVez = r == api::ResultadoOcurrencia::Terminada;
     return true;
   } catch (const std::exception& e) {
-    Deshacer(*cn_, iniciada);
     Reportar(msg::kErrorDarRealizada, e);
     return false;
   }

@@ -6,6 +6,7 @@
 
 #include <functional>
 
+#include "platform/db/error_text.h"
 #include "platform/db/postgres/pg_connection.h"
 #include "platform/db/sqlite/sqlite_connection.h"
 #include "support/db_engines.h"
@@ -29,10 +30,11 @@ class ErrorKind : public EngineTest {
                               sqlite::Options{.busy_timeout_ms = 50});
   }
 
-  static DbErrorKind KindOf(const std::function<void()>& f) {
+  static DbErrorKind KindOf(const std::function<void()>& f, std::string* text = nullptr) {
     try {
       f();
     } catch (const DbError& e) {
+      if (text) *text = sql::DescribirErrorDb(e);
       return e.kind();
     }
     ADD_FAILURE() << "no DbError";
@@ -49,27 +51,39 @@ TEST_P(ErrorKind, EachFailureCarriesItsKind) {
             DbErrorKind::Constraint);
   EXPECT_EQ(KindOf([&] { cn->Execute("Insert Into t (id) Values (3)"); }), DbErrorKind::Constraint);
   EXPECT_EQ(KindOf([&] { cn->Execute("Selec 1"); }), DbErrorKind::Other);
-  if (postgres()) {
-    EXPECT_EQ(KindOf([&] { cn->OpenResultset("Select * From no_existe"); }),
-              DbErrorKind::MissingTable);
-  }
+  EXPECT_EQ(KindOf([&] { cn->OpenResultset("Select * From no_existe"); }),
+            DbErrorKind::MissingTable);
 }
 
-// A second writer that gives up waiting is Busy, and readers go on seeing what was committed.
-// SQLite takes the file's write lock when a transaction begins (WAL mode keeps readers free);
-// PostgreSQL locks only the rows written, so the second writer's transaction goes on and may
-// write other rows. Once the first commits, the second writes what it was refused.
+// A second writer that gives up waiting is Busy, told once in one wording with the engine's own
+// text, and readers go on seeing what was committed. SQLite takes the file's write lock when a
+// transaction begins (WAL mode keeps readers free); PostgreSQL locks only the rows written, so
+// the second writer's transaction goes on, once the level around the refused statement is
+// rolled back, and may write other rows. Once the first commits, the second writes what it was
+// refused.
 TEST_P(ErrorKind, ASecondWriterThatGivesUpIsBusyAndReadersGoOn) {
   cn->BeginTrans();
   cn->Execute("Update t Set nombre = 'bloqueado' Where id = 1");
   auto otra = Impaciente();
   const char* fila1 = "Update t Set nombre = 'espera' Where id = 1";
   const char* fila2 = "Update t Set nombre = 'libre' Where id = 2";
-  EXPECT_EQ(KindOf([&] {
-              otra->BeginTrans();
-              otra->Execute(fila1);
-            }),
+  std::string texto;
+  EXPECT_EQ(KindOf(
+                [&] {
+                  otra->BeginTrans();
+                  Transaccion intento(*otra);
+                  otra->Execute(fila1);
+                },
+                &texto),
             DbErrorKind::Busy);
+  const std::string motor =
+      postgres() ? "canceling statement due to lock timeout" : "database is locked";
+  EXPECT_EQ(texto.find("la base de datos está bloqueada por otro proceso (Error de la base de "
+                       "datos: " +
+                       motor),
+            0u)
+      << texto;
+  EXPECT_EQ(texto.find("base de datos", texto.find(motor)), std::string::npos) << texto;
   EXPECT_EQ(otra->InTransaction(), postgres());
   if (postgres()) {
     otra->Execute(fila2);

@@ -69,8 +69,8 @@ class InterleavingConnection : public testing::ForwardingConnection {
     return other_value_;
   }
 
-  int64_t Execute(std::string_view sql) override {
-    const int64_t changed = inner_->Execute(sql);
+  int64_t Execute(std::string_view sql, const DbParams& params = {}) override {
+    const int64_t changed = inner_->Execute(sql, params);
     if (!started_ && sql.starts_with("Update genContadores")) {
       started_ = true;
       other_ = std::thread([this] {
@@ -98,7 +98,7 @@ TEST_P(Counter, IncrementAndReadAreOneUnit) {
   EXPECT_EQ(other, 7);  // it waited for the first draw to end
 }
 
-TEST_P(Counter, AFailingStatementGivesMinusOneAndChangesNothing) {
+TEST_P(Counter, AFailingStatementSurfacesItsErrorAndChangesNothing) {
   auto real = cn;
   // Once with the row present and once without it, each statement of the draw fails in turn.
   for (const bool seeded : {true, false}) {
@@ -106,14 +106,19 @@ TEST_P(Counter, AFailingStatementGivesMinusOneAndChangesNothing) {
     if (seeded) real->Execute("Insert Into genContadores Values ('genRecurrencias', 5)");
     for (int fail_at = 1;; ++fail_at) {
       testing::FaultyConnection failing(real, fail_at);
-      const int32_t value = suite::DrawTableCounter(failing, "genRecurrencias");
+      int32_t value = 0;
+      try {
+        value = suite::DrawTableCounter(failing, "genRecurrencias");
+      } catch (const DbError& e) {
+        EXPECT_EQ(std::string(e.what()).find("fallo inyectado"), 0u) << e.what();
+      }
       EXPECT_FALSE(real->InTransaction());
       if (!failing.failed()) {
         EXPECT_EQ(value, seeded ? 6 : 1);
         EXPECT_GT(fail_at, 3);
         break;
       }
-      EXPECT_EQ(value, -1) << "fallo en la sentencia " << fail_at;
+      EXPECT_EQ(value, 0) << "fallo en la sentencia " << fail_at;
       EXPECT_EQ(CounterRow(*real, "genRecurrencias"), seeded ? 5 : -100);
     }
   }
@@ -148,12 +153,28 @@ TEST_P(Counter, MissingRowStartsAfterTheLargestStoredKey) {
   EXPECT_EQ(suite::DrawTableCounter(*cn, "otraTabla"), 1);
 }
 
-TEST_P(CounterWithoutTables, FailuresGiveMinusOneAndLeaveNoTransaction) {
-  // No schema yet: genContadores is missing.
-  EXPECT_EQ(suite::DrawTableCounter(*cn, "genRecurrencias"), -1);
+DbErrorKind DrawFailure(Connection& cn) {
+  try {
+    suite::DrawTableCounter(cn, "genRecurrencias");
+  } catch (const DbError& e) {
+    return e.kind();
+  }
+  ADD_FAILURE() << "no DbError";
+  return DbErrorKind::Other;
+}
+
+// A database failure reaches the caller as the engine reported it, never as -1: the missing
+// counter table, a database that accepts no writes. Names that are not plain and values past 32
+// bits are -1 (there is no value to give). Nothing stays open.
+TEST_P(CounterWithoutTables, FailuresLeaveNoTransaction) {
+  EXPECT_EQ(DrawFailure(*cn), DbErrorKind::MissingTable);
   EXPECT_FALSE(cn->InTransaction());
 
   InstallSchema(*cn);
+  cn->Execute(postgres() ? "Set default_transaction_read_only = on" : "Pragma query_only = 1");
+  EXPECT_EQ(DrawFailure(*cn), DbErrorKind::ReadOnly);
+  EXPECT_FALSE(cn->InTransaction());
+  cn->Execute(postgres() ? "Set default_transaction_read_only = off" : "Pragma query_only = 0");
   EXPECT_EQ(suite::DrawTableCounter(*cn, "gen'Recurrencias"), -1);
   EXPECT_EQ(suite::DrawTableCounter(*cn, ""), -1);
   cn->Execute("Insert Into genContadores (CntTabla, CntValor) Values ('lleno', 2147483647)");

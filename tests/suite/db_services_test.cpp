@@ -1,5 +1,6 @@
 // Database-backed services: settings, help, rights, notice recipients, and the default bundle
 // the options choose.
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -37,6 +38,18 @@ class DbServices : public testing::SuiteTablesTest {
   std::shared_ptr<suite::DbFncs> fncs_;
 };
 
+// Both readers report a database failure as the engine's DbError, never as "no value" or "no
+// rights".
+DbErrorKind FailureOf(const std::function<void()>& read) {
+  try {
+    read();
+  } catch (const DbError& e) {
+    return e.kind();
+  }
+  ADD_FAILURE() << "no DbError";
+  return DbErrorKind::Other;
+}
+
 TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCaseAndHelpIsShown) {
   cn->Execute(
       "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values ('  IDIOMA ', "
@@ -47,11 +60,12 @@ TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCaseAndHelpIsShown) {
   EXPECT_EQ(vb::CLng(fncs_->GetSetting(" Idioma  ")), 2);
   EXPECT_EQ(fncs_->GetSetting("DEFBDDATECHARSQLS"), Variant("'"));
   EXPECT_TRUE(fncs_->GetSetting("vacio").IsNull());
-  for (const char* ausente : {"noExiste", "id'ioma", ""}) {
+  for (const char* ausente : {"noExiste", "id'ioma", "idioma' Or '1' = '1", ""}) {
     EXPECT_TRUE(fncs_->GetSetting(ausente).IsEmpty()) << ausente;
   }
   testing::TestDatabase bare(engine());  // without the table
-  EXPECT_TRUE(suite::DbFncs(bare.Open(), messages_).GetSetting("Idioma").IsEmpty());
+  EXPECT_EQ(FailureOf([&] { suite::DbFncs(bare.Open(), messages_).GetSetting("Idioma"); }),
+            DbErrorKind::MissingTable);
   fncs_->ShowHelp(330);  // help goes to the message service
   EXPECT_EQ(messages_->help_topics(), std::vector<int>{330});
 }
@@ -70,7 +84,8 @@ TEST_P(DbServices, RightsForCurrentUserCompanyAndOption) {
   EXPECT_EQ(rights.Letras(3, "PasajeAsientos"), "");
   EXPECT_EQ(rights.Letras(1, "Check'List"), "");
   testing::TestDatabase bare(engine());
-  EXPECT_EQ(suite::DbUserRights(bare.Open(), 5).Letras(1, "Papelera"), "");
+  EXPECT_EQ(FailureOf([&] { suite::DbUserRights(bare.Open(), 5).Letras(1, "Papelera"); }),
+            DbErrorKind::MissingTable);
 }
 
 TEST_P(DbServices, NoticeRecipientsBecomeTheListedUsers) {
