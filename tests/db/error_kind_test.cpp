@@ -30,28 +30,18 @@ class ErrorKind : public EngineTest {
                               sqlite::Options{.busy_timeout_ms = 50});
   }
 
-  static DbErrorKind KindOf(const std::function<void()>& f, std::string* text = nullptr) {
-    try {
-      f();
-    } catch (const DbError& e) {
-      if (text) *text = sql::DescribirErrorDb(e);
-      return e.kind();
-    }
-    ADD_FAILURE() << "no DbError";
-    return DbErrorKind::Other;
-  }
-
   static Variant Nombre(Connection& c, int id) {
-    return c.OpenResultset("Select nombre From t Where id = " + std::to_string(id))->Get(0);
+    return c.OpenResultset("Select nombre From t Where id = ?", {id})->Get(0);
   }
 };
 
 TEST_P(ErrorKind, EachFailureCarriesItsKind) {
-  EXPECT_EQ(KindOf([&] { cn->Execute("Insert Into t (id, nombre) Values (1, 'otro')"); }),
+  EXPECT_EQ(KindOfFailure([&] { cn->Execute("Insert Into t (id, nombre) Values (1, 'otro')"); }),
             DbErrorKind::Constraint);
-  EXPECT_EQ(KindOf([&] { cn->Execute("Insert Into t (id) Values (3)"); }), DbErrorKind::Constraint);
-  EXPECT_EQ(KindOf([&] { cn->Execute("Selec 1"); }), DbErrorKind::Other);
-  EXPECT_EQ(KindOf([&] { cn->OpenResultset("Select * From no_existe"); }),
+  EXPECT_EQ(KindOfFailure([&] { cn->Execute("Insert Into t (id) Values (3)"); }),
+            DbErrorKind::Constraint);
+  EXPECT_EQ(KindOfFailure([&] { cn->Execute("Selec 1"); }), DbErrorKind::Other);
+  EXPECT_EQ(KindOfFailure([&] { cn->OpenResultset("Select * From no_existe"); }),
             DbErrorKind::MissingTable);
 }
 
@@ -68,7 +58,7 @@ TEST_P(ErrorKind, ASecondWriterThatGivesUpIsBusyAndReadersGoOn) {
   const char* fila1 = "Update t Set nombre = 'espera' Where id = 1";
   const char* fila2 = "Update t Set nombre = 'libre' Where id = 2";
   std::string texto;
-  EXPECT_EQ(KindOf(
+  EXPECT_EQ(KindOfFailure(
                 [&] {
                   otra->BeginTrans();
                   Transaccion intento(*otra);
@@ -78,6 +68,7 @@ TEST_P(ErrorKind, ASecondWriterThatGivesUpIsBusyAndReadersGoOn) {
             DbErrorKind::Busy);
   const std::string motor =
       postgres() ? "canceling statement due to lock timeout" : "database is locked";
+  texto = sql::DescribirErrorDb(DbError(texto, DbErrorKind::Busy));
   EXPECT_EQ(texto.find("la base de datos está bloqueada por otro proceso (Error de la base de "
                        "datos: " +
                        motor),
@@ -89,7 +80,7 @@ TEST_P(ErrorKind, ASecondWriterThatGivesUpIsBusyAndReadersGoOn) {
     otra->Execute(fila2);
     otra->CommitTrans();
   } else {
-    EXPECT_EQ(KindOf([&] { otra->Execute(fila2); }), DbErrorKind::Busy);
+    EXPECT_EQ(KindOfFailure([&] { otra->Execute(fila2); }), DbErrorKind::Busy);
     EXPECT_EQ(otra->OpenResultset("Pragma journal_mode")->Get(0), Variant("wal"));
   }
   EXPECT_EQ(Nombre(*otra, 1), Variant("uno"));

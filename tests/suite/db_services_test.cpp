@@ -1,6 +1,5 @@
 // Database-backed services: settings, help, rights, notice recipients, and the default bundle
 // the options choose.
-#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -38,18 +37,6 @@ class DbServices : public testing::SuiteTablesTest {
   std::shared_ptr<suite::DbFncs> fncs_;
 };
 
-// Both readers report a database failure as the engine's DbError, never as "no value" or "no
-// rights".
-DbErrorKind FailureOf(const std::function<void()>& read) {
-  try {
-    read();
-  } catch (const DbError& e) {
-    return e.kind();
-  }
-  ADD_FAILURE() << "no DbError";
-  return DbErrorKind::Other;
-}
-
 TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCaseAndHelpIsShown) {
   cn->Execute(
       "Insert Into genParametros (ParNombre, ParTexto, ParValor) Values ('  IDIOMA ', "
@@ -64,8 +51,9 @@ TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCaseAndHelpIsShown) {
     EXPECT_TRUE(fncs_->GetSetting(ausente).IsEmpty()) << ausente;
   }
   testing::TestDatabase bare(engine());  // without the table
-  EXPECT_EQ(FailureOf([&] { suite::DbFncs(bare.Open(), messages_).GetSetting("Idioma"); }),
-            DbErrorKind::MissingTable);
+  EXPECT_EQ(
+      testing::KindOfFailure([&] { suite::DbFncs(bare.Open(), messages_).GetSetting("Idioma"); }),
+      DbErrorKind::MissingTable);
   fncs_->ShowHelp(330);  // help goes to the message service
   EXPECT_EQ(messages_->help_topics(), std::vector<int>{330});
 }
@@ -84,8 +72,9 @@ TEST_P(DbServices, RightsForCurrentUserCompanyAndOption) {
   EXPECT_EQ(rights.Letras(3, "PasajeAsientos"), "");
   EXPECT_EQ(rights.Letras(1, "Check'List"), "");
   testing::TestDatabase bare(engine());
-  EXPECT_EQ(FailureOf([&] { suite::DbUserRights(bare.Open(), 5).Letras(1, "Papelera"); }),
-            DbErrorKind::MissingTable);
+  EXPECT_EQ(
+      testing::KindOfFailure([&] { suite::DbUserRights(bare.Open(), 5).Letras(1, "Papelera"); }),
+      DbErrorKind::MissingTable);
 }
 
 TEST_P(DbServices, NoticeRecipientsBecomeTheListedUsers) {
