@@ -46,7 +46,7 @@ const char* const kMovimiento = R"({
      "Formula": "1500.5*1.21", "ImporteCta": 1234.56, "ImporteMF": 0.1, "TipoCambio": 2,
      "ValorTC": 1425.75, "Detalle": "Abono mensual"},
     {"Cuenta": 111, "Proyecto": 0, "Departamento": 0, "Orden": 0, "AlDebe": false,
-     "Formula": null, "ImporteCta": 0, "ImporteMF": 0, "TipoCambio": 0, "ValorTC": 0,
+     "Formula": "1500.5*1.21", "ImporteCta": 0, "ImporteMF": 0, "TipoCambio": 0, "ValorTC": 0,
      "Detalle": ""}
   ]
 })";

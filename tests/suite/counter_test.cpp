@@ -69,8 +69,9 @@ class InterleavingConnection : public testing::ForwardingConnection {
     return other_value_;
   }
 
-  int64_t Execute(std::string_view sql, const DbParams& params = {}) override {
-    const int64_t changed = inner_->Execute(sql, params);
+  std::unique_ptr<Resultset> OpenResultset(std::string_view sql,
+                                           const DbParams& params = {}) override {
+    auto changed = inner_->OpenResultset(sql, params);
     if (!started_ && sql.starts_with("Update genContadores")) {
       started_ = true;
       other_ = std::thread([this] {
@@ -115,7 +116,7 @@ TEST_P(Counter, AFailingStatementSurfacesItsErrorAndChangesNothing) {
       EXPECT_FALSE(real->InTransaction());
       if (!failing.failed()) {
         EXPECT_EQ(value, seeded ? 6 : 1);
-        EXPECT_GT(fail_at, 3);
+        EXPECT_GT(fail_at, 2);
         break;
       }
       EXPECT_EQ(value, 0) << "fallo en la sentencia " << fail_at;

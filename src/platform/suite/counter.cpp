@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "platform/suite/sql_text.h"
 #include "platform/vb/convert.h"
@@ -33,26 +34,35 @@ double StartValue(Connection& cn, std::string_view table) {
   return max.IsNull() || max.IsEmpty() ? 0 : vb::CDbl(max);
 }
 
-int64_t Draw(Connection& cn, std::string_view table) {
-  const DbParams name = {Variant(std::string(table))};
+// Increments the table's counter row and reads the new value in one statement (each read of a
+// row updated many times in one transaction walks its versions); the values of the rows
+// changed (none when there is no row).
+std::vector<Variant> Increment(Connection& cn, const DbParams& name) {
   // A counter at the largest 32-bit value is not incremented (PostgreSQL's integer column
   // would refuse it): it gives no value, as a missing row that cannot be made does.
-  const char* increment =
+  auto rs = cn.OpenResultset(
       "Update genContadores Set CntValor = CntValor + 1 Where CntTabla = ? And CntValor < "
-      "2147483647";
-  int64_t changed = cn.Execute(increment, name);
-  if (changed == 0) {
+      "2147483647 Returning CntValor",
+      name);
+  std::vector<Variant> values;
+  for (; !rs->Eof(); rs->MoveNext()) values.push_back(rs->Get(0));
+  return values;
+}
+
+int64_t Draw(Connection& cn, std::string_view table) {
+  const DbParams name = {Variant(std::string(table))};
+  std::vector<Variant> values = Increment(cn, name);
+  if (values.empty()) {
     // No row yet. Another connection may be creating it at this very moment (PostgreSQL takes
     // no table lock), so the insert yields to an existing row instead of failing.
     const double start = StartValue(cn, table);
     cn.Execute(
         "Insert Into genContadores (CntTabla, CntValor) Values (?, ?) On Conflict Do Nothing",
         {Variant(std::string(table)), Variant(start)});
-    changed = cn.Execute(increment, name);
+    values = Increment(cn, name);
   }
-  if (changed != 1) return -1;  // still none, or duplicated rows: no safe value
-  const Variant value =
-      FirstValue(cn, "Select CntValor From genContadores Where CntTabla = ?", name);
+  if (values.size() != 1) return -1;  // still none, or duplicated rows: no safe value
+  const Variant& value = values.front();
   if (value.IsNull() || value.IsEmpty()) return -1;
   const double v = vb::CDbl(value);
   if (v < 1 || v > std::numeric_limits<int32_t>::max()) return -1;
