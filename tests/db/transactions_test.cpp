@@ -20,10 +20,6 @@ class Transactions : public testing::EngineTest {
     cn->Execute("Insert Into genRecurrencias Values (1, '000007')");
   }
 
-  static int Count(Connection& c) {
-    return c.OpenResultset("Select count(*) From genRecurrencias")->Get(0).AsLong();
-  }
-
   void Insert(int id) {
     cn->Execute("Insert Into genRecurrencias Values (?, '000001')", {Variant(int32_t{id})});
   }
@@ -75,7 +71,7 @@ TEST_P(Transactions, ReadOnlyRefusesEveryStatementThatCouldWrite) {
   EXPECT_THROW(star->Delete(), DbError);
   EXPECT_THROW(star->Edit(), DbError);
   EXPECT_EQ(star->Get("RecFrecuencia"), Variant("000007"));
-  EXPECT_EQ(Count(*cn), 1);
+  EXPECT_EQ(Ids(*cn), "1 ");
   EXPECT_FALSE(cn->InTransaction());
 
   cn->BeginTrans();
@@ -88,7 +84,7 @@ TEST_P(Transactions, ReadOnlyRefusesEveryStatementThatCouldWrite) {
   EXPECT_EQ(cn->OpenReadOnly("Select count(*) From genRecurrencias")->Get(0), Variant(int32_t{2}));
   cn->Execute("Insert Into genRecurrencias Values (3, '000002')");
   cn->CommitTrans();
-  EXPECT_EQ(Count(*OpenAnother()), 3);
+  EXPECT_EQ(Ids(*OpenAnother()), "1 2 3 ");
   EXPECT_FALSE(TableExists("Otra"));
   EXPECT_FALSE(TableExists("Copia"));
 }
@@ -118,7 +114,6 @@ TEST_P(Transactions, NestedLevelsAreSavepoints) {
     }
     EXPECT_EQ(Ids(*OpenAnother()), "1 ");
     fuera.Commit();
-    EXPECT_THROW(fuera.Commit(), DbError);
   }
   EXPECT_EQ(Ids(*OpenAnother()), "1 2 4 ");
   EXPECT_EQ(cn->TransactionDepth(), 0);
@@ -152,13 +147,6 @@ TEST_P(Transactions, AFailedStatementGoesWithItsLevel) {
     Transaccion intento(*cn);
     Insert(8);
     EXPECT_THROW(cn->Execute(falla), DbError);
-  }
-  {
-    Transaccion intento(*cn);
-    auto rs = cn->OpenResultset("Select * From genRecurrencias Where RecID = 2");
-    rs->Edit();
-    rs->Set("RecID", int32_t{1});  // taken
-    EXPECT_THROW(rs->Update(), DbError);
   }
   Insert(3);
   fuera.Commit();

@@ -1,11 +1,9 @@
 // Table counters on every engine: distinct values across processes, transactional draws,
 // late-created rows.
 #include <algorithm>
-#include <chrono>
 #include <numeric>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -15,7 +13,6 @@
 #include "support/child_processes.h"
 #include "support/demo_engine.h"
 #include "support/faulty_connection.h"
-#include "support/forwarding_connection.h"
 
 namespace kivmovfrec {
 namespace {
@@ -52,51 +49,6 @@ TEST_P(Counter, TwoProcessesNeverDrawTheSameValue) {
   std::iota(expected.begin(), expected.end(), 1);
   EXPECT_EQ(values, expected);
   EXPECT_EQ(CounterRow(*cn, "genRecurrencias"), 2 * kEach);
-}
-
-// Forwards to a real connection; right after the first counter increment it lets another
-// connection draw from a second thread and gives it a moment to run, so a draw whose increment
-// and read are not one unit reads the other's value.
-class InterleavingConnection : public testing::ForwardingConnection {
- public:
-  InterleavingConnection(std::shared_ptr<Connection> inner, std::string other_uri)
-      : ForwardingConnection(std::move(inner)), other_uri_(std::move(other_uri)) {}
-  ~InterleavingConnection() override {
-    if (other_.joinable()) other_.join();
-  }
-  int32_t OtherValue() {
-    if (other_.joinable()) other_.join();
-    return other_value_;
-  }
-
-  std::unique_ptr<Resultset> OpenResultset(std::string_view sql,
-                                           const DbParams& params = {}) override {
-    auto changed = inner_->OpenResultset(sql, params);
-    if (!started_ && sql.starts_with("Update genContadores")) {
-      started_ = true;
-      other_ = std::thread([this] {
-        auto cn = OpenConnection(other_uri_);
-        other_value_ = suite::DrawTableCounter(*cn, "genRecurrencias");
-      });
-      std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    }
-    return changed;
-  }
-
- private:
-  std::string other_uri_;
-  bool started_ = false;
-  std::thread other_;
-  int32_t other_value_ = 0;
-};
-
-TEST_P(Counter, IncrementAndReadAreOneUnit) {
-  cn->Execute("Insert Into genContadores Values ('genRecurrencias', 5)");
-  InterleavingConnection interleaving(OpenAnother(), database().uri());
-  const int32_t mine = suite::DrawTableCounter(interleaving, "genRecurrencias");
-  const int32_t other = interleaving.OtherValue();
-  EXPECT_EQ(mine, 6);
-  EXPECT_EQ(other, 7);  // it waited for the first draw to end
 }
 
 TEST_P(Counter, AFailingStatementSurfacesItsErrorAndChangesNothing) {
