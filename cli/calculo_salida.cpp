@@ -6,12 +6,16 @@
 #include <sstream>
 #include <string>
 
+#include "command.h"
 #include "kivmovfrec/presentacion.h"
 #include "kivmovfrec/vb.h"
 #include "output.h"
 
 namespace kivmovfrec::cli {
 namespace {
+
+// Where a calculation's errors come from, in the JSON error object.
+const std::string kOrigen = "movfrec calcular";
 
 std::string Numero(double v) {
   return vb::NumberToText(v, vb::Locale::Spanish());
@@ -158,7 +162,7 @@ nlohmann::ordered_json CalculoJson(const ResultadoCalculo& r, bool traza) {
     x["ImporteMF"] = l.importe_mf;
     x["ImporteCta"] = l.importe_cta;
     x["Ok"] = l.ok;
-    x["Error"] = l.error;
+    x["Error"] = l.ok ? nlohmann::ordered_json(nullptr) : ErrorJson(std::nullopt, kOrigen, l.error);
     x["ReintentoTrasError"] = l.reintento_tras_error;
     if (traza) {
       x["Expresion"] = l.expresion;
@@ -183,7 +187,7 @@ nlohmann::ordered_json CalculoJson(const ResultadoCalculo& r, bool traza) {
   j["TotalHaber"] = t.total_haber;
   j["Balanceado"] = Balanceado(t);
   j["Ok"] = t.ok;
-  j["Error"] = t.error;
+  j["Error"] = t.ok ? nlohmann::ordered_json(nullptr) : ErrorJson(std::nullopt, kOrigen, t.error);
   return j;
 }
 

@@ -71,12 +71,13 @@ Json ImportesJson(const ImportesAgenda& r) {
                          {"ImporteMF", l.ok ? Json(l.importe_mf) : Json(nullptr)},
                          {"ImporteCta", l.ok ? Json(l.importe_cta) : Json(nullptr)}});
   }
-  return {{"Ok", r.ok},
-          {"FechaCalculo", FechaTexto(r.traza.fecha)},
-          {"TotalDebe", r.ok ? Json(r.traza.total_debe) : Json(nullptr)},
-          {"TotalHaber", r.ok ? Json(r.traza.total_haber) : Json(nullptr)},
-          {"Error", r.ok ? Json(nullptr) : Json(r.traza.error)},
-          {"Renglones", std::move(renglones)}};
+  return {
+      {"Ok", r.ok},
+      {"FechaCalculo", FechaTexto(r.traza.fecha)},
+      {"TotalDebe", r.ok ? Json(r.traza.total_debe) : Json(nullptr)},
+      {"TotalHaber", r.ok ? Json(r.traza.total_haber) : Json(nullptr)},
+      {"Error", r.ok ? Json(nullptr) : ErrorJson(std::nullopt, "movfrec agenda", r.traza.error)},
+      {"Renglones", std::move(renglones)}};
 }
 
 Date Fecha(const std::string& texto) {

@@ -101,7 +101,7 @@ Json ComoJson(const OcurrenciaEjecutada& o) {
           {"UltimaOcurrencia", o.terminada},
           {"Documentos", std::move(docs)},
           {"Detalle", o.detalle.empty() ? Json(nullptr) : Json(o.detalle)},
-          {"Error", o.ok() ? Json(nullptr) : Json(o.error)}};
+          {"Error", o.ok() ? Json(nullptr) : ErrorJson(std::nullopt, "movfrec ejecutar", o.error)}};
 }
 
 // The progress line, on a terminal only: rewritten in place, cleared at the end.

@@ -41,7 +41,7 @@ struct OcurrenciaAgenda {
 };
 
 struct ResultadoAgenda {
-  // By day, then movement, a due date before a notice of the same movement and day.
+  // By date, then movement; a notice before a due date of the same movement and moment.
   std::vector<OcurrenciaAgenda> ocurrencias;
   // Schedules that could not be stepped, each with the movement and why (an unreadable next due
   // date or frequency code); their occurrences listed before the failure are kept.

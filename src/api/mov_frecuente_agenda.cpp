@@ -131,8 +131,8 @@ ResultadoAgenda clsMovFrecuente::Agenda(Date dDesde, Date dHasta, bool bImportes
   for (const Agendado& a : LeerAgendados(*cn_, empresa_)) Ocurrencias(a, desde, hasta, cal, r);
   std::stable_sort(r.ocurrencias.begin(), r.ocurrencias.end(),
                    [](const OcurrenciaAgenda& x, const OcurrenciaAgenda& y) {
-                     return std::tuple(x.fecha, x.movimiento, x.aviso) <
-                            std::tuple(y.fecha, y.movimiento, y.aviso);
+                     return std::tuple(x.fecha, x.movimiento, !x.aviso) <
+                            std::tuple(y.fecha, y.movimiento, !y.aviso);
                    });
   if (!bImportes) return r;
 

@@ -146,6 +146,31 @@ TEST_P(Agendas, CadenaVinculadaAvanzaEnSuOrdenYElMiembroNoArrastraAlGrupo) {
   EXPECT_EQ(Agenda(26).FechaProxima(), "26/11/2026");
 }
 
+// The agenda computes each due date of an entry or voucher as of that date, on a movement of
+// its own: the current movement and its trace stay as they were. Notices carry no amounts.
+TEST_P(Agendas, AgendaConImportesCalculaCadaVencimientoSinTocarElMovimientoActual) {
+  ASSERT_TRUE(mf.LoadMF(1));
+  const auto actual = mf.EstructuraMovFrec();
+  const std::string proxima = actual->Recurrencia()->FechaProxima();
+  const ResultadoAgenda r =
+      mf.Agenda(suite::SerialOf(2026, 11, 1), suite::SerialOf(2027, 1, 31), true);
+  EXPECT_EQ(mf.EstructuraMovFrec(), actual);
+  EXPECT_EQ(actual->MovFrecuente()->ID(), 1);
+  EXPECT_EQ(actual->Recurrencia()->FechaProxima(), proxima);
+  EXPECT_TRUE(mf.UltimaTrazaFx().lineas.empty());
+  int vencimientos_de_1 = 0;
+  for (const OcurrenciaAgenda& o : r.ocurrencias) {
+    const bool asienta = o.tipo == 1 || o.tipo == 2 || o.tipo == 4;
+    EXPECT_EQ(o.importes.has_value(), asienta && !o.aviso) << o.movimiento;
+    if (o.movimiento != 1 || o.aviso) continue;
+    ++vencimientos_de_1;
+    ASSERT_TRUE(o.importes && o.importes->ok) << o.movimiento;
+    EXPECT_EQ(o.importes->traza.fecha, o.vencimiento);
+    EXPECT_GT(o.importes->traza.total_debe, 0);
+  }
+  EXPECT_EQ(vencimientos_de_1, 3);
+}
+
 KMF_INSTANTIATE_ENGINES(Agendas);
 
 }  // namespace
