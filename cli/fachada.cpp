@@ -25,6 +25,7 @@ std::string NoExiste(int32_t id) {
 
 int Rechazo(Context& ctx, const std::string& comando, const std::string& texto) {
   ctx.err() << "movfrec " << comando << ": " << texto << '\n';
+  ctx.FalloJson(std::nullopt, "movfrec " + comando, texto);
   return kExitFailed;
 }
 

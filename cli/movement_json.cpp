@@ -11,12 +11,10 @@
 #include <fmt/format.h>
 
 #include "args.h"
+#include "kivmovfrec/frecuencia.h"
 #include "kivmovfrec/records.h"
+#include "kivmovfrec/vb.h"
 #include "output.h"
-#include "platform/vb/convert.h"
-#include "platform/vb/dates.h"
-#include "platform/vb/excerpt.h"
-#include "schedule/frequency.h"
 
 namespace kivmovfrec::cli {
 namespace {

@@ -35,9 +35,12 @@
 #include <string>
 #include <string_view>
 
+#include "kivmovfrec/agenda.h"
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/ejecucion.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/enums.h"
+#include "kivmovfrec/grupo_vinculado.h"
 #include "kivmovfrec/mf_tipo.h"
 #include "kivmovfrec/renglones_mf.h"
 #include "kivmovfrec/services.h"
@@ -164,6 +167,33 @@ class clsMovFrecuente {
   bool DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez);
   bool DarRealizadaFechaAgenda(int32_t lIDMF);
 
+  // ---- Main job and agenda (host wiring, not members of the suite's type library) --------
+
+  // The main job: posts every occurrence of the company's scheduled entries and vouchers due on
+  // or before the day of dHasta (kivmovfrec/ejecucion.h says what succeeds and what fails).
+  // Each finished occurrence is handed to alTerminar, when given, before the next one begins.
+  // Database errors never propagate: they are reported in the occurrence they hit, or stop the
+  // run (ResultadoEjecucion::detenida). An exception thrown by alTerminar ends the run and
+  // reaches the caller. The current movement (EstructuraMovFrec) is not touched. Before Connect:
+  // an empty, complete result.
+  ResultadoEjecucion EjecutarVencidos(Date dHasta, const AlTerminarOcurrencia& alTerminar = {});
+
+  // Every due date and notice date from dDesde to dHasta (both by day) of the company's pending
+  // scheduled movements (kivmovfrec/agenda.h). With bImportes, each due date of an entry or
+  // voucher is computed as of that date without prompts, as SetCalculoFormulasMF would, but on
+  // a movement of its own: the current movement and UltimaTrazaFx are not touched; a formula
+  // without result still shows its message. Nothing is written. Database errors reach the
+  // caller. Before Connect: an empty result.
+  ResultadoAgenda Agenda(Date dDesde, Date dHasta, bool bImportes = false);
+
+  // The linked group of movement lIDMF in execution order (kivmovfrec/grupo_vinculado.h): the
+  // group's members whatever their state or kind, lIDMF included; just lIDMF when it belongs
+  // to no group; no member when it does not exist. Database errors reach the caller.
+  GrupoVinculado GrupoEnOrden(int32_t lIDMF);
+
+  // The language of the component's texts (the suite's "Idioma" setting, 1 when not set).
+  int Idioma() const;
+
   // ---- Formulas ----------------------------------------------------------------------------
   // The three formula members prepare the same context before they hand over to the formula
   // evaluator (formula/calculo_fx.h):
@@ -215,7 +245,6 @@ class clsMovFrecuente {
   clsEmpresa& EmpresaContexto();
   // The injected date calculator, or the suite's own.
   IDateCalculator& Calendario();
-  int Idioma() const;
   // Steps 1 and 2 of the formula members; returns the calculation date.
   Date PrepararCalculoFx();
   void AvisarSinResultado(int mensaje);
