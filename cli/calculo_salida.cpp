@@ -20,7 +20,7 @@ namespace {
 // never hide a result: the stored form and "#,##0.00" are used instead.
 class Presentacion {
  public:
-  explicit Presentacion(const ResultadoCalculo& r) {
+  explicit Presentacion(const ResultadoCalculo& r) : monedas_(nullptr, r.parametros) {
     try {
       monedas_.Connect(r.cn);
       monedas_.Load();

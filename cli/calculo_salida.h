@@ -19,6 +19,7 @@ struct ResultadoCalculo {
   const clsMFTipo& mf;
   const TrazaCalculoFx& traza;
   std::shared_ptr<Connection> cn;  // for currency formats and the formulas' display form
+  const ParametrosBD& parametros;  // the settings of that database
 };
 
 // Name of an origin for people ("saldo", "cotización", ...).

@@ -52,7 +52,8 @@ Action Setup(CLI::App& app) {
     }
     const bool ok = mf->SetCalculoFormulasMF(o->id, o->sin_pedir);
     const TrazaCalculoFx& traza = mf->UltimaTrazaFx();
-    ResultadoCalculo r{*mf->EstructuraMovFrec(), traza, ctx.connection()};
+    ResultadoCalculo r{*mf->EstructuraMovFrec(), traza, ctx.connection(),
+                       mf->Contexto().parametros};
     if (ctx.json()) {
       ctx.PrintJson(CalculoJson(r, o->traza));
     } else {

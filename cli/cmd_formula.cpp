@@ -21,7 +21,6 @@
 #include "formula/reglas_fx.h"
 #include "platform/vb/excerpt.h"
 #include "platform/vb/text.h"
-#include "storage/parametros.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -115,7 +114,7 @@ int Guardar(Context& ctx, const Opciones& o) {
         {{l.Cuenta(), l.Proyecto(), l.Departamento()}, l.AlDebe(), l.Formula(), l.ImporteMF()});
   }
   if (const auto fallo = formula::ValidarFormulas(reglas, &fm)) {
-    std::string texto = fallo->Texto(storage::Parametros().idioma);
+    std::string texto = fallo->Texto(fachada->Contexto().parametros.idioma);
     if (fallo->linea >= 0) texto += " (renglón " + std::to_string(fallo->linea + 1) + ")";
     return Rechazo(ctx, "formula guardar", texto);
   }

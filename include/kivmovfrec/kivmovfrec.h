@@ -3,6 +3,7 @@
 // installation.
 #pragma once
 
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/enums.h"

@@ -11,7 +11,6 @@
 #include "platform/vb/text.h"
 #include "resources/catalogue.h"
 #include "resources/msg.h"
-#include "storage/parametros.h"
 
 namespace kivmovfrec::formula {
 namespace {
@@ -36,8 +35,8 @@ Date FechaNoIndicada() {
 }
 
 clsCalculoFx::clsCalculoFx(std::shared_ptr<Connection> cn, const clsEmpresa& empresa,
-                           ServiciosFx servicios)
-    : cn_(std::move(cn)), fx_(cn_, std::move(servicios)) {
+                           ServiciosFx servicios, const ParametrosBD& parametros)
+    : cn_(std::move(cn)), fx_(cn_, std::move(servicios), parametros) {
   if (!cn_) throw std::invalid_argument("clsCalculoFx: falta la conexión");
   fx_.Empresa(empresa);
 }
@@ -137,10 +136,10 @@ bool clsCalculoFx::GetValueUnaPata(const clsRenglonesMF& renglones, int16_t iMon
       }
     }
     if (!pata) {
-      traza_.error = diferencias.size() > 1
-                         ? std::string(resources::Texto(msg::kFxRestoEnVariasCuentas,
-                                                        storage::Parametros().idioma))
-                         : "las líneas no tienen una única pata abierta";
+      traza_.error =
+          diferencias.size() > 1
+              ? std::string(resources::Texto(msg::kFxRestoEnVariasCuentas, fx_.Parametros().idioma))
+              : "las líneas no tienen una única pata abierta";
       return false;
     }
     OpcionesCorrida op;
@@ -205,7 +204,7 @@ void clsCalculoFx::PedirTasas(clsRenglonesMF& renglones, int16_t moneda, Date fe
       tipos[clave] = r->TipoCambio() != 0 ? r->TipoCambio() : fx_.Empresa().TipoTCComprobantes();
     }
   }
-  const int idioma = storage::Parametros().idioma;
+  const int idioma = fx_.Parametros().idioma;
   for (const auto& [clave, lineas] : grupos) {
     const MonedaFx* mon = fx_.Monedas().Moneda(clave.first);
     const std::string simbolo = mon != nullptr ? mon->simbolo : std::to_string(clave.first);
