@@ -6,10 +6,10 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "fachada_fixture.h"
-#include "platform/vb/format.h"
 #include "support/db_engines.h"
 
 namespace kivmovfrec::testing {
@@ -28,105 +28,45 @@ struct BaseDemo {
   std::shared_ptr<Connection> cn;
 };
 
-int32_t Contador(Connection& cn) {
-  return vb::CLng(
-      Scalar(cn, "Select CntValor From genContadores Where CntTabla = 'genMovimientosFrecuentes'"));
-}
-
 class Contexto : public EngineTest {};
 
+// A second Connect rebinds the services completed from the defaults, the settings and the
+// company context to the new connection; what the host gave (here only the clock) is kept.
 TEST_P(Contexto, OtroConnectAtaServiciosYParametrosALaNuevaConexion) {
   BaseDemo uno(engine()), dos(engine(), "yyyy-mm-dd");
   uno.cn->Execute("Update genParametros Set ParTexto = '#' Where ParNombre = 'defBDDateCharSQLs'");
-  // Only the clock is given: every other service comes from the defaults of the connection.
   SuiteServices dados;
   dados.clock = std::make_shared<suite::FixedClock>(kHoy, 0.5);
   clsMovFrecuente mf;
   mf.Servicios(dados);
   mf.Empresa(1);
-
   mf.Connect(uno.cn);
-  EXPECT_EQ(mf.Contexto().cn, uno.cn);
-  EXPECT_EQ(mf.Contexto().parametros.caracter_fecha, "#");
-  EXPECT_EQ(mf.Contexto().parametros.idioma, 1);
-  EXPECT_TRUE(mf.Contexto().parametros.multiusuario);
-  EXPECT_EQ(mf.Contexto().Reloj().Today(), kHoy);
+  const ContextoMF& ctx = mf.Contexto();
+  EXPECT_EQ(std::tuple(ctx.parametros.caracter_fecha, ctx.parametros.idioma,
+                       ctx.parametros.multiusuario, ctx.Reloj().Today()),
+            std::tuple("#", 1, true, kHoy));
 
   mf.Connect(dos.cn);
-  EXPECT_EQ(mf.Contexto().cn, dos.cn);
-  EXPECT_EQ(mf.Contexto().parametros.caracter_fecha, "'");
-  EXPECT_EQ(mf.Contexto().parametros.formato_fecha, "yyyy-mm-dd");
-  EXPECT_EQ(mf.Servicios().clock, dados.clock);  // what the host gave is kept
-  // The counter service now works on the second database: the key comes from its counter and
-  // the first database is not touched.
-  const int32_t antes_uno = Contador(*uno.cn);
+  EXPECT_EQ(std::tuple(ctx.cn, ctx.parametros.caracter_fecha, ctx.parametros.formato_fecha,
+                       ctx.servicios.clock),
+            std::tuple(dos.cn, "'", "yyyy-mm-dd", dados.clock));
+  // The key comes from the second database's counter, and the header is stamped by the clock.
+  const std::string contador =
+      "Select CntValor From genContadores Where CntTabla = 'genMovimientosFrecuentes'";
+  const Variant antes_uno = Scalar(*uno.cn, contador);
   AsientoNuevo(mf, "Asiento de la segunda base", {101, 102});
   const int32_t id = mf.SaveMovimientoFrecuente();
-  EXPECT_EQ(id, Contador(*dos.cn));
-  EXPECT_EQ(Contador(*uno.cn), antes_uno);
+  EXPECT_EQ(id, vb::CLng(Scalar(*dos.cn, contador)));
+  EXPECT_EQ(Scalar(*uno.cn, contador), antes_uno);
   EXPECT_EQ(vb::CDate(Scalar(*dos.cn,
                              "Select MFrFechaEstado From genMovimientosFrecuentes Where "
                              "MFrID = " +
                                  std::to_string(id))),
-            Date{kHoy.serial + 0.5});  // the new header is stamped with the context's clock
-  EXPECT_EQ(CountRows(*uno.cn,
-                      "Select * From genMovimientosFrecuentes Where MFrNombre = "
-                      "'Asiento de la segunda base'"),
-            0);
+            Date{kHoy.serial + 0.5});
 }
 
-// A connected façade of company 1 whose "today" is `hoy` at `hora`.
-struct FachadaConReloj {
-  FachadaConReloj(std::shared_ptr<Connection> cn, Date hoy, double hora) {
-    sv = suite::ScriptedServices::Make(cn, hoy);
-    SuiteServices bundle = sv.Bundle();
-    bundle.clock = std::make_shared<suite::FixedClock>(hoy, hora);
-    mf.Servicios(bundle);
-    mf.Connect(cn);
-    mf.Empresa(1);
-  }
-  suite::ScriptedServices sv;
-  clsMovFrecuente mf;
-};
-
-std::string Texto(Date d) {
-  return vb::FormatDate(d, "dd/mm/yyyy hh:nn:ss");
-}
-
-// What a façade sees in one round: the amounts of movement 4 (rates read at its due date) and
-// of movement 5 (index read as of today), then the schedule of weekly notice 22 after marking
-// it done and, in the first round, the state and moment left by the last occurrence of 9.
-std::vector<std::string> Ronda(clsMovFrecuente& mf, int ronda) {
-  std::vector<std::string> visto;
-  for (int32_t id : {4, 5}) {
-    mf.CleanEstructura();
-    std::ostringstream linea;
-    linea.precision(12);
-    linea << id << ": " << mf.SetCalculoFormulasMF(id, true) << " "
-          << Texto(mf.UltimaTrazaFx().fecha);
-    const auto& renglones = *mf.EstructuraMovFrec()->Renglones();
-    for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
-      linea << " " << renglones.Renglon(i)->ImporteMF();
-    }
-    visto.push_back(linea.str());
-  }
-  for (int32_t id : ronda == 0 ? std::vector<int32_t>{22, 9} : std::vector<int32_t>{22}) {
-    bool ultima = false;
-    const bool hecha = mf.DarRealizadaFechaAgenda(id, ultima);
-    mf.LoadMF(id);
-    const clsMFTipo& mov = *mf.EstructuraMovFrec();
-    visto.push_back(std::to_string(id) + ": " + std::to_string(hecha) + std::to_string(ultima) +
-                    " " + mov.Recurrencia()->FechaProxima() + " " +
-                    std::to_string(mov.MovFrecuente()->Estado()) + " " +
-                    Texto(mov.MovFrecuente()->FechaEstado()));
-  }
-  return visto;
-}
-
-constexpr int kRondas = 3;
-
-// Two databases that differ in their SQL date format (the second without time of day, which on
-// SQLite's text dates also changes which rates a "<=" finds) and two clocks.
+// One side of the two-façade test: a database with its SQL date format (the second one without
+// time of day, which on SQLite's text dates also changes which rates a "<=" finds) and a clock.
 struct Lado {
   std::string formato;
   Date hoy;
@@ -134,37 +74,69 @@ struct Lado {
 };
 const Lado kA{"", suite::SerialOf(2026, 11, 16), 0.25};
 const Lado kB{"yyyy-mm-dd", suite::SerialOf(2026, 11, 30), 0.75};
+constexpr int kRondas = 3;
+
+struct FachadaDeLado {
+  FachadaDeLado(Engine engine, const Lado& lado) : base(engine, lado.formato) {
+    sv = suite::ScriptedServices::Make(base.cn, lado.hoy);
+    SuiteServices bundle = sv.Bundle();
+    bundle.clock = std::make_shared<suite::FixedClock>(lado.hoy, lado.hora);
+    mf.Servicios(bundle);
+    mf.Connect(base.cn);
+    mf.Empresa(1);
+  }
+  BaseDemo base;
+  suite::ScriptedServices sv;
+  clsMovFrecuente mf;
+};
+
+// What a façade sees in round `r`: the amounts of movement 4 (rates at its due date) and 5
+// (index as of today), then the schedule and state of weekly notice 22 after marking it done
+// and, in the first round, of once-only notice 9, ended at the clock's moment.
+void Ronda(clsMovFrecuente& mf, int r, std::vector<std::string>& visto) {
+  std::ostringstream o;
+  o.precision(12);
+  for (int32_t id : {4, 5}) {
+    mf.CleanEstructura();
+    o << id << ": " << mf.SetCalculoFormulasMF(id, true) << " " << mf.UltimaTrazaFx().fecha.serial;
+    const auto& renglones = *mf.EstructuraMovFrec()->Renglones();
+    for (int16_t i = 1; i <= renglones.QRenglones(); ++i)
+      o << " " << renglones.Renglon(i)->ImporteMF();
+    o << "\n";
+  }
+  for (int32_t id : r == 0 ? std::vector<int32_t>{22, 9} : std::vector<int32_t>{22}) {
+    o << id << ": " << mf.DarRealizadaFechaAgenda(id) << mf.LoadMF(id) << " "
+      << mf.EstructuraMovFrec()->Recurrencia()->FechaProxima() << " "
+      << int{mf.EstructuraMovFrec()->MovFrecuente()->Estado()} << " "
+      << mf.EstructuraMovFrec()->MovFrecuente()->FechaEstado().serial << "\n";
+  }
+  visto.push_back(o.str());
+}
 
 std::vector<std::string> Sola(Engine engine, const Lado& lado) {
-  BaseDemo base(engine, lado.formato);
-  FachadaConReloj f(base.cn, lado.hoy, lado.hora);
+  FachadaDeLado f(engine, lado);
   std::vector<std::string> visto;
-  for (int r = 0; r < kRondas; ++r) {
-    for (std::string& s : Ronda(f.mf, r)) visto.push_back(std::move(s));
-  }
+  for (int r = 0; r < kRondas; ++r) Ronda(f.mf, r, visto);
   return visto;
 }
 
+// Two façades on two databases, connected before either computes and then used side by side
+// from two threads, round after round, see what each sees alone.
 TEST_P(Contexto, DosFachadasEnDosHilosVenCadaUnaSuBaseYSuReloj) {
-  const std::vector<std::string> sola_a = Sola(engine(), kA);
-  const std::vector<std::string> sola_b = Sola(engine(), kB);
-  // The two sides must disagree, or mixing them up would go unnoticed.
-  ASSERT_NE(sola_a, sola_b);
+  const std::vector<std::string> sola_a = Sola(engine(), kA), sola_b = Sola(engine(), kB);
+  ASSERT_NE(sola_a, sola_b);  // otherwise mixing them up would go unnoticed
 
-  // Both façades connected before either computes, then every round run side by side.
-  BaseDemo base_a(engine(), kA.formato), base_b(engine(), kB.formato);
-  FachadaConReloj a(base_a.cn, kA.hoy, kA.hora);
-  FachadaConReloj b(base_b.cn, kB.hoy, kB.hora);
+  FachadaDeLado a(engine(), kA), b(engine(), kB);
   std::barrier paso(2);
   std::vector<std::string> visto_a, visto_b;
   auto hilo = [&paso](clsMovFrecuente& mf, std::vector<std::string>& visto) {
     for (int r = 0; r < kRondas; ++r) {
       paso.arrive_and_wait();
-      for (std::string& s : Ronda(mf, r)) visto.push_back(std::move(s));
+      Ronda(mf, r, visto);
     }
   };
-  std::thread ta(hilo, std::ref(a.mf), std::ref(visto_a));
-  std::thread tb(hilo, std::ref(b.mf), std::ref(visto_b));
+  std::thread ta(hilo, std::ref(a.mf), std::ref(visto_a)),
+      tb(hilo, std::ref(b.mf), std::ref(visto_b));
   ta.join();
   tb.join();
   EXPECT_EQ(visto_a, sola_a);
