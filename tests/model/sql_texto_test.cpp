@@ -15,18 +15,6 @@ namespace {
 
 using namespace storage;
 
-TEST(FechaSQL, UsaDelimitadorYFormatoDados) {
-  const Date fecha{45356.0 + (14 * 3600 + 7 * 60 + 9) / 86400.0};  // 2024-03-05 14:07:09
-  ParametrosBD p;
-  p.caracter_fecha = "#";
-  p.formato_fecha = "mm/dd/yyyy";
-  EXPECT_EQ(FechaSQL(fecha, p), "#03/05/2024#");
-  p.caracter_fecha = "'";
-  p.formato_fecha = "yyyy-mm-dd hh:nn:ss";
-  EXPECT_EQ(FechaSQL(fecha, p), "'2024-03-05 14:07:09'");
-  EXPECT_EQ(FormatoFechaBD(fecha, p), "2024-03-05 14:07:09");
-}
-
 // Every refusal names the field and keeps the text; what() is the sentence the user reads.
 TEST(TextoRechazado, ComillaNulUtf8InvalidoYLargoSeRechazan) {
   const std::string largo(255, 'x');

@@ -277,6 +277,7 @@ TEST_P(Tablas, ParametrosDeGenParametrosDanElLiteralDeFecha) {
   ServidorSinMayusculas servidor(cn);
   CargarParametros(servidor, p);
   EXPECT_EQ(FechaSQL(kMomento, p), "#02/11/2026#");
+  EXPECT_EQ(FormatoFechaBD(kMomento, p), "02/11/2026");
   EXPECT_FALSE(p.multiusuario);
 
   // A setting that is NULL or missing falls back to the standard value.
