@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/clock.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
 #include "platform/vb/text.h"
@@ -55,7 +56,7 @@ bool clsCalculoFx::SetCalculoFormulasMF(clsMFTipo& mf, int32_t lMovFrec, bool bN
   traza_ = TrazaCalculoFx{};
   traza_.movimiento = lMovFrec;
   try {
-    if (!mf.Load(*cn_, lMovFrec)) {
+    if (!mf.Load(*cn_, lMovFrec, core::RelojOSistema(fx_.Servicios().clock.get()))) {
       traza_.error = "no existe el movimiento frecuente " + std::to_string(lMovFrec);
       return false;
     }
