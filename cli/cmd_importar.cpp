@@ -222,10 +222,12 @@ Action Setup(CLI::App& app) {
     if (j.is_array()) {
       for (size_t i = 0; i < j.size(); ++i) {
         const std::string ruta = fmt::format("$[{}]", i);
-        entradas.push_back({LeerMovimiento(j[i], ruta, calendario, errores), ruta, 0});
+        entradas.push_back(
+            {LeerMovimiento(j[i], ruta, calendario, ctx.services().clock, errores), ruta, 0});
       }
     } else {
-      entradas.push_back({LeerMovimiento(j, "$", calendario, errores), "$", 0});
+      entradas.push_back(
+          {LeerMovimiento(j, "$", calendario, ctx.services().clock, errores), "$", 0});
     }
     if (errores.empty()) Comprobar(ctx, entradas, errores);
     if (!errores.empty()) {

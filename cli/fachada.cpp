@@ -14,7 +14,7 @@ std::unique_ptr<clsMovFrecuente> AbrirFachada(Context& ctx, std::shared_ptr<Conn
 }
 
 std::optional<clsMFTipo> MovimientoGuardado(Context& ctx, int32_t id) {
-  clsMFTipo mf;
+  clsMFTipo mf(ctx.services().clock);
   if (!mf.Load(*ctx.connection(), id)) return std::nullopt;
   return mf;
 }

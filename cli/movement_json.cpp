@@ -587,9 +587,10 @@ nlohmann::ordered_json MovimientoJson(const clsMFTipo& mf) {
 }
 
 MovimientoLeido LeerMovimiento(const nlohmann::ordered_json& j, const std::string& ruta,
-                               IDateCalculator& calendario, std::vector<std::string>& errores) {
+                               IDateCalculator& calendario, std::shared_ptr<IClock> reloj,
+                               std::vector<std::string>& errores) {
   MovimientoLeido leido;
-  leido.mf = std::make_shared<clsMFTipo>();
+  leido.mf = std::make_shared<clsMFTipo>(std::move(reloj));
   Lector raiz(j, ruta, errores, kClavesRaiz);
   if (!raiz.valido()) return leido;
 

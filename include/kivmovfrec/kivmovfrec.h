@@ -5,6 +5,7 @@
 #pragma once
 
 #include "kivmovfrec/agenda.h"
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/cuentas.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/ejecucion.h"

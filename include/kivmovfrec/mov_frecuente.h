@@ -26,7 +26,12 @@
 //   zero value. UltimoError() then says why (and likewise after a failed locked save).
 // - Services: what Servicios gave; any service left null is taken at Connect from
 //   SuiteServices::Defaults(cn) and a null date calculator is replaced by the suite's own
-//   (schedule::DateCalculator). Connect installs the clock service as the process clock.
+//   (schedule::DateCalculator).
+// - Context: the façade owns its context (kivmovfrec/contexto.h) — connection, services with
+//   their clock, and the settings of its database — and hands it down to everything it calls.
+//   Nothing is shared between façades, so several façades on several databases may live in one
+//   process, each used from its own thread. Every record the façade creates is stamped with the
+//   context's clock.
 #pragma once
 
 #include <cstdint>
@@ -36,6 +41,7 @@
 #include <string_view>
 
 #include "kivmovfrec/agenda.h"
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/ejecucion.h"
 #include "kivmovfrec/empresa.h"
@@ -58,11 +64,14 @@ class clsMovFrecuente {
   // ---- Host wiring (not members of the suite's type library) ------------------------------
 
   // Services the component asks of the suite. Call before Connect; calling it after Connect
-  // replaces them (null ones are filled again from the defaults).
+  // replaces them (null ones are filled again from the defaults over the current connection).
   void Servicios(SuiteServices s);
-  const SuiteServices& Servicios() const { return servicios_; }
+  // The services in use: after Connect, the given ones completed with the defaults.
+  const SuiteServices& Servicios() const { return ctx_.servicios; }
+  // The façade's context: connection, services and database settings, as filled at Connect.
+  const ContextoMF& Contexto() const { return ctx_; }
   // True between a Connect with a connection and the next Connect(nullptr).
-  bool Conectado() const { return cn_ != nullptr; }
+  bool Conectado() const { return ctx_.cn != nullptr; }
 
   // ---- Properties ------------------------------------------------------------------------
 
@@ -76,10 +85,11 @@ class clsMovFrecuente {
   void FechaHoyCalculoFx(bool v) { fecha_hoy_calculo_fx_ = v; }
   // Company number; nothing else happens (the company context is loaded on first need).
   void Empresa(int32_t v);
-  // Keeps the connection; fills missing services; installs the clock; reads the language
-  // ("Idioma" through DBFncs) and the database parameters (date literal, multi-user flag).
-  // A database error while reading the parameters propagates, and the façade then stays
-  // unconnected. nullptr disconnects.
+  // Keeps the connection; fills the services Servicios left null with the defaults over this
+  // connection (a second Connect rebinds them to the new one; the ones the host gave are
+  // kept); reads the language ("Idioma" through DBFncs) and the database parameters (date
+  // literal, multi-user flag) into the context. A database error while reading the parameters
+  // propagates, and the façade then stays unconnected. nullptr disconnects.
   void Connect(std::shared_ptr<Connection> cn);
 
   // ---- Methods ---------------------------------------------------------------------------
@@ -201,7 +211,7 @@ class clsMovFrecuente {
   //     date as text ("dd/mm/aaaa", from the clock service) when FechaHoyCalculoFx is true,
   //     otherwise to "01/01/1958", the mark of a date not set.
   //  2. The company context is created and loaded on first need, and its accounting currency
-  //     copied into the process-wide setting the rate service reads.
+  //     copied into the façade's database settings, which the rate service reads.
   //  3. An evaluator is created with the connection and the company context, called with the
   //     calculation date FechaProxima (as a date) and released.
   // The date marker is never a calculation date: the evaluator then takes the movement's next
@@ -249,8 +259,9 @@ class clsMovFrecuente {
   Date PrepararCalculoFx();
   void AvisarSinResultado(int mensaje);
 
-  SuiteServices servicios_;
-  std::shared_ptr<Connection> cn_;
+  // The services as the host gave them (nulls kept), completed anew at every Connect.
+  SuiteServices dados_;
+  ContextoMF ctx_;
   std::shared_ptr<clsMFTipo> estructura_;
   bool fecha_hoy_calculo_fx_ = false;
   int32_t empresa_ = 0;

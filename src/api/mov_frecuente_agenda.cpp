@@ -118,17 +118,17 @@ bool PostaDocumento(int16_t tipo) {
 
 ResultadoEjecucion clsMovFrecuente::EjecutarVencidos(Date dHasta,
                                                      const AlTerminarOcurrencia& alTerminar) {
-  if (!cn_) return {};
-  return api::EjecutarVencidos(*this, *cn_, empresa_, dHasta, alTerminar);
+  if (!ctx_.cn) return {};
+  return api::EjecutarVencidos(*this, *ctx_.cn, empresa_, dHasta, alTerminar);
 }
 
 ResultadoAgenda clsMovFrecuente::Agenda(Date dDesde, Date dHasta, bool bImportes) {
   ResultadoAgenda r;
-  if (!cn_) return r;
+  if (!ctx_.cn) return r;
   const Date desde = vb::DateOnly(dDesde);
   const Date hasta = vb::DateOnly(dHasta);
   IDateCalculator& cal = Calendario();
-  for (const Agendado& a : LeerAgendados(*cn_, empresa_)) Ocurrencias(a, desde, hasta, cal, r);
+  for (const Agendado& a : LeerAgendados(*ctx_.cn, empresa_)) Ocurrencias(a, desde, hasta, cal, r);
   std::stable_sort(r.ocurrencias.begin(), r.ocurrencias.end(),
                    [](const OcurrenciaAgenda& x, const OcurrenciaAgenda& y) {
                      return std::tuple(x.fecha, x.movimiento, !x.aviso) <
@@ -138,8 +138,8 @@ ResultadoAgenda clsMovFrecuente::Agenda(Date dDesde, Date dHasta, bool bImportes
 
   // A façade of its own, so the current movement and its trace stay as they were.
   clsMovFrecuente calculo;
-  calculo.Servicios(servicios_);
-  calculo.Connect(cn_);
+  calculo.Servicios(dados_);
+  calculo.Connect(ctx_.cn);
   calculo.Empresa(empresa_);
   calculo.FechaHoyCalculoFx(fecha_hoy_calculo_fx_);
   for (OcurrenciaAgenda& o : r.ocurrencias) {
@@ -154,8 +154,8 @@ ResultadoAgenda clsMovFrecuente::Agenda(Date dDesde, Date dHasta, bool bImportes
 }
 
 GrupoVinculado clsMovFrecuente::GrupoEnOrden(int32_t lIDMF) {
-  if (!cn_) return {};
-  return api::GrupoEnOrden(*cn_, lIDMF);
+  if (!ctx_.cn) return {};
+  return api::GrupoEnOrden(*ctx_.cn, lIDMF);
 }
 
 }  // namespace kivmovfrec

@@ -11,7 +11,9 @@
 namespace kivmovfrec {
 
 struct clsPresentacionMF::Impl {
-  formula::clsMonedas monedas;
+  // Only the currencies' formats and symbols are read; no rate is looked up, so neither the
+  // clock nor the database's date settings play a part and the standard settings do.
+  formula::clsMonedas monedas{nullptr, ParametrosBD{}};
   std::unique_ptr<formula::clsFormulaMF> formulas;
 };
 
