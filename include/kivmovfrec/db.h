@@ -47,6 +47,11 @@ class DbError : public std::runtime_error {
   DbErrorKind kind_;
 };
 
+// A database failure as people are told it, in the component's one wording: what its kind
+// means in plain Spanish, then the engine's text in parentheses ("la base de datos está
+// bloqueada por otro proceso (...)"); the engine's text alone for DbErrorKind::Other.
+std::string DescribirErrorDb(const DbError& e);
+
 // Rows produced by one SELECT. A result set starts on its first row (Eof() when there is none).
 // Its rows are read when it is opened: what other statements change afterwards is not seen,
 // and deleting rows while walking the set is safe.
