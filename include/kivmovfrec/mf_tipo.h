@@ -15,13 +15,14 @@
 #include <memory>
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/records.h"
 #include "kivmovfrec/renglones_mf.h"
 #include "kivmovfrec/services.h"
 
 namespace kivmovfrec {
 
-class clsMFTipo {
+class KMF_API clsMFTipo {
  public:
   // Empty header (ID 0), empty schedule, no lines.
   clsMFTipo();

@@ -38,6 +38,7 @@
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/enums.h"
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/mf_tipo.h"
 #include "kivmovfrec/renglones_mf.h"
 #include "kivmovfrec/services.h"
@@ -45,7 +46,7 @@
 
 namespace kivmovfrec {
 
-class clsMovFrecuente {
+class KMF_API clsMovFrecuente {
  public:
   clsMovFrecuente();
   ~clsMovFrecuente();

@@ -10,11 +10,12 @@
 #include <string>
 
 #include "kivmovfrec/enums.h"
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/variant.h"
 
 namespace kivmovfrec {
 
-class clsRegMovimientoFrecuente {
+class KMF_API clsRegMovimientoFrecuente {
  public:
   // Runs Class_Initialize: state EnProceso, FechaEstado = now, Vista 0; everything else 0 / "".
   clsRegMovimientoFrecuente() { Class_Initialize(); }

@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Checks what the shared library offers its hosts:
+#   check_exports.sh LIBRARY.so INCLUDE_DIR
+# - every dynamic symbol it defines belongs to the public namespace kivmovfrec itself, none to
+#   an internal one (kivmovfrec::storage, ::formula, ::sql, ...; any lower-case namespace) and
+#   none to the standard library's template code;
+# - the public entry points and the vtables and typeinfo hosts derive from and catch are there;
+# - no public header includes the database engines' headers.
+# Prints what is wrong and exits 1.
+set -euo pipefail
+lib=$1
+include=$2
+symbols=$(nm -D --defined-only -C "$lib" | sed -E 's/^[0-9a-f]* +[A-Za-z] //')
+status=0
+
+internal=$(grep -E 'kivmovfrec::(\(anonymous namespace\)|[a-z_][a-z0-9_]*::)' <<<"$symbols" || true)
+if [ -n "$internal" ]; then
+  echo "$lib exports internal names:" >&2
+  echo "$internal" >&2
+  status=1
+fi
+foreign=$(grep -vE '^((typeinfo( name)?|vtable) for |(non-)?virtual thunk to )?kivmovfrec::' \
+  <<<"$symbols" || true)
+if [ -n "$foreign" ]; then
+  echo "$lib exports names outside kivmovfrec::" >&2
+  echo "$foreign" >&2
+  status=1
+fi
+
+required=(
+  "kivmovfrec::OpenConnection("
+  "kivmovfrec::InstallSchema("
+  "kivmovfrec::SuiteServices::Defaults("
+  "kivmovfrec::clsMovFrecuente::LoadMF("
+  "kivmovfrec::Variant::type() const"
+  "typeinfo for kivmovfrec::DbError"
+  "typeinfo for kivmovfrec::ComponentError"
+  "typeinfo for kivmovfrec::VbError"
+  "vtable for kivmovfrec::Connection"
+  "typeinfo for kivmovfrec::Connection"
+  "typeinfo for kivmovfrec::IMessages"
+)
+for name in "${required[@]}"; do
+  if ! grep -qF "$name" <<<"$symbols"; then
+    echo "$lib does not export $name" >&2
+    status=1
+  fi
+done
+
+engines=$(grep -rnE '#\s*include\s*[<"](sqlite3|libpq-fe|postgres[a-z_]*)\.h[>"]' "$include" || true)
+if [ -n "$engines" ]; then
+  echo "public headers include a database engine's header:" >&2
+  echo "$engines" >&2
+  status=1
+fi
+exit $status
