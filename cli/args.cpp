@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/vb/text.h"
+#include "kivmovfrec/vb.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -124,6 +124,11 @@ CLI::Validator SiNo() {
         return fmt::format("se esperaba «si» o «no», no «{}»", value);
       },
       "");
+}
+
+CLI::Option* OpcionFecha(CLI::App& app, const std::string& nombre, std::string& destino,
+                         const std::string& descripcion) {
+  return app.add_option(nombre, destino, descripcion)->type_name("FECHA")->check(FechaValida());
 }
 
 }  // namespace kivmovfrec::cli

@@ -33,4 +33,9 @@ CLI::Validator FechaValida();
 CLI::Validator SiNo();
 CLI::Validator SegundosValidos();
 
+// A date option: shown as FECHA in the help, checked by FechaValida. Every date option of the
+// program is declared through it, so they all read and show alike.
+CLI::Option* OpcionFecha(CLI::App& app, const std::string& nombre, std::string& destino,
+                         const std::string& descripcion);
+
 }  // namespace kivmovfrec::cli

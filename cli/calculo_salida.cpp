@@ -2,59 +2,20 @@
 
 #include <cmath>
 #include <exception>
-#include <memory>
 #include <ostream>
 #include <sstream>
 #include <string>
 
-#include "formula/formula_mf.h"
-#include "formula/monedas.h"
+#include "command.h"
+#include "kivmovfrec/presentacion.h"
+#include "kivmovfrec/vb.h"
 #include "output.h"
-#include "platform/vb/convert.h"
-#include "platform/vb/format.h"
 
 namespace kivmovfrec::cli {
 namespace {
 
-// Currency formats and the formulas' display form over the connection. Failures to read them
-// never hide a result: the stored form and "#,##0.00" are used instead.
-class Presentacion {
- public:
-  explicit Presentacion(const ResultadoCalculo& r) {
-    try {
-      monedas_.Connect(r.cn);
-      monedas_.Load();
-      clsEmpresa empresa;
-      if (r.cn && empresa.Load(r.mf.MovFrecuente()->Empresa(), *r.cn)) {
-        monedas_.Empresa(empresa);
-        formulas_ = std::make_unique<formula::clsFormulaMF>(
-            r.cn, formula::ContextoFormula::De(empresa, r.mf.MovFrecuente()->ID()));
-      }
-    } catch (const std::exception&) {
-    }
-  }
-
-  std::string Importe(double v, int16_t moneda) {
-    const formula::MonedaFx* m = monedas_.Moneda(moneda);
-    return vb::Format(Variant(v), m != nullptr ? m->formato_importe : "#,##0.00");
-  }
-  std::string Simbolo(int16_t moneda) {
-    const formula::MonedaFx* m = monedas_.Moneda(moneda);
-    return m != nullptr ? m->simbolo : std::to_string(moneda);
-  }
-  std::string Visible(const std::string& guardada) {
-    if (guardada.empty() || !formulas_) return guardada;
-    try {
-      return formulas_->AVisible(guardada);
-    } catch (const std::exception&) {
-      return guardada;
-    }
-  }
-
- private:
-  formula::clsMonedas monedas_;
-  std::unique_ptr<formula::clsFormulaMF> formulas_;
-};
+// Where a calculation's errors come from, in the JSON error object.
+const std::string kOrigen = "movfrec calcular";
 
 std::string Numero(double v) {
   return vb::NumberToText(v, vb::Locale::Spanish());
@@ -108,13 +69,13 @@ std::string OrigenTexto(enuOrigenFx o) {
 }
 
 void ImprimirCalculo(std::ostream& out, const ResultadoCalculo& r, bool traza) {
-  Presentacion p(r);
+  const clsPresentacionMF p(r.cn, r.mf);
   const TrazaCalculoFx& t = r.traza;
   const clsRegMovimientoFrecuente& mov = *r.mf.MovFrecuente();
   const int16_t moneda = mov.Moneda();
   out << "Movimiento " << mov.ID() << ": " << mov.Nombre() << '\n';
   out << "Fecha del cálculo: " << FechaTexto(t.fecha) << " (" << t.origen_fecha << ")\n";
-  out << "Moneda: " << p.Simbolo(moneda) << '\n';
+  out << "Moneda: " << p.SimboloMoneda(moneda) << '\n';
   if (!t.origen_total.empty()) {
     out << "Importe total: " << p.Importe(t.importe_total, moneda) << " (" << t.origen_total
         << ")\n";
@@ -159,7 +120,7 @@ void ImprimirCalculo(std::ostream& out, const ResultadoCalculo& r, bool traza) {
       out << "  Sin fórmula: importe guardado " << p.Importe(l.importe_mf, moneda) << '\n';
       continue;
     }
-    out << "  Fórmula: " << p.Visible(l.formula) << '\n';
+    out << "  Fórmula: " << p.FormulaVisible(l.formula) << '\n';
     out << "  Guardada: " << l.formula << '\n';
     for (const TrazaElementoFx& e : l.elementos) {
       out << "  " << e.elemento << " = " << (e.valor ? Numero(*e.valor) : "sin valor") << "  ["
@@ -177,7 +138,7 @@ void ImprimirCalculo(std::ostream& out, const ResultadoCalculo& r, bool traza) {
 }
 
 nlohmann::ordered_json CalculoJson(const ResultadoCalculo& r, bool traza) {
-  Presentacion p(r);
+  const clsPresentacionMF p(r.cn, r.mf);
   const TrazaCalculoFx& t = r.traza;
   const clsRegMovimientoFrecuente& mov = *r.mf.MovFrecuente();
   nlohmann::ordered_json j;
@@ -197,11 +158,11 @@ nlohmann::ordered_json CalculoJson(const ResultadoCalculo& r, bool traza) {
     x["CuentaNombre"] = l.cuenta_nombre;
     x["AlDebe"] = l.al_debe;
     x["Formula"] = l.formula;
-    x["FormulaVisible"] = p.Visible(l.formula);
+    x["FormulaVisible"] = p.FormulaVisible(l.formula);
     x["ImporteMF"] = l.importe_mf;
     x["ImporteCta"] = l.importe_cta;
     x["Ok"] = l.ok;
-    x["Error"] = l.error;
+    x["Error"] = l.ok ? nlohmann::ordered_json(nullptr) : ErrorJson(std::nullopt, kOrigen, l.error);
     x["ReintentoTrasError"] = l.reintento_tras_error;
     if (traza) {
       x["Expresion"] = l.expresion;
@@ -226,7 +187,7 @@ nlohmann::ordered_json CalculoJson(const ResultadoCalculo& r, bool traza) {
   j["TotalHaber"] = t.total_haber;
   j["Balanceado"] = Balanceado(t);
   j["Ok"] = t.ok;
-  j["Error"] = t.error;
+  j["Error"] = t.ok ? nlohmann::ordered_json(nullptr) : ErrorJson(std::nullopt, kOrigen, t.error);
   return j;
 }
 

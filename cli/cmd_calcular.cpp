@@ -19,8 +19,8 @@
 #include "calculo_salida.h"
 #include "command.h"
 #include "fachada.h"
+#include "kivmovfrec/vb.h"
 #include "output.h"
-#include "platform/vb/convert.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -37,8 +37,7 @@ Action Setup(CLI::App& app) {
   app.add_option("ID", o->id, "Número del movimiento")
       ->required()
       ->check(EnteroEntre(1, INT32_MAX));
-  app.add_option("--fecha", o->fecha, "Fecha del cálculo (dd/mm/aaaa o aaaa-mm-dd)")
-      ->check(FechaValida());
+  OpcionFecha(app, "--fecha", o->fecha, "Fecha del cálculo (dd/mm/aaaa o aaaa-mm-dd)");
   app.add_flag("--sin-pedir", o->sin_pedir,
                "No pide datos: el importe total vale 0 y los datos a pedir no se piden");
   app.add_flag("--traza", o->traza, "Muestra de dónde sale cada valor de cada fórmula");

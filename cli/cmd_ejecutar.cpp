@@ -1,6 +1,6 @@
 // movfrec ejecutar [--hasta F]: the main job. Every scheduled entry and voucher of the company
 // due on or before F (default today), missed occurrences included, becomes a posted document and
-// its schedule advances; see api/ejecucion.h for the rules.
+// its schedule advances; see kivmovfrec/ejecucion.h for what succeeds and what fails.
 //
 // Each occurrence's line is written and flushed as soon as it finishes, so a run that is killed
 // leaves the log of what it did (with --json the array is written element by element). On a
@@ -19,18 +19,16 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
-#include "api/ejecucion.h"
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
+#include "kivmovfrec/vb.h"
 #include "output.h"
-#include "platform/vb/format.h"
 
 namespace kivmovfrec::cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
-using api::EstadoOcurrencia;
 
 std::string Importe(double v) {
   return vb::Format(Variant(v), "#,##0.00");
@@ -40,9 +38,9 @@ std::string Clase(int16_t tipo) {
   return tipo == 2 ? "comprobante" : "asiento";
 }
 
-std::string Documentos(const api::OcurrenciaEjecutada& o) {
+std::string Documentos(const OcurrenciaEjecutada& o) {
   std::string out;
-  for (const api::DocumentoGenerado& d : o.documentos) {
+  for (const DocumentoGenerado& d : o.documentos) {
     if (!out.empty()) out += "; ";
     const std::string origen =
         d.movimiento == o.movimiento ? "" : fmt::format(" del movimiento {}", d.movimiento);
@@ -57,7 +55,7 @@ std::string Documentos(const api::OcurrenciaEjecutada& o) {
   return out;
 }
 
-std::string Resultado(const api::OcurrenciaEjecutada& o) {
+std::string Resultado(const OcurrenciaEjecutada& o) {
   switch (o.estado) {
     case EstadoOcurrencia::Ejecutada:
       return Documentos(o) + (o.terminada ? " (última ocurrencia)" : "");
@@ -86,10 +84,10 @@ const char* EstadoTexto(EstadoOcurrencia e) {
   return "fallida";
 }
 
-Json ComoJson(const api::OcurrenciaEjecutada& o) {
+Json ComoJson(const OcurrenciaEjecutada& o) {
   Json docs = Json::array();
   const bool hallados = o.estado == EstadoOcurrencia::YaGenerada;
-  for (const api::DocumentoGenerado& d : o.documentos) {
+  for (const DocumentoGenerado& d : o.documentos) {
     docs.push_back({{"Movimiento", d.movimiento},
                     {"Tipo", d.tipo},
                     {"Documento", d.id == 0 ? Json(nullptr) : Json(d.id)},
@@ -99,11 +97,11 @@ Json ComoJson(const api::OcurrenciaEjecutada& o) {
           {"Nombre", o.nombre},
           {"Fecha", FechaTexto(o.fecha)},
           {"Estado", EstadoTexto(o.estado)},
-          {"Ejecutada", o.ok()},
+          {"Ok", o.ok()},
           {"UltimaOcurrencia", o.terminada},
           {"Documentos", std::move(docs)},
           {"Detalle", o.detalle.empty() ? Json(nullptr) : Json(o.detalle)},
-          {"Error", o.ok() ? Json(nullptr) : Json(o.error)}};
+          {"Error", o.ok() ? Json(nullptr) : ErrorJson(std::nullopt, "movfrec ejecutar", o.error)}};
 }
 
 // The progress line, on a terminal only: rewritten in place, cleared at the end.
@@ -112,7 +110,7 @@ class Progreso {
   explicit Progreso(Context& ctx) : err_(ctx.err()) {
     activo_ = &ctx.err() == &std::cerr && ::isatty(STDERR_FILENO) == 1;
   }
-  void Mostrar(const api::ProgresoEjecucion& p) {
+  void Mostrar(const ProgresoEjecucion& p) {
     if (!activo_) return;
     err_ << "\r" << p.terminadas << "/" << p.conocidas << std::flush;
     mostrado_ = true;
@@ -130,19 +128,20 @@ class Progreso {
 
 Action Setup(CLI::App& app) {
   auto hasta = std::make_shared<std::string>();
-  app.add_option("--hasta", *hasta,
-                 "Ejecuta lo vencido hasta esta fecha inclusive (dd/mm/aaaa o aaaa-mm-dd; por "
-                 "omisión, hoy)")
-      ->check(FechaValida());
+  OpcionFecha(app, "--hasta", *hasta,
+              "Ejecuta lo vencido hasta esta fecha inclusive (dd/mm/aaaa o aaaa-mm-dd; por "
+              "omisión, hoy)");
   return [hasta](Context& ctx) {
     const Date limite = hasta->empty() ? ctx.services().clock->Today() : ParseFecha(*hasta).value();
     auto fachada = AbrirFachada(ctx);
     Progreso progreso(ctx);
     std::map<EstadoOcurrencia, size_t> por_estado;
     int documentos = 0;
-    if (ctx.json()) ctx.out() << "[" << std::flush;
-    const auto al_terminar = [&](const api::OcurrenciaEjecutada& o,
-                                 const api::ProgresoEjecucion& p) {
+    if (ctx.json()) {
+      ctx.SalidaJsonIniciada();
+      ctx.out() << "[" << std::flush;
+    }
+    const auto al_terminar = [&](const OcurrenciaEjecutada& o, const ProgresoEjecucion& p) {
       ++por_estado[o.estado];
       if (o.estado == EstadoOcurrencia::Ejecutada) {
         for (const auto& d : o.documentos) documentos += d.id != 0;
@@ -158,8 +157,7 @@ Action Setup(CLI::App& app) {
       ctx.out().flush();
       progreso.Mostrar(p);
     };
-    const api::ResultadoEjecucion r = api::EjecutarVencidos(
-        *fachada, *ctx.connection(), ctx.options().empresa, limite, al_terminar);
+    const ResultadoEjecucion r = fachada->EjecutarVencidos(limite, al_terminar);
     progreso.Borrar();
     if (ctx.json()) {
       ctx.out() << (r.ocurrencias.empty() ? "]\n" : "\n]\n");

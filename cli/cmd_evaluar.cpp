@@ -12,8 +12,8 @@
 #include <CLI/CLI.hpp>
 
 #include "command.h"
-#include "platform/script/script_host.h"
-#include "platform/vb/text.h"
+#include "kivmovfrec/evaluar.h"
+#include "kivmovfrec/vb.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -38,38 +38,34 @@ Action Setup(CLI::App& app) {
   app.add_option("EXPR", *expression, "Expresión a evaluar (sintaxis VBScript)")->required();
   return [expression](Context& ctx) {
     std::shared_ptr<IClock> clock = ctx.services().clock;
-    script::HostOptions options;
-    options.clock = [clock] { return clock->Now(); };
-    const script::HostResult r =
-        script::EvaluateScript(ctx.connection().get(), *expression, true, options);
+    const ResultadoExpresion r =
+        EvaluarExpresion(ctx.connection().get(), *expression, [clock] { return clock->Now(); });
     if (ctx.json()) {
+      // Script errors in the one error shape, with the column where evaluation stopped.
+      const auto error = [](const ErrorExpresion& e) {
+        nlohmann::ordered_json j = ErrorJson(e.numero, "VBScript", e.descripcion);
+        j["Columna"] = e.columna;
+        return j;
+      };
       nlohmann::ordered_json out;
-      if (r.ok) {
-        out["Resultado"] = r.text;
-        if (r.first_error) {
-          out["ReintentoTrasError"] = {{"Numero", r.first_error->number},
-                                       {"Descripcion", r.first_error->description},
-                                       {"Columna", r.first_error->column}};
-        }
-      } else {
-        out["Error"] = {{"Numero", r.error.number},
-                        {"Descripcion", r.error.description},
-                        {"Columna", r.error.column}};
-      }
+      out["Ok"] = r.ok;
+      out["Resultado"] = r.ok ? nlohmann::ordered_json(r.texto) : nlohmann::ordered_json(nullptr);
+      if (r.primer_error) out["ReintentoTrasError"] = error(*r.primer_error);
+      out["Error"] = r.ok ? nlohmann::ordered_json(nullptr) : error(r.error);
       ctx.PrintJson(out);
     } else if (r.ok) {
-      ctx.out() << r.text << "\n";
-      if (r.first_error) {
+      ctx.out() << r.texto << "\n";
+      if (r.primer_error) {
         ctx.err() << "Aviso: el resultado sale de evaluar de nuevo leyendo cada \",\" como \".\"; "
                      "la expresión tal como está escrita da el error "
-                  << r.first_error->number << ": " << r.first_error->description << " (columna "
-                  << r.first_error->column << ")\n";
-        PrintCaret(ctx.err(), *expression, r.first_error->column);
+                  << r.primer_error->numero << ": " << r.primer_error->descripcion << " (columna "
+                  << r.primer_error->columna << ")\n";
+        PrintCaret(ctx.err(), *expression, r.primer_error->columna);
       }
     } else {
-      ctx.err() << "Error " << r.error.number << ": " << r.error.description << " (columna "
-                << r.error.column << ")\n";
-      PrintCaret(ctx.err(), *expression, r.error.column);
+      ctx.err() << "Error " << r.error.numero << ": " << r.error.descripcion << " (columna "
+                << r.error.columna << ")\n";
+      PrintCaret(ctx.err(), *expression, r.error.columna);
     }
     return r.ok ? kExitOk : kExitFailed;
   };

@@ -10,18 +10,14 @@
 #include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
-#include "formula/formula_mf.h"
-#include "formula/reglas_fx.h"
-#include "platform/vb/excerpt.h"
-#include "platform/vb/text.h"
-#include "storage/parametros.h"
+#include "kivmovfrec/presentacion.h"
+#include "kivmovfrec/vb.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -46,26 +42,6 @@ std::string SinRenglon(int32_t id, int orden) {
          std::to_string(orden);
 }
 
-// The formula object of movement `mf`, with its lines as the lines being edited.
-formula::clsFormulaMF Formulas(Context& ctx, const clsMFTipo& mf) {
-  clsEmpresa empresa;
-  empresa.Load(mf.MovFrecuente()->Empresa(), *ctx.connection());
-  formula::clsFormulaMF fm(ctx.connection(),
-                           formula::ContextoFormula::De(empresa, mf.MovFrecuente()->ID()));
-  std::vector<formula::LineaVisible> lineas;
-  const clsRenglonesMF& r = *mf.Renglones();
-  for (int16_t i = 1; i <= r.QRenglones(); ++i) {
-    const clsRegRenglonMF& l = *r.Renglon(i);
-    lineas.push_back({{l.Cuenta(), l.Proyecto(), l.Departamento()},
-                      l.CuentaCodigo(),
-                      l.CuentaNombre(),
-                      l.ProyectoAbreviacion(),
-                      l.DepartamentoAbreviacion()});
-  }
-  fm.LineasEnMemoria(std::move(lineas));
-  return fm;
-}
-
 void Imprimir(Context& ctx, int32_t id, int orden, const std::string& guardada,
               const std::string& visible) {
   if (ctx.json()) {
@@ -81,8 +57,8 @@ int Ver(Context& ctx, const Opciones& o) {
   if (!mf) return Rechazo(ctx, "formula ver", NoExiste(o.id));
   const auto linea = Renglon(*mf, o.orden);
   if (!linea) return Rechazo(ctx, "formula ver", SinRenglon(o.id, o.orden));
-  const formula::clsFormulaMF fm = Formulas(ctx, *mf);
-  Imprimir(ctx, o.id, o.orden, linea->Formula(), fm.AVisible(linea->Formula()));
+  const clsPresentacionMF presentacion(ctx.connection(), *mf);
+  Imprimir(ctx, o.id, o.orden, linea->Formula(), presentacion.FormulaVisible(linea->Formula()));
   return kExitOk;
 }
 
@@ -92,8 +68,8 @@ int Guardar(Context& ctx, const Opciones& o) {
   clsMFTipo& mf = *fachada->EstructuraMovFrec();
   const auto linea = Renglon(mf, o.orden);
   if (!linea) return Rechazo(ctx, "formula guardar", SinRenglon(o.id, o.orden));
-  const formula::clsFormulaMF fm = Formulas(ctx, mf);
-  const formula::LecturaFormula lectura = fm.LeerVisible(o.texto);
+  const clsPresentacionMF presentacion(ctx.connection(), mf);
+  const LecturaFormulaVisible lectura = presentacion.LeerFormulaVisible(o.texto);
   if (!lectura.ok) {
     ctx.out() << lectura.Resultado() << '\n';
     // The text with a caret under the position; a long one only from a little before it.
@@ -107,24 +83,15 @@ int Guardar(Context& ctx, const Opciones& o) {
     return kExitFailed;
   }
   linea->Formula(lectura.formula);
-  std::vector<formula::LineaRegla> reglas;
-  const clsRenglonesMF& lineas = *mf.Renglones();
-  for (int16_t i = 1; i <= lineas.QRenglones(); ++i) {
-    const clsRegRenglonMF& l = *lineas.Renglon(i);
-    reglas.push_back(
-        {{l.Cuenta(), l.Proyecto(), l.Departamento()}, l.AlDebe(), l.Formula(), l.ImporteMF()});
-  }
-  if (const auto fallo = formula::ValidarFormulas(reglas, &fm)) {
-    std::string texto = fallo->Texto(storage::Parametros().idioma);
-    if (fallo->linea >= 0) texto += " (renglón " + std::to_string(fallo->linea + 1) + ")";
-    return Rechazo(ctx, "formula guardar", texto);
+  if (const auto regla = presentacion.ReglaIncumplida(mf, fachada->Idioma())) {
+    return Rechazo(ctx, "formula guardar", *regla);
   }
   if (fachada->SaveMovimientoFrecuenteConBloqueo() == 0) {
     return Rechazo(
         ctx, "formula guardar",
         "no se pudo grabar el movimiento " + std::to_string(o.id) + ": " + fachada->UltimoError());
   }
-  Imprimir(ctx, o.id, o.orden, lectura.formula, fm.AVisible(lectura.formula));
+  Imprimir(ctx, o.id, o.orden, lectura.formula, presentacion.FormulaVisible(lectura.formula));
   return kExitOk;
 }
 

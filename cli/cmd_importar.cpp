@@ -26,10 +26,10 @@
 
 #include "command.h"
 #include "fachada.h"
+#include "kivmovfrec/cuentas.h"
+#include "kivmovfrec/frecuencia.h"
+#include "kivmovfrec/vb.h"
 #include "movement_json.h"
-#include "platform/vb/excerpt.h"
-#include "schedule/date_calculator.h"
-#include "storage/tabla_cuentas.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -94,8 +94,8 @@ void ComprobarCuentas(Context& ctx, const std::vector<Entrada>& entradas,
       auto it = problemas.find(cuenta);
       if (it == problemas.end()) {
         it = problemas
-                 .emplace(cuenta, storage::ProblemaCuentaRenglon(*ctx.connection(),
-                                                                 ctx.options().empresa, cuenta))
+                 .emplace(cuenta,
+                          ProblemaCuentaRenglon(*ctx.connection(), ctx.options().empresa, cuenta))
                  .first;
       }
       if (it->second) {
@@ -216,17 +216,18 @@ Action Setup(CLI::App& app) {
                      fmt::format("{} no es JSON válido (byte {}): {}", *archivo, e.byte, e.what()));
     }
 
-    schedule::DateCalculator propio;
-    IDateCalculator& calendario =
-        ctx.services().calendar ? *ctx.services().calendar : static_cast<IDateCalculator&>(propio);
+    const std::unique_ptr<IDateCalculator> propio = CalculadoraFechasSuite();
+    IDateCalculator& calendario = ctx.services().calendar ? *ctx.services().calendar : *propio;
     std::vector<Entrada> entradas;
     if (j.is_array()) {
       for (size_t i = 0; i < j.size(); ++i) {
         const std::string ruta = fmt::format("$[{}]", i);
-        entradas.push_back({LeerMovimiento(j[i], ruta, calendario, errores), ruta, 0});
+        entradas.push_back(
+            {LeerMovimiento(j[i], ruta, calendario, ctx.services().clock, errores), ruta, 0});
       }
     } else {
-      entradas.push_back({LeerMovimiento(j, "$", calendario, errores), "$", 0});
+      entradas.push_back(
+          {LeerMovimiento(j, "$", calendario, ctx.services().clock, errores), "$", 0});
     }
     if (errores.empty()) Comprobar(ctx, entradas, errores);
     if (!errores.empty()) {

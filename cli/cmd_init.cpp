@@ -6,7 +6,7 @@
 
 #include "command.h"
 #include "kivmovfrec/install.h"
-#include "platform/vb/convert.h"
+#include "kivmovfrec/vb.h"
 
 namespace kivmovfrec::cli {
 namespace {

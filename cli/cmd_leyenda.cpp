@@ -17,8 +17,8 @@ Action Setup(CLI::App& app) {
   auto texto = std::make_shared<std::string>();
   auto fecha = std::make_shared<std::string>();
   app.add_option("TEXTO", *texto, "Leyenda con macros (&[FechaC], &[FFAñoMes], ...)")->required();
-  app.add_option("--fecha", *fecha, "Fecha del movimiento (dd/mm/aaaa o aaaa-mm-dd); hoy si falta")
-      ->check(FechaValida());
+  OpcionFecha(app, "--fecha", *fecha,
+              "Fecha del movimiento (dd/mm/aaaa o aaaa-mm-dd); hoy si falta");
   return [texto, fecha](Context& ctx) {
     const Date d = fecha->empty() ? ctx.services().clock->Today() : *ParseFecha(*fecha);
     auto mf = AbrirFachada(ctx);

@@ -7,10 +7,9 @@
 
 #include "args.h"
 #include "command.h"
+#include "kivmovfrec/vb.h"
 #include "movement_json.h"
 #include "output.h"
-#include "platform/vb/convert.h"
-#include "platform/vb/text.h"
 
 namespace kivmovfrec::cli {
 namespace {

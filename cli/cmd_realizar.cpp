@@ -9,7 +9,6 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
-#include "api/grupo_vinculado.h"
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
@@ -74,8 +73,8 @@ Action Setup(CLI::App& app) {
     const auto despues = MovimientoGuardado(ctx, *id);
     if (!despues) return Rechazo(ctx, "realizar", NoExiste(*id));
     std::vector<clsMFTipo> grupo;
-    const api::GrupoVinculado vinculados = api::GrupoEnOrden(*ctx.connection(), *id);
-    for (const api::MiembroGrupo& v : vinculados.miembros) {
+    const GrupoVinculado vinculados = fachada->GrupoEnOrden(*id);
+    for (const MiembroGrupo& v : vinculados.miembros) {
       if (vinculados.id != *id || v.id == *id) continue;
       if (auto mf = MovimientoGuardado(ctx, v.id)) grupo.push_back(std::move(*mf));
     }

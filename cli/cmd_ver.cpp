@@ -15,11 +15,10 @@
 #include "command.h"
 #include "fachada.h"
 #include "formula_visible.h"
+#include "kivmovfrec/frecuencia.h"
+#include "kivmovfrec/vb.h"
 #include "movement_json.h"
 #include "output.h"
-#include "platform/vb/convert.h"
-#include "platform/vb/text.h"
-#include "schedule/date_calculator.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -67,7 +66,7 @@ void Mostrar(std::ostream& out, const clsMFTipo& mf) {
 
   const clsRegRecurrencia& r = *mf.Recurrencia();
   if (r.ID() > 0 || !r.FechaProxima().empty()) {
-    schedule::DateCalculator calculadora;
+    const std::unique_ptr<IDateCalculator> calculadora = CalculadoraFechasSuite();
     std::string fin = r.SinVencimiento() != 0 ? "sin vencimiento" : "";
     if (r.SinVencimiento() == 0) {
       fin = r.FechaFinal().empty() ? "sin fecha final" : "hasta el " + Fecha(r.FechaFinal());
@@ -83,7 +82,7 @@ void Mostrar(std::ostream& out, const clsMFTipo& mf) {
     out << "Agenda " << r.ID() << '\n';
     Campos(out, {
                     {"Frecuencia",
-                     r.Frecuencia() + " " + calculadora.DescribirFrecuencia(r.Frecuencia())},
+                     r.Frecuencia() + " " + calculadora->DescribirFrecuencia(r.Frecuencia())},
                     {"FechaProxima", Fecha(r.FechaProxima())},
                     {"NumOcurrencia", std::to_string(r.NumOcurrencia())},
                     {"FechaInicio", Fecha(r.FechaInicio())},

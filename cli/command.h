@@ -90,6 +90,11 @@ class Context {
   // Writes `value` as indented JSON and a newline on the output (invalid UTF-8 replaced). Keys
   // keep the order in which they were added (the order of the record's properties).
   void PrintJson(const nlohmann::ordered_json& value);
+  // A command that writes its JSON result piece by piece says so before the first piece.
+  void SalidaJsonIniciada() { salida_json_ = true; }
+  // With --json, a failure is also written on the output, unless the command's result was
+  // (partly) written already: {"Ok": false, "Error": ErrorJson(...)}. Without --json, nothing.
+  void FalloJson(std::optional<int> numero, const std::string& origen, const std::string& texto);
 
  private:
   GlobalOptions options_;
@@ -98,7 +103,14 @@ class Context {
   std::shared_ptr<Connection> cn_;
   std::unique_ptr<SuiteServices> services_;
   bool require_company_ = false;
+  bool salida_json_ = false;
 };
+
+// The one shape of an error in JSON results: {"Numero": n or null, "Origen": "...", "Texto":
+// "..."}. Numero is the component's or VB's error number when there is one; Origen the
+// component's error source, "VB", "VBScript", "base de datos" or "movfrec COMANDO".
+nlohmann::ordered_json ErrorJson(std::optional<int> numero, const std::string& origen,
+                                 const std::string& texto);
 
 // Runs the chosen command; returns the exit status.
 using Action = std::function<int(Context&)>;

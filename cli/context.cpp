@@ -35,6 +35,7 @@ SuiteServices& Context::services() {
 }
 
 void Context::PrintJson(const nlohmann::ordered_json& value) {
+  salida_json_ = true;
   out_ << value.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
 }
 

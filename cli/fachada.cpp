@@ -14,7 +14,7 @@ std::unique_ptr<clsMovFrecuente> AbrirFachada(Context& ctx, std::shared_ptr<Conn
 }
 
 std::optional<clsMFTipo> MovimientoGuardado(Context& ctx, int32_t id) {
-  clsMFTipo mf;
+  clsMFTipo mf(ctx.services().clock);
   if (!mf.Load(*ctx.connection(), id)) return std::nullopt;
   return mf;
 }
@@ -25,6 +25,7 @@ std::string NoExiste(int32_t id) {
 
 int Rechazo(Context& ctx, const std::string& comando, const std::string& texto) {
   ctx.err() << "movfrec " << comando << ": " << texto << '\n';
+  ctx.FalloJson(std::nullopt, "movfrec " + comando, texto);
   return kExitFailed;
 }
 

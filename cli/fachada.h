@@ -25,7 +25,8 @@ std::optional<clsMFTipo> MovimientoGuardado(Context& ctx, int32_t id);
 // "no existe el movimiento frecuente N" (for refusals).
 std::string NoExiste(int32_t id);
 
-// Writes "movfrec COMANDO: texto" on the error stream and returns kExitFailed.
+// Writes "movfrec COMANDO: texto" on the error stream (and with --json the error object on the
+// output, when the command wrote no result) and returns kExitFailed.
 int Rechazo(Context& ctx, const std::string& comando, const std::string& texto);
 
 }  // namespace kivmovfrec::cli

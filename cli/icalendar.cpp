@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/vb/dates.h"
+#include "kivmovfrec/vb.h"
 
 namespace kivmovfrec::cli {
 namespace {

@@ -3,11 +3,14 @@
 // Parses the global options, hands the rest of the command line to the registered commands
 // (command.h) and runs the one chosen. Every failure ends here with a Spanish message on stderr
 // and exit status 1 (refused or failed) or 2 (wrong command line); nothing escapes main.
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <map>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -23,6 +26,37 @@ bool MissingTable(const std::string& message) {
   return message.find("no such table") != std::string::npos ||
          (message.find("relation") != std::string::npos &&
           message.find("does not exist") != std::string::npos);
+}
+
+// Reports an error that ended the program on stderr and, with --json, as the error object on
+// stdout; returns the exit status (1).
+int ReportError(std::exception_ptr error, Context* ctx) {
+  auto json = [ctx](std::optional<int> numero, const std::string& origen,
+                    const std::string& texto) {
+    if (ctx != nullptr) ctx->FalloJson(numero, origen, texto);
+  };
+  try {
+    std::rethrow_exception(error);
+  } catch (const DbError& e) {
+    std::cerr << "movfrec: error de base de datos: " << e.what() << '\n';
+    if (MissingTable(e.what())) {
+      std::cerr << "Si la base de datos es nueva, cree las tablas con «movfrec init».\n";
+    }
+    json(std::nullopt, "base de datos", e.what());
+  } catch (const ComponentError& e) {
+    std::cerr << "movfrec: error " << e.number() << " (" << e.source() << "): " << e.what() << '\n';
+    json(e.number(), e.source(), e.what());
+  } catch (const VbError& e) {
+    std::cerr << "movfrec: error " << e.number() << ": " << e.what() << '\n';
+    json(e.number(), "VB", e.what());
+  } catch (const std::exception& e) {
+    std::cerr << "movfrec: error: " << e.what() << '\n';
+    json(std::nullopt, "movfrec", e.what());
+  } catch (...) {
+    std::cerr << "movfrec: error desconocido\n";
+    json(std::nullopt, "movfrec", "error desconocido");
+  }
+  return kExitFailed;
 }
 
 namespace {
@@ -96,9 +130,8 @@ int Run(int argc, char** argv) {
   app.add_option("--usuario", options.usuario, "Usuario (1 si falta)")
       ->type_name("N")
       ->check(EnteroEntre(0, INT32_MAX));
-  app.add_option("--hoy", hoy, "Fija la fecha de hoy para toda la ejecución")
-      ->type_name("AAAA-MM-DD")
-      ->check(FechaValida());
+  OpcionFecha(app, "--hoy", hoy,
+              "Fija la fecha de hoy para toda la ejecución (aaaa-mm-dd o dd/mm/aaaa)");
   app.add_option("--responder", responder,
                  "Responde si o no a toda pregunta (sin terminal se responde no)")
       ->type_name("si|no")
@@ -132,6 +165,13 @@ int Run(int argc, char** argv) {
       message = "comando desconocido: " + app.remaining().front();
     }
     std::cerr << "movfrec: " << message << '\n' << "Use «movfrec --help» para ver la ayuda.\n";
+    // The flag may stand anywhere before the error; look for it in the words typed.
+    if (std::find(argv + 1, argv + argc, std::string_view("--json")) != argv + argc) {
+      GlobalOptions con_json = options;
+      con_json.json = true;
+      Context salida(con_json, std::cout, std::cerr);
+      salida.FalloJson(std::nullopt, "movfrec", message);
+    }
     return kExitUsage;
   }
   if (!hoy.empty()) options.hoy = ParseFecha(hoy);
@@ -142,14 +182,19 @@ int Run(int argc, char** argv) {
   Context ctx(options, std::cout, std::cerr);
   const auto& [action, company] = actions.at(chosen);
   ctx.RequireCompany(company);
+  const std::string origen = "movfrec " + chosen->get_name();
   try {
     return action(ctx);
   } catch (const UsageError& e) {
-    std::cerr << "movfrec " << chosen->get_name() << ": " << e.what() << '\n';
+    std::cerr << origen << ": " << e.what() << '\n';
+    ctx.FalloJson(std::nullopt, origen, e.what());
     return kExitUsage;
   } catch (const Refused& e) {
-    std::cerr << "movfrec " << chosen->get_name() << ": " << e.what() << '\n';
+    std::cerr << origen << ": " << e.what() << '\n';
+    ctx.FalloJson(std::nullopt, origen, e.what());
     return kExitFailed;
+  } catch (...) {
+    return ReportError(std::current_exception(), &ctx);
   }
 }
 
@@ -157,22 +202,9 @@ int Run(int argc, char** argv) {
 }  // namespace kivmovfrec::cli
 
 int main(int argc, char** argv) {
-  using namespace kivmovfrec;
   try {
-    return cli::Run(argc, argv);
-  } catch (const DbError& e) {
-    std::cerr << "movfrec: error de base de datos: " << e.what() << '\n';
-    if (cli::MissingTable(e.what())) {
-      std::cerr << "Si la base de datos es nueva, cree las tablas con «movfrec init».\n";
-    }
-  } catch (const ComponentError& e) {
-    std::cerr << "movfrec: error " << e.number() << " (" << e.source() << "): " << e.what() << '\n';
-  } catch (const VbError& e) {
-    std::cerr << "movfrec: error " << e.number() << ": " << e.what() << '\n';
-  } catch (const std::exception& e) {
-    std::cerr << "movfrec: error: " << e.what() << '\n';
+    return kivmovfrec::cli::Run(argc, argv);
   } catch (...) {
-    std::cerr << "movfrec: error desconocido\n";
+    return kivmovfrec::cli::ReportError(std::current_exception(), nullptr);
   }
-  return cli::kExitFailed;
 }

@@ -11,12 +11,10 @@
 #include <fmt/format.h>
 
 #include "args.h"
+#include "kivmovfrec/frecuencia.h"
 #include "kivmovfrec/records.h"
+#include "kivmovfrec/vb.h"
 #include "output.h"
-#include "platform/vb/convert.h"
-#include "platform/vb/dates.h"
-#include "platform/vb/excerpt.h"
-#include "schedule/frequency.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -589,9 +587,10 @@ nlohmann::ordered_json MovimientoJson(const clsMFTipo& mf) {
 }
 
 MovimientoLeido LeerMovimiento(const nlohmann::ordered_json& j, const std::string& ruta,
-                               IDateCalculator& calendario, std::vector<std::string>& errores) {
+                               IDateCalculator& calendario, std::shared_ptr<IClock> reloj,
+                               std::vector<std::string>& errores) {
   MovimientoLeido leido;
-  leido.mf = std::make_shared<clsMFTipo>();
+  leido.mf = std::make_shared<clsMFTipo>(std::move(reloj));
   Lector raiz(j, ruta, errores, kClavesRaiz);
   if (!raiz.valido()) return leido;
 

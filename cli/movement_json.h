@@ -72,10 +72,12 @@ struct MovimientoLeido {
 };
 
 // Reads one movement object found at `ruta` ("$" or "$[2]"); `calendario` turns a CantidadVeces
-// into the last date. Problems are appended to `errores` as "ruta.Clave: what is wrong"
-// (Spanish); the result is meaningful only when none were added.
+// into the last date; `reloj` stamps the new header's FechaEstado. Problems are appended to
+// `errores` as "ruta.Clave: what is wrong" (Spanish); the result is meaningful only when none were
+// added.
 MovimientoLeido LeerMovimiento(const nlohmann::ordered_json& j, const std::string& ruta,
-                               IDateCalculator& calendario, std::vector<std::string>& errores);
+                               IDateCalculator& calendario, std::shared_ptr<IClock> reloj,
+                               std::vector<std::string>& errores);
 
 // Parses a JSON text as nlohmann::ordered_json::parse does (throwing its parse_error), and also
 // appends "ruta.Clave: clave repetida" to `errores` for every key that appears twice in one

@@ -5,9 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/vb/convert.h"
-#include "platform/vb/dates.h"
-#include "platform/vb/text.h"
+#include "kivmovfrec/vb.h"
 
 namespace kivmovfrec::cli {
 

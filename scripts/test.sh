@@ -108,7 +108,7 @@ cmake -S . -B build/gcc -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=g
 cmake --build build/gcc -j "$jobs"
 run_tests build/gcc
 
-echo "== installed package: a host links the shared and the static library"
+echo "== installed package: a host links the shared and the static library and runs the main job"
 rm -rf build/package-prefix build/package-host
 cmake --install build/gcc --prefix build/package-prefix >/dev/null
 cmake -S tests/package -B build/package-host -G Ninja \

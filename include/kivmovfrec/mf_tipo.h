@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/export.h"
 #include "kivmovfrec/records.h"
@@ -24,8 +25,11 @@ namespace kivmovfrec {
 
 class KMF_API clsMFTipo {
  public:
-  // Empty header (ID 0), empty schedule, no lines.
+  // Empty header (ID 0), empty schedule, no lines. The header records this object creates (here
+  // and in Load) are stamped with `reloj` (see clsRegMovimientoFrecuente); without one, with
+  // the machine's clock.
   clsMFTipo();
+  explicit clsMFTipo(std::shared_ptr<IClock> reloj);
 
   std::shared_ptr<clsRegMovimientoFrecuente> MovFrecuente() const { return mov_; }
   void MovFrecuente(std::shared_ptr<clsRegMovimientoFrecuente> v);
@@ -38,8 +42,10 @@ class KMF_API clsMFTipo {
   // account, project and department) and its schedule in one joined query. The three parts are
   // replaced by new objects filled from the rows; a movement without lines gets an empty
   // collection, one without schedule an empty schedule. Returns false, changing nothing, when
-  // there is no such movement.
+  // there is no such movement. The new header is created with `reloj` (without it, with this
+  // object's clock), which stamps FechaEstado when the row holds none.
   bool Load(Connection& cn, int32_t id);
+  bool Load(Connection& cn, int32_t id, IClock& reloj);
 
   // Saves the movement; returns its ID. Steps, in order:
   //  0. Texts holding a single quote (header Nombre / Memo, line Detalle) are refused before
@@ -55,8 +61,9 @@ class KMF_API clsMFTipo {
   //  5. Lines: the movement's stored lines are all deleted and the ones in memory inserted in
   //     list order; a line with Orden 0 is numbered with its position, an explicit Orden kept.
   // Records in memory keep what the save gave them (keys, positions, Orden) even when a later
-  // step fails; the caller's rollback restores the tables, not the records.
-  int32_t Save(Connection& cn, IDBFncs& dbf, int16_t libro);
+  // step fails; the caller's rollback restores the tables, not the records. `p`: the database's
+  // settings (date precision of the schedule, language of the counter's error).
+  int32_t Save(Connection& cn, IDBFncs& dbf, int16_t libro, const ParametrosBD& p);
 
   // Deletes movement `id`: its lines, its schedule row (when the header points at one) and its
   // header row. A movement that does not exist is no error. The records in memory are not
@@ -64,6 +71,7 @@ class KMF_API clsMFTipo {
   static void Delete(Connection& cn, int32_t id);
 
  private:
+  std::shared_ptr<IClock> reloj_;
   std::shared_ptr<clsRegMovimientoFrecuente> mov_;
   std::shared_ptr<clsRegRecurrencia> rec_;
   std::shared_ptr<clsRenglonesMF> renglones_;

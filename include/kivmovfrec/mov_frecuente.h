@@ -26,7 +26,12 @@
 //   zero value. UltimoError() then says why (and likewise after a failed locked save).
 // - Services: what Servicios gave; any service left null is taken at Connect from
 //   SuiteServices::Defaults(cn) and a null date calculator is replaced by the suite's own
-//   (schedule::DateCalculator). Connect installs the clock service as the process clock.
+//   (schedule::DateCalculator).
+// - Context: the façade owns its context (kivmovfrec/contexto.h) — connection, services with
+//   their clock, and the settings of its database — and hands it down to everything it calls.
+//   Nothing is shared between façades, so several façades on several databases may live in one
+//   process, each used from its own thread. Every record the façade creates is stamped with the
+//   context's clock.
 #pragma once
 
 #include <cstdint>
@@ -35,10 +40,14 @@
 #include <string>
 #include <string_view>
 
+#include "kivmovfrec/agenda.h"
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/ejecucion.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/enums.h"
 #include "kivmovfrec/export.h"
+#include "kivmovfrec/grupo_vinculado.h"
 #include "kivmovfrec/mf_tipo.h"
 #include "kivmovfrec/renglones_mf.h"
 #include "kivmovfrec/services.h"
@@ -56,11 +65,14 @@ class KMF_API clsMovFrecuente {
   // ---- Host wiring (not members of the suite's type library) ------------------------------
 
   // Services the component asks of the suite. Call before Connect; calling it after Connect
-  // replaces them (null ones are filled again from the defaults).
+  // replaces them (null ones are filled again from the defaults over the current connection).
   void Servicios(SuiteServices s);
-  const SuiteServices& Servicios() const { return servicios_; }
+  // The services in use: after Connect, the given ones completed with the defaults.
+  const SuiteServices& Servicios() const { return ctx_.servicios; }
+  // The façade's context: connection, services and database settings, as filled at Connect.
+  const ContextoMF& Contexto() const { return ctx_; }
   // True between a Connect with a connection and the next Connect(nullptr).
-  bool Conectado() const { return cn_ != nullptr; }
+  bool Conectado() const { return ctx_.cn != nullptr; }
 
   // ---- Properties ------------------------------------------------------------------------
 
@@ -74,10 +86,11 @@ class KMF_API clsMovFrecuente {
   void FechaHoyCalculoFx(bool v) { fecha_hoy_calculo_fx_ = v; }
   // Company number; nothing else happens (the company context is loaded on first need).
   void Empresa(int32_t v);
-  // Keeps the connection; fills missing services; installs the clock; reads the language
-  // ("Idioma" through DBFncs) and the database parameters (date literal, multi-user flag).
-  // A database error while reading the parameters propagates, and the façade then stays
-  // unconnected. nullptr disconnects.
+  // Keeps the connection; fills the services Servicios left null with the defaults over this
+  // connection (a second Connect rebinds them to the new one; the ones the host gave are
+  // kept); reads the language ("Idioma" through DBFncs) and the database parameters (date
+  // literal, multi-user flag) into the context. A database error while reading the parameters
+  // propagates, and the façade then stays unconnected. nullptr disconnects.
   void Connect(std::shared_ptr<Connection> cn);
 
   // ---- Methods ---------------------------------------------------------------------------
@@ -165,6 +178,33 @@ class KMF_API clsMovFrecuente {
   bool DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez);
   bool DarRealizadaFechaAgenda(int32_t lIDMF);
 
+  // ---- Main job and agenda (host wiring, not members of the suite's type library) --------
+
+  // The main job: posts every occurrence of the company's scheduled entries and vouchers due on
+  // or before the day of dHasta (kivmovfrec/ejecucion.h says what succeeds and what fails).
+  // Each finished occurrence is handed to alTerminar, when given, before the next one begins.
+  // Database errors never propagate: they are reported in the occurrence they hit, or stop the
+  // run (ResultadoEjecucion::detenida). An exception thrown by alTerminar ends the run and
+  // reaches the caller. The current movement (EstructuraMovFrec) is not touched. Before Connect:
+  // an empty, complete result.
+  ResultadoEjecucion EjecutarVencidos(Date dHasta, const AlTerminarOcurrencia& alTerminar = {});
+
+  // Every due date and notice date from dDesde to dHasta (both by day) of the company's pending
+  // scheduled movements (kivmovfrec/agenda.h). With bImportes, each due date of an entry or
+  // voucher is computed as of that date without prompts, as SetCalculoFormulasMF would, but on
+  // a movement of its own: the current movement and UltimaTrazaFx are not touched; a formula
+  // without result still shows its message. Nothing is written. Database errors reach the
+  // caller. Before Connect: an empty result.
+  ResultadoAgenda Agenda(Date dDesde, Date dHasta, bool bImportes = false);
+
+  // The linked group of movement lIDMF in execution order (kivmovfrec/grupo_vinculado.h): the
+  // group's members whatever their state or kind, lIDMF included; just lIDMF when it belongs
+  // to no group; no member when it does not exist. Database errors reach the caller.
+  GrupoVinculado GrupoEnOrden(int32_t lIDMF);
+
+  // The language of the component's texts (the suite's "Idioma" setting, 1 when not set).
+  int Idioma() const;
+
   // ---- Formulas ----------------------------------------------------------------------------
   // The three formula members prepare the same context before they hand over to the formula
   // evaluator (formula/calculo_fx.h):
@@ -172,7 +212,7 @@ class KMF_API clsMovFrecuente {
   //     date as text ("dd/mm/aaaa", from the clock service) when FechaHoyCalculoFx is true,
   //     otherwise to "01/01/1958", the mark of a date not set.
   //  2. The company context is created and loaded on first need, and its accounting currency
-  //     copied into the process-wide setting the rate service reads.
+  //     copied into the façade's database settings, which the rate service reads.
   //  3. An evaluator is created with the connection and the company context, called with the
   //     calculation date FechaProxima (as a date) and released.
   // The date marker is never a calculation date: the evaluator then takes the movement's next
@@ -216,13 +256,13 @@ class KMF_API clsMovFrecuente {
   clsEmpresa& EmpresaContexto();
   // The injected date calculator, or the suite's own.
   IDateCalculator& Calendario();
-  int Idioma() const;
   // Steps 1 and 2 of the formula members; returns the calculation date.
   Date PrepararCalculoFx();
   void AvisarSinResultado(int mensaje);
 
-  SuiteServices servicios_;
-  std::shared_ptr<Connection> cn_;
+  // The services as the host gave them (nulls kept), completed anew at every Connect.
+  SuiteServices dados_;
+  ContextoMF ctx_;
   std::shared_ptr<clsMFTipo> estructura_;
   bool fecha_hoy_calculo_fx_ = false;
   int32_t empresa_ = 0;

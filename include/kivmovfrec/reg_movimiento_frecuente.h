@@ -15,16 +15,21 @@
 
 namespace kivmovfrec {
 
+class IClock;
+
 class KMF_API clsRegMovimientoFrecuente {
  public:
   // Runs Class_Initialize: state EnProceso, FechaEstado = now, Vista 0; everything else 0 / "".
+  // "Now" is the machine's clock; code that has a clock service at hand (the façade, the main
+  // job) passes it instead, so a fixed "today" reaches the records it creates.
   clsRegMovimientoFrecuente() { Class_Initialize(); }
+  explicit clsRegMovimientoFrecuente(IClock& reloj) { Class_Initialize(reloj); }
 
   // The construction routine, public as in the suite's type library: resets Estado to
   // EnProceso, FechaEstado to the current moment and Vista to 0, and leaves every other field
-  // as it is. "Now" comes from the process-wide clock (core/clock.h), so a host that fixes the
-  // date through its clock service sees that date here.
+  // as it is. Without an argument "now" is the machine's clock; otherwise reloj.Now().
   void Class_Initialize();
+  void Class_Initialize(IClock& reloj);
 
   // MFrEstado: an enuEstadoMF value (0, 1, 9); any other byte is kept as given.
   uint8_t Estado() const { return estado_; }

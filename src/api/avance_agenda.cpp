@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "core/clock.h"
 #include "kivmovfrec/records.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
@@ -55,7 +54,7 @@ ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
 
   // The row is claimed before it is read (see the header): no row, nothing to mark.
   if (cn_.Execute(SqlReservar(id)) == 0) return ResultadoOcurrencia::NoAplica;
-  clsRegMovimientoFrecuente mov;
+  clsRegMovimientoFrecuente mov(ctx_.Reloj());
   if (!storage::CargarMovimiento(cn_, id, mov)) return ResultadoOcurrencia::NoAplica;
   if (mov.Estado() != ToInt(enuEstadoMF::EnProceso)) return ResultadoOcurrencia::NoAplica;
   if (mov.Recurrencia() < 1) return ResultadoOcurrencia::NoAplica;
@@ -68,14 +67,14 @@ ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
   const schedule::AfterOccurrence siguiente = schedule::NextOccurrence(*agenda, cal_);
   if (siguiente.ended) {
     mov.Estado(enuEstadoMF::Realizado);
-    mov.FechaEstado(core::Now());
+    mov.FechaEstado(ctx_.Reloj().Now());
   } else {
     rec.FechaProxima(TextoProxima(siguiente.due));
     rec.NumOcurrencia(siguiente.occurrence);
     rec.Postergado(0.0f);
-    storage::GuardarRecurrencia(cn_, dbf_, rec);
+    storage::GuardarRecurrencia(cn_, dbf_, rec, ctx_.parametros);
   }
-  storage::GuardarMovimiento(cn_, dbf_, mov);
+  storage::GuardarMovimiento(cn_, dbf_, mov, ctx_.parametros);
   if (mov.Tipo() == enuTipoMovFrec::Calendario) {
     cn_.Execute(SqlMarcarAvisosVistos(id, mov.Modalidad()));
   }

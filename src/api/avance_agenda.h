@@ -1,7 +1,8 @@
 // Marking a scheduled occurrence done: the work behind clsMovFrecuente::DarRealizadaFechaAgenda.
 //
 // The caller owns the transaction; this class only reads and writes through the connection it
-// is given and lets every error through (DbError, VbError(13) for a FechaProxima that is not a
+// is given, takes the counters, the clock and the database settings from the façade's context,
+// and lets every error through (DbError, VbError(13) for a FechaProxima that is not a
 // date, ComponentError from a counter, an unreadable frequency code from the calculator).
 //
 // Rules for one movement:
@@ -27,6 +28,7 @@
 #include <set>
 #include <string>
 
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/reg_recurrencia.h"
 #include "kivmovfrec/services.h"
@@ -46,8 +48,10 @@ std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec);
 
 class AvanceAgenda {
  public:
-  AvanceAgenda(Connection& cn, IDBFncs& dbf, IDateCalculator& calendario)
-      : cn_(cn), dbf_(dbf), cal_(calendario) {}
+  // `ctx` must have its services (a connected façade's context) and outlive this object; `cn`
+  // is the connection the caller's transaction runs on.
+  AvanceAgenda(const ContextoMF& ctx, Connection& cn, IDateCalculator& calendario)
+      : ctx_(ctx), cn_(cn), dbf_(*ctx.servicios.db), cal_(calendario) {}
 
   // Marks the current occurrence of movement `id` done (rules above). A movement already
   // processed by this object is not processed again (NoAplica).
@@ -60,6 +64,7 @@ class AvanceAgenda {
   static std::string SqlMarcarAvisosVistos(int32_t id, int16_t modalidad);
 
  private:
+  const ContextoMF& ctx_;
   Connection& cn_;
   IDBFncs& dbf_;
   IDateCalculator& cal_;

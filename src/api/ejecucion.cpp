@@ -145,8 +145,8 @@ struct Linea {
 class Ejecutor {
  public:
   Ejecutor(clsMovFrecuente& mf, Connection& cn, int32_t empresa)
-      : mf_(mf), cn_(cn), monedas_(mf.Servicios().clock) {
-    const SuiteServices& sv = mf.Servicios();
+      : ctx_(mf.Contexto()), cn_(cn), monedas_(ctx_.servicios.clock, ctx_.parametros) {
+    const SuiteServices& sv = ctx_.servicios;
     dbf_ = sv.db.get();
     reloj_ = sv.clock.get();
     usuario_ = sv.rights ? sv.rights->Usuario() : 0;
@@ -177,7 +177,7 @@ class Ejecutor {
       fila = true;
       cn_.Execute(AvanceAgenda::SqlReservar(v.id));
       fila = false;
-      clsMFTipo mov;
+      clsMFTipo mov(ctx_.servicios.clock);
       const bool existe = mov.Load(cn_, v.id);
       if (existe) r.nombre = mov.MovFrecuente()->Nombre();
       r.detalle = Cambio(existe, mov, v.fecha, r.proxima);
@@ -197,7 +197,7 @@ class Ejecutor {
           }
         }
       }
-      AvanceAgenda avance(cn_, *dbf_, *calendario_);
+      AvanceAgenda avance(ctx_, cn_, *calendario_);
       const ResultadoOcurrencia hecho = avance.Realizar(v.id);
       if (hecho == ResultadoOcurrencia::NoAplica) {
         throw std::runtime_error("no se pudo avanzar su agenda");
@@ -205,7 +205,7 @@ class Ejecutor {
       r.terminada = hecho == ResultadoOcurrencia::Terminada;
       // The next due date is read before the commit: once committed, the occurrence is
       // reported whatever happens afterwards.
-      clsMFTipo despues;
+      clsMFTipo despues(ctx_.servicios.clock);
       if (!r.terminada && despues.Load(cn_, v.id) &&
           vb::IsDate(Variant(despues.Recurrencia()->FechaProxima()))) {
         r.proxima = vb::CDate(Variant(despues.Recurrencia()->FechaProxima()));
@@ -273,8 +273,9 @@ class Ejecutor {
   std::vector<DocumentoGenerado> Generados(const std::vector<MiembroGrupo>& grupo, Date fecha) {
     std::string ids;
     for (const MiembroGrupo& m : grupo) ids += (ids.empty() ? "" : ", ") + std::to_string(m.id);
-    const std::string dia = " >= " + storage::FechaSQL(SoloDia(fecha)) + " And ";
-    const std::string siguiente = " < " + storage::FechaSQL(Date{SoloDia(fecha).serial + 1});
+    const ParametrosBD& p = ctx_.parametros;
+    const std::string dia = " >= " + storage::FechaSQL(SoloDia(fecha), p) + " And ";
+    const std::string siguiente = " < " + storage::FechaSQL(Date{SoloDia(fecha).serial + 1}, p);
     std::multimap<int32_t, int32_t> asientos, comprobantes;  // movement -> document
     for (auto rs = cn_.OpenResultset(
              "Select AsiID, AsiMovFrecuente From cceAsientos Where AsiMovFrecuente In (" + ids +
@@ -315,16 +316,16 @@ class Ejecutor {
   DocumentoGenerado Documento(const MiembroGrupo& m, Date fecha,
                               const std::vector<DocumentoGenerado>& previos) {
     const std::string quien = Quien(m.id, m.nombre);
-    const SuiteServices& sv = mf_.Servicios();
+    const SuiteServices& sv = ctx_.servicios;
     formula::clsCalculoFx calculo(std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn_),
-                                  empresa_, {sv.input, sv.clock, sv.balance});
+                                  empresa_, {sv.input, sv.clock, sv.balance}, ctx_.parametros);
     calculo.Funciones().Ocurrencia([&previos](int32_t id) -> std::optional<int32_t> {
       for (const DocumentoGenerado& d : previos) {
         if (d.movimiento == id) return d.id;
       }
       return std::nullopt;
     });
-    clsMFTipo mov;
+    clsMFTipo mov(ctx_.servicios.clock);
     Date dia = SoloDia(fecha);
     // Prompts are allowed: a movement that needs a typed value cannot run unattended.
     if (!calculo.SetCalculoFormulasMF(mov, m.id, false, dia)) {
@@ -401,7 +402,7 @@ class Ejecutor {
 
   int32_t Asiento(const clsRegMovimientoFrecuente& cab, const std::vector<Linea>& lineas,
                   Date fecha, const std::string& leyenda) {
-    const int32_t id = storage::NuevoID(*dbf_, "cceAsientos");
+    const int32_t id = storage::NuevoID(*dbf_, "cceAsientos", ctx_.parametros.idioma);
     auto rs = cn_.OpenResultset("Select * From cceAsientos Where AsiID = " + std::to_string(id));
     rs->AddNew();
     rs->Set("AsiID", id);
@@ -436,7 +437,7 @@ class Ejecutor {
 
   int32_t Comprobante(const clsRegMovimientoFrecuente& cab, const std::vector<Linea>& lineas,
                       Date fecha, const std::string& leyenda) {
-    const int32_t id = storage::NuevoID(*dbf_, "cceComprobantes");
+    const int32_t id = storage::NuevoID(*dbf_, "cceComprobantes", ctx_.parametros.idioma);
     auto rs =
         cn_.OpenResultset("Select * From cceComprobantes Where ComID = " + std::to_string(id));
     rs->AddNew();
@@ -474,7 +475,7 @@ class Ejecutor {
     return id;
   }
 
-  clsMovFrecuente& mf_;
+  const ContextoMF& ctx_;
   Connection& cn_;
   formula::clsMonedas monedas_;
   IDBFncs* dbf_ = nullptr;

@@ -64,76 +64,28 @@
 // holds that one movement: it alone is skipped and stays due.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/ejecucion.h"
 #include "kivmovfrec/mov_frecuente.h"
-#include "kivmovfrec/variant.h"
 
 namespace kivmovfrec::api {
 
-// A document of one member of an occurrence.
-struct DocumentoGenerado {
-  int32_t movimiento = 0;  // the member it comes from
-  int16_t tipo = 0;        // its MFrTipo (1, 2 or 4)
-  int32_t id = 0;          // AsiID / ComID; 0 when every line was 0 and nothing was written
-  double total = 0;        // the debit total (= the credit total); 0 for a document found
-};
-
-enum class EstadoOcurrencia : uint8_t {
-  Ejecutada,         // its documents were written and its schedule advanced
-  YaGenerada,        // its documents existed already: nothing written, the schedule advanced
-  HechaEnOtraParte,  // another run or a user had done it or moved the schedule: nothing written
-  Fallida,           // not executed: nothing written, it stays due
-};
-
-struct OcurrenciaEjecutada {
-  int32_t movimiento = 0;  // the scheduled movement
-  std::string nombre;
-  Date fecha{};  // its due date
-  EstadoOcurrencia estado = EstadoOcurrencia::Fallida;
-  // Ejecutada: the documents written, in execution order. YaGenerada: those found.
-  std::vector<DocumentoGenerado> documentos;
-  bool terminada = false;  // Ejecutada / YaGenerada: that was the schedule's last occurrence
-  Date proxima{};          // the next due date after it, when there is one
-  std::string detalle;     // HechaEnOtraParte: what was found instead
-  std::string error;       // Fallida: why
-  // Nothing is left to do for it (whoever did it).
-  bool ok() const { return estado != EstadoOcurrencia::Fallida; }
-};
-
-struct ProgresoEjecucion {
-  size_t terminadas = 0;  // occurrences finished so far, the one just reported included
-  // Those plus the ones still waiting. It grows when an advanced schedule falls due again
-  // before the run's last day.
-  size_t conocidas = 0;
-};
-
-// Called once for each occurrence as soon as it is finished, before the next one begins, in the
-// order of the run's result. It runs outside the run's transactions (it holds up no other
-// process and may read through the connection, but must leave no transaction open). An
-// exception it throws ends the run and reaches the caller of EjecutarVencidos; what was
-// committed stays.
-using AlTerminarOcurrencia =
-    std::function<void(const OcurrenciaEjecutada&, const ProgresoEjecucion&)>;
-
-struct ResultadoEjecucion {
-  std::vector<OcurrenciaEjecutada> ocurrencias;  // in the order they finished
-  // Why the run stopped before its end ("" when it did not): the database could not be read or
-  // used (see above). What was reported stays done; the rest stays due.
-  std::string detenida;
-  bool completa() const { return detenida.empty(); }
-};
+using kivmovfrec::AlTerminarOcurrencia;
+using kivmovfrec::DocumentoGenerado;
+using kivmovfrec::EstadoOcurrencia;
+using kivmovfrec::OcurrenciaEjecutada;
+using kivmovfrec::ProgresoEjecucion;
+using kivmovfrec::ResultadoEjecucion;
 
 // `mf` is connected to `cn` with company `empresa` set; its services give the counters, the
 // clock, the user (rights) and, when set, the date calculator. Occurrences due on or before the
 // day of `hasta` run. Database errors never propagate: inside an occurrence they are reported in
 // its entry, and one that makes the database unusable — or any failure to read what is due —
 // stops the run (ResultadoEjecucion::detenida). Nothing runs when `mf` is not connected.
+// Hosts call it through clsMovFrecuente::EjecutarVencidos; the result types are public
+// (kivmovfrec/ejecucion.h).
 ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
                                     Date hasta, const AlTerminarOcurrencia& al_terminar = {});
 

@@ -8,7 +8,6 @@
 #include "platform/vb/convert.h"
 #include "resources/catalogue.h"
 #include "resources/msg.h"
-#include "storage/parametros.h"
 
 namespace kivmovfrec {
 namespace {
@@ -24,17 +23,17 @@ formula::ServiciosFx ServiciosCalculo(const SuiteServices& s) {
 Date clsMovFrecuente::PrepararCalculoFx() {
   clsRegRecurrencia& rec = *estructura_->Recurrencia();
   if (rec.FechaProxima().empty()) {
-    rec.FechaProxima(fecha_hoy_calculo_fx_ ? vb::CStr(Variant(servicios_.clock->Today()))
+    rec.FechaProxima(fecha_hoy_calculo_fx_ ? vb::CStr(Variant(ctx_.Reloj().Today()))
                                            : std::string(kFechaNoIndicada));
   }
-  storage::Parametros().moneda_contabilidad = EmpresaContexto().MonedaContabilidad();
+  ctx_.parametros.moneda_contabilidad = EmpresaContexto().MonedaContabilidad();
   return vb::CDate(Variant(rec.FechaProxima()));
 }
 
 void clsMovFrecuente::AvisarSinResultado(int mensaje) {
-  if (!servicios_.messages) return;
+  if (!ctx_.servicios.messages) return;
   try {
-    servicios_.messages->Show(
+    ctx_.servicios.messages->Show(
         {std::string(resources::Texto(mensaje, Idioma())),
          std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
          MsgIcon::Exclamation, MsgButtons::OK, 1});
@@ -44,12 +43,13 @@ void clsMovFrecuente::AvisarSinResultado(int mensaje) {
 
 bool clsMovFrecuente::SetCalculoFormulasMF(int32_t lMovFrec, bool bNoPedirDatos) {
   ultimo_error_.clear();
-  if (!cn_) return false;
+  if (!ctx_.cn) return false;
   traza_fx_ = TrazaCalculoFx{};
   try {
     Date fecha = PrepararCalculoFx();
     const std::string marca = estructura_->Recurrencia()->FechaProxima();
-    formula::clsCalculoFx calculo(cn_, EmpresaContexto(), ServiciosCalculo(servicios_));
+    formula::clsCalculoFx calculo(ctx_.cn, EmpresaContexto(), ServiciosCalculo(ctx_.servicios),
+                                  ctx_.parametros);
     const bool ok = calculo.SetCalculoFormulasMF(*estructura_, lMovFrec, bNoPedirDatos, fecha);
     traza_fx_ = calculo.Traza();
     // The load replaced the schedule: one without due date keeps the text of step 1.
@@ -68,11 +68,12 @@ bool clsMovFrecuente::GetValueUnaPata(const clsRenglonesMF& RenglonesMF, int16_t
                                       int16_t iEmpresaMF, bool& bImporteEditable,
                                       double& dbImporte) {
   ultimo_error_.clear();
-  if (!cn_) return false;
+  if (!ctx_.cn) return false;
   traza_fx_ = TrazaCalculoFx{};
   try {
     const Date fecha = PrepararCalculoFx();
-    formula::clsCalculoFx calculo(cn_, EmpresaContexto(), ServiciosCalculo(servicios_));
+    formula::clsCalculoFx calculo(ctx_.cn, EmpresaContexto(), ServiciosCalculo(ctx_.servicios),
+                                  ctx_.parametros);
     const bool ok = calculo.GetValueUnaPata(RenglonesMF, iMonMF, iEmpresaMF, bImporteEditable,
                                             dbImporte, fecha);
     traza_fx_ = calculo.Traza();
@@ -88,13 +89,14 @@ bool clsMovFrecuente::GetValueUnaPata(const clsRenglonesMF& RenglonesMF, int16_t
 bool clsMovFrecuente::RecalcularFormulasMF(clsRenglonesMF& RenglonesMF, int16_t iMonMF,
                                            bool bNoPedirTC) {
   ultimo_error_.clear();
-  if (!cn_) return false;
+  if (!ctx_.cn) return false;
   traza_fx_ = TrazaCalculoFx{};
   try {
     const Date fecha = PrepararCalculoFx();
     int32_t id_mov = estructura_->MovFrecuente()->ID();
     if (id_mov == 0 && RenglonesMF.QRenglones() > 0) id_mov = RenglonesMF.Renglon(1)->idMF();
-    formula::clsCalculoFx calculo(cn_, EmpresaContexto(), ServiciosCalculo(servicios_));
+    formula::clsCalculoFx calculo(ctx_.cn, EmpresaContexto(), ServiciosCalculo(ctx_.servicios),
+                                  ctx_.parametros);
     const bool ok = calculo.RecalcularFormulasMF(RenglonesMF, iMonMF, bNoPedirTC, fecha, id_mov);
     traza_fx_ = calculo.Traza();
     if (!ok) AvisarSinResultado(msg::kFormulaSinResultado);
@@ -108,9 +110,9 @@ bool clsMovFrecuente::RecalcularFormulasMF(clsRenglonesMF& RenglonesMF, int16_t 
 
 std::string clsMovFrecuente::InterpretarFormulaLeyenda(std::string_view sLeyenda, Date dFechaMF) {
   ultimo_error_.clear();
-  if (!cn_) return {};
+  if (!ctx_.cn) return {};
   try {
-    return formula::InterpretarFormulaLeyenda(sLeyenda, dFechaMF, servicios_.clock.get());
+    return formula::InterpretarFormulaLeyenda(sLeyenda, dFechaMF, ctx_.servicios.clock.get());
   } catch (const std::exception& e) {
     Reportar(msg::kErrorInterpretarLeyenda, e);
     return {};

@@ -5,29 +5,19 @@
 //
 // GrupoEnOrden is the one reading of a group in execution order. The main job
 // (api/ejecucion.h), marking an occurrence done (clsMovFrecuente::DarRealizadaFechaAgenda) and
-// `movfrec realizar` all take a group from it, so they agree on who belongs and in which order.
+// clsMovFrecuente::GrupoEnOrden all take a group from it, so they agree on who belongs and in
+// which order.
 #pragma once
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/grupo_vinculado.h"
 
 namespace kivmovfrec::api {
 
-struct MiembroGrupo {
-  int32_t id = 0;
-  std::string nombre;  // MFrNombre
-  int16_t tipo = 0;    // MFrTipo
-  int16_t estado = 0;  // MFrEstado
-  int32_t orden = 0;   // MFrMVOrden (0 when not set)
-};
-
-struct GrupoVinculado {
-  int32_t id = 0;  // the group's identifier: the ID of the movement that heads it
-  std::vector<MiembroGrupo> miembros;
-};
+using kivmovfrec::GrupoVinculado;
+using kivmovfrec::MiembroGrupo;
 
 // The group of movement `id`: its identifier is the movement's MFrMovVinculado, or its own ID
 // when that is empty; its members are the movements carrying that identifier and the movement

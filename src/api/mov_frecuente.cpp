@@ -9,7 +9,6 @@
 #include "api/avance_agenda.h"
 #include "api/derechos.h"
 #include "api/grupo_vinculado.h"
-#include "core/clock.h"
 #include "formula/reglas_fx.h"
 #include "kivmovfrec/errors.h"
 #include "platform/db/error_text.h"
@@ -104,19 +103,19 @@ clsMovFrecuente::clsMovFrecuente() : estructura_(std::make_shared<clsMFTipo>()) 
 clsMovFrecuente::~clsMovFrecuente() = default;
 
 void clsMovFrecuente::Servicios(SuiteServices s) {
-  servicios_ = std::move(s);
-  if (!cn_) return;
-  const SuiteServices& s_ = servicios_;
-  if (!s_.db || !s_.rights || !s_.messages || !s_.input || !s_.clock || !s_.balance) {
-    const SuiteServices defecto = SuiteServices::Defaults(cn_);
-    if (!servicios_.db) servicios_.db = defecto.db;
-    if (!servicios_.rights) servicios_.rights = defecto.rights;
-    if (!servicios_.messages) servicios_.messages = defecto.messages;
-    if (!servicios_.input) servicios_.input = defecto.input;
-    if (!servicios_.clock) servicios_.clock = defecto.clock;
-    if (!servicios_.balance) servicios_.balance = defecto.balance;
+  dados_ = std::move(s);
+  ctx_.servicios = dados_;
+  if (!ctx_.cn) return;
+  SuiteServices& sv = ctx_.servicios;
+  if (!sv.db || !sv.rights || !sv.messages || !sv.input || !sv.clock || !sv.balance) {
+    const SuiteServices defecto = SuiteServices::Defaults(ctx_.cn);
+    if (!sv.db) sv.db = defecto.db;
+    if (!sv.rights) sv.rights = defecto.rights;
+    if (!sv.messages) sv.messages = defecto.messages;
+    if (!sv.input) sv.input = defecto.input;
+    if (!sv.clock) sv.clock = defecto.clock;
+    if (!sv.balance) sv.balance = defecto.balance;
   }
-  core::SetClock(servicios_.clock);
 }
 
 void clsMovFrecuente::EstructuraMovFrec(std::shared_ptr<clsMFTipo> v) {
@@ -130,29 +129,35 @@ void clsMovFrecuente::Empresa(int32_t v) {
 }
 
 void clsMovFrecuente::Connect(std::shared_ptr<Connection> cn) {
-  cn_.reset();
+  // Everything bound to the previous connection goes: the services completed over it, its
+  // settings and the company context read from it.
+  ctx_ = ContextoMF{};
+  ctx_.servicios = dados_;
+  empresa_ctx_.reset();
   if (!cn) return;
-  cn_ = cn;
-  Servicios(std::move(servicios_));  // fills the missing services over the new connection
+  ctx_.cn = cn;
+  Servicios(dados_);  // fills the missing services over the new connection
   try {
-    storage::LeerIdioma(*servicios_.db);
-    storage::CargarParametros(*cn);
+    ParametrosBD parametros;
+    parametros.idioma = storage::LeerIdioma(*ctx_.servicios.db);
+    storage::CargarParametros(*cn, parametros);
+    ctx_.parametros = std::move(parametros);
   } catch (...) {
-    cn_.reset();
+    ctx_ = ContextoMF{};
+    ctx_.servicios = dados_;
     throw;
   }
-  empresa_ctx_.reset();
 }
 
 int clsMovFrecuente::Idioma() const {
-  return storage::Parametros().idioma;
+  return ctx_.parametros.idioma;
 }
 
 void clsMovFrecuente::Reportar(int accion, const std::exception& e) {
   ultimo_error_ = DescribirError(e);
-  if (!servicios_.messages) return;
+  if (!ctx_.servicios.messages) return;
   try {
-    servicios_.messages->Show(
+    ctx_.servicios.messages->Show(
         {std::string(resources::Texto(accion, Idioma())) + "\n" + ultimo_error_,
          std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
          MsgIcon::Critical, MsgButtons::OK, 1});
@@ -163,52 +168,52 @@ void clsMovFrecuente::Reportar(int accion, const std::exception& e) {
 clsEmpresa& clsMovFrecuente::EmpresaContexto() {
   if (!empresa_ctx_) {
     auto ctx = std::make_unique<clsEmpresa>();
-    ctx->Load(empresa_, *cn_);
+    ctx->Load(empresa_, *ctx_.cn);
     empresa_ctx_ = std::move(ctx);
   }
   return *empresa_ctx_;
 }
 
 IDateCalculator& clsMovFrecuente::Calendario() {
-  if (servicios_.calendar) return *servicios_.calendar;
+  if (ctx_.servicios.calendar) return *ctx_.servicios.calendar;
   if (!calendario_propio_) calendario_propio_ = std::make_unique<schedule::DateCalculator>();
   return *calendario_propio_;
 }
 
 void clsMovFrecuente::CleanEstructura() {
-  if (!cn_) return;
-  estructura_ = std::make_shared<clsMFTipo>();
+  if (!ctx_.cn) return;
+  estructura_ = std::make_shared<clsMFTipo>(ctx_.servicios.clock);
 }
 
 int32_t clsMovFrecuente::SaveMovimientoFrecuente() {
-  if (!cn_) return 0;
+  if (!ctx_.cn) return 0;
   RechazarVariasDiferencias(*estructura_->Renglones(), Idioma());
   CompletarRecurrencia(*estructura_->Recurrencia());
   const int16_t libro = EmpresaContexto().Libro();
-  return estructura_->Save(*cn_, *servicios_.db, libro);
+  return estructura_->Save(*ctx_.cn, *ctx_.servicios.db, libro, ctx_.parametros);
 }
 
 int32_t clsMovFrecuente::SaveMovimientoFrecuenteConBloqueo(bool /*bDisplayMsgError*/) {
   ultimo_error_.clear();
-  if (!cn_) return 0;
+  if (!ctx_.cn) return 0;
   const CopiaEstructura copia(*estructura_);
   bool iniciada = false;
   try {
     RechazarVariasDiferencias(*estructura_->Renglones(), Idioma());
     clsRegRecurrencia& rec = *estructura_->Recurrencia();
     CompletarRecurrencia(rec);
-    cn_->BeginTrans();
+    ctx_.cn->BeginTrans();
     iniciada = true;
     if (rec.ID() == 0 && rec.CadaCuanto() == 0 && rec.CantidadVeces() == 1 &&
         rec.NumOcurrencia() > 1) {
       rec.NumOcurrencia(1);
     }
     const int16_t libro = EmpresaContexto().Libro();
-    const int32_t id = estructura_->Save(*cn_, *servicios_.db, libro);
-    cn_->CommitTrans();
+    const int32_t id = estructura_->Save(*ctx_.cn, *ctx_.servicios.db, libro, ctx_.parametros);
+    ctx_.cn->CommitTrans();
     return id;
   } catch (const std::exception& e) {
-    Deshacer(*cn_, iniciada);
+    Deshacer(*ctx_.cn, iniciada);
     copia.Restaurar();
     ultimo_error_ = DescribirError(e);
     return 0;
@@ -216,49 +221,50 @@ int32_t clsMovFrecuente::SaveMovimientoFrecuenteConBloqueo(bool /*bDisplayMsgErr
 }
 
 bool clsMovFrecuente::LoadMF(int32_t lIDMF) {
-  if (!cn_) return false;
-  return estructura_->Load(*cn_, lIDMF);
+  if (!ctx_.cn) return false;
+  return estructura_->Load(*ctx_.cn, lIDMF, ctx_.Reloj());
 }
 
 void clsMovFrecuente::DeleteMF(int32_t lIDMF) {
-  if (!cn_) return;
-  clsMFTipo::Delete(*cn_, lIDMF);
+  if (!ctx_.cn) return;
+  clsMFTipo::Delete(*ctx_.cn, lIDMF);
 }
 
 bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
                                       bool bDisplayMsgQuestion) {
   ultimo_error_.clear();
-  if (!cn_) return false;
+  if (!ctx_.cn) return false;
   try {
     const int idioma = Idioma();
     const std::string titulo(resources::Texto(msg::kTituloMovimientosFrecuentes, idioma));
     if (bDisplayMsgQuestion) {
       const int pregunta = iEstado == enuEstadoMF::Papelera ? msg::kConfirmaEnviarPapelera
                                                             : msg::kConfirmaCambiarEstado;
-      if (servicios_.messages->Show({std::string(resources::Texto(pregunta, idioma)), titulo,
-                                     MsgIcon::Question, MsgButtons::YesNo, 1}) == kMsgNo) {
+      if (ctx_.servicios.messages->Show({std::string(resources::Texto(pregunta, idioma)), titulo,
+                                         MsgIcon::Question, MsgButtons::YesNo, 1}) == kMsgNo) {
         return false;
       }
     }
-    clsRegMovimientoFrecuente mov;
-    if (!storage::CargarMovimiento(*cn_, lIDMF, mov)) return false;
+    clsRegMovimientoFrecuente mov(ctx_.Reloj());
+    if (!storage::CargarMovimiento(*ctx_.cn, lIDMF, mov)) return false;
     const int16_t tipo = ToInt(mov.Tipo());
     if (mov.Tipo() != enuTipoMovFrec::Calendario) {
       const char letra = iEstado == enuEstadoMF::Papelera ? 'E' : 'M';
-      if (!api::TieneDerecho(*servicios_.rights, empresa_, api::OpcionDeTipo(tipo), letra)) {
-        api::MostrarSinDerechos(*servicios_.messages, tipo, idioma);
+      if (!api::TieneDerecho(*ctx_.servicios.rights, empresa_, api::OpcionDeTipo(tipo), letra)) {
+        api::MostrarSinDerechos(*ctx_.servicios.messages, tipo, idioma);
         return false;
       }
       if (mov.MovVinculado() >= 1) {
-        servicios_.messages->Show({std::string(resources::Texto(msg::kNoEliminarVinculado, idioma)),
-                                   std::string(resources::Texto(msg::TituloDeTipo(tipo), idioma)),
-                                   MsgIcon::Exclamation, MsgButtons::OK, 1});
+        ctx_.servicios.messages->Show(
+            {std::string(resources::Texto(msg::kNoEliminarVinculado, idioma)),
+             std::string(resources::Texto(msg::TituloDeTipo(tipo), idioma)), MsgIcon::Exclamation,
+             MsgButtons::OK, 1});
         return false;
       }
     }
     mov.Estado(iEstado);
-    mov.FechaEstado(core::Now());
-    storage::GuardarMovimiento(*cn_, *servicios_.db, mov);
+    mov.FechaEstado(ctx_.Reloj().Now());
+    storage::GuardarMovimiento(*ctx_.cn, *ctx_.servicios.db, mov, ctx_.parametros);
     return true;
   } catch (const std::exception& e) {
     Reportar(msg::kErrorCambiarEstado, e);
@@ -268,29 +274,29 @@ bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
 
 bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
   ultimo_error_.clear();
-  if (!cn_) return false;
+  if (!ctx_.cn) return false;
   bool iniciada = false;
   try {
     const int idioma = Idioma();
-    clsRegMovimientoFrecuente mov;
-    if (!storage::CargarMovimiento(*cn_, lIDMF, mov)) return false;
-    if (!api::TieneDerecho(*servicios_.rights, empresa_, "Papelera", 'e')) {
-      api::MostrarSinDerechos(*servicios_.messages, ToInt(mov.Tipo()), idioma);
+    clsRegMovimientoFrecuente mov(ctx_.Reloj());
+    if (!storage::CargarMovimiento(*ctx_.cn, lIDMF, mov)) return false;
+    if (!api::TieneDerecho(*ctx_.servicios.rights, empresa_, "Papelera", 'e')) {
+      api::MostrarSinDerechos(*ctx_.servicios.messages, ToInt(mov.Tipo()), idioma);
       return false;
     }
-    if (servicios_.messages->Show(
+    if (ctx_.servicios.messages->Show(
             {std::string(resources::Texto(msg::kConfirmaEliminarRegistro, idioma)),
              std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, idioma)),
              MsgIcon::Question, MsgButtons::YesNo, 2}) == kMsgNo) {
       return false;
     }
-    cn_->BeginTrans();
+    ctx_.cn->BeginTrans();
     iniciada = true;
-    clsMFTipo::Delete(*cn_, lIDMF);
-    cn_->CommitTrans();
+    clsMFTipo::Delete(*ctx_.cn, lIDMF);
+    ctx_.cn->CommitTrans();
     return true;
   } catch (const std::exception& e) {
-    Deshacer(*cn_, iniciada);
+    Deshacer(*ctx_.cn, iniciada);
     Reportar(msg::kErrorEliminarMovimiento, e);
     return false;
   }
@@ -299,28 +305,28 @@ bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
 bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez) {
   bPorUnicaVez = false;
   ultimo_error_.clear();
-  if (!cn_) return false;
+  if (!ctx_.cn) return false;
   bool iniciada = false;
   try {
-    cn_->BeginTrans();
+    ctx_.cn->BeginTrans();
     iniciada = true;
-    api::AvanceAgenda avance(*cn_, *servicios_.db, Calendario());
+    api::AvanceAgenda avance(ctx_, *ctx_.cn, Calendario());
     const api::ResultadoOcurrencia r = avance.Realizar(lIDMF);
     if (r == api::ResultadoOcurrencia::NoAplica) {
-      Deshacer(*cn_, iniciada);
+      Deshacer(*ctx_.cn, iniciada);
       return false;
     }
     // When lIDMF heads a linked group, the rest of it in execution order (lIDMF itself is not
     // marked twice); a member marked alone does not drag its group along.
-    const api::GrupoVinculado grupo = api::GrupoEnOrden(*cn_, lIDMF);
+    const api::GrupoVinculado grupo = api::GrupoEnOrden(*ctx_.cn, lIDMF);
     for (const api::MiembroGrupo& m : grupo.miembros) {
       if (grupo.id == lIDMF) avance.Realizar(m.id);
     }
-    cn_->CommitTrans();
+    ctx_.cn->CommitTrans();
     bPorUnicaVez = r == api::ResultadoOcurrencia::Terminada;
     return true;
   } catch (const std::exception& e) {
-    Deshacer(*cn_, iniciada);
+    Deshacer(*ctx_.cn, iniciada);
     Reportar(msg::kErrorDarRealizada, e);
     return false;
   }

@@ -1,43 +1,21 @@
 #include "core/clock.h"
 
-#include <mutex>
-
+#include "kivmovfrec/contexto.h"
 #include "platform/suite/clock.h"
 
-namespace kivmovfrec::core {
-namespace {
+namespace kivmovfrec {
+namespace core {
 
-std::mutex& ClockMutex() {
-  static std::mutex m;
-  return m;
+IClock& RelojOSistema(IClock* reloj) {
+  // SystemClock has no state: one shared instance is as good as a new one per call.
+  static suite::SystemClock sistema;
+  return reloj != nullptr ? *reloj : sistema;
 }
 
-std::shared_ptr<IClock>& InstalledClock() {
-  static std::shared_ptr<IClock> clock;
-  return clock;
+}  // namespace core
+
+IClock& ContextoMF::Reloj() const {
+  return core::RelojOSistema(servicios.clock.get());
 }
 
-std::shared_ptr<IClock> CurrentClock() {
-  std::lock_guard lock(ClockMutex());
-  return InstalledClock();
-}
-
-}  // namespace
-
-std::shared_ptr<IClock> SetClock(std::shared_ptr<IClock> clock) {
-  std::lock_guard lock(ClockMutex());
-  std::swap(InstalledClock(), clock);
-  return clock;
-}
-
-Date Now() {
-  if (auto clock = CurrentClock()) return clock->Now();
-  return suite::SystemClock().Now();
-}
-
-Date Today() {
-  if (auto clock = CurrentClock()) return clock->Today();
-  return suite::SystemClock().Today();
-}
-
-}  // namespace kivmovfrec::core
+}  // namespace kivmovfrec

@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "core/clock.h"
+
 namespace kivmovfrec {
 namespace {
 
@@ -15,8 +17,11 @@ std::shared_ptr<T> NoNulo(std::shared_ptr<T> v, const char* parte) {
 
 }  // namespace
 
-clsMFTipo::clsMFTipo()
-    : mov_(std::make_shared<clsRegMovimientoFrecuente>()),
+clsMFTipo::clsMFTipo() : clsMFTipo(nullptr) {}
+
+clsMFTipo::clsMFTipo(std::shared_ptr<IClock> reloj)
+    : reloj_(std::move(reloj)),
+      mov_(std::make_shared<clsRegMovimientoFrecuente>(core::RelojOSistema(reloj_.get()))),
       rec_(std::make_shared<clsRegRecurrencia>()),
       renglones_(std::make_shared<clsRenglonesMF>()) {}
 

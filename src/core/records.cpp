@@ -3,12 +3,17 @@
 
 #include "core/clock.h"
 #include "kivmovfrec/records.h"
+#include "kivmovfrec/services.h"
 
 namespace kivmovfrec {
 
 void clsRegMovimientoFrecuente::Class_Initialize() {
+  Class_Initialize(core::RelojOSistema(nullptr));
+}
+
+void clsRegMovimientoFrecuente::Class_Initialize(IClock& reloj) {
   estado_ = ToInt(enuEstadoMF::EnProceso);
-  fecha_estado_ = core::Now();
+  fecha_estado_ = reloj.Now();
   vista_ = 0;
 }
 

@@ -6,12 +6,12 @@
 #include <utility>
 #include <vector>
 
+#include "core/clock.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
 #include "platform/vb/text.h"
 #include "resources/catalogue.h"
 #include "resources/msg.h"
-#include "storage/parametros.h"
 
 namespace kivmovfrec::formula {
 namespace {
@@ -36,8 +36,8 @@ Date FechaNoIndicada() {
 }
 
 clsCalculoFx::clsCalculoFx(std::shared_ptr<Connection> cn, const clsEmpresa& empresa,
-                           ServiciosFx servicios)
-    : cn_(std::move(cn)), fx_(cn_, std::move(servicios)) {
+                           ServiciosFx servicios, const ParametrosBD& parametros)
+    : cn_(std::move(cn)), fx_(cn_, std::move(servicios), parametros) {
   if (!cn_) throw std::invalid_argument("clsCalculoFx: falta la conexión");
   fx_.Empresa(empresa);
 }
@@ -56,7 +56,7 @@ bool clsCalculoFx::SetCalculoFormulasMF(clsMFTipo& mf, int32_t lMovFrec, bool bN
   traza_ = TrazaCalculoFx{};
   traza_.movimiento = lMovFrec;
   try {
-    if (!mf.Load(*cn_, lMovFrec)) {
+    if (!mf.Load(*cn_, lMovFrec, core::RelojOSistema(fx_.Servicios().clock.get()))) {
       traza_.error = "no existe el movimiento frecuente " + std::to_string(lMovFrec);
       return false;
     }
@@ -137,10 +137,10 @@ bool clsCalculoFx::GetValueUnaPata(const clsRenglonesMF& renglones, int16_t iMon
       }
     }
     if (!pata) {
-      traza_.error = diferencias.size() > 1
-                         ? std::string(resources::Texto(msg::kFxRestoEnVariasCuentas,
-                                                        storage::Parametros().idioma))
-                         : "las líneas no tienen una única pata abierta";
+      traza_.error =
+          diferencias.size() > 1
+              ? std::string(resources::Texto(msg::kFxRestoEnVariasCuentas, fx_.Parametros().idioma))
+              : "las líneas no tienen una única pata abierta";
       return false;
     }
     OpcionesCorrida op;
@@ -205,7 +205,7 @@ void clsCalculoFx::PedirTasas(clsRenglonesMF& renglones, int16_t moneda, Date fe
       tipos[clave] = r->TipoCambio() != 0 ? r->TipoCambio() : fx_.Empresa().TipoTCComprobantes();
     }
   }
-  const int idioma = storage::Parametros().idioma;
+  const int idioma = fx_.Parametros().idioma;
   for (const auto& [clave, lineas] : grupos) {
     const MonedaFx* mon = fx_.Monedas().Moneda(clave.first);
     const std::string simbolo = mon != nullptr ? mon->simbolo : std::to_string(clave.first);

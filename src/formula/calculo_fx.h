@@ -39,11 +39,14 @@ Date FechaNoIndicada();
 class clsCalculoFx {
  public:
   // `cn` must not be null (std::invalid_argument). The company's parameters are read at once;
-  // a database error there propagates.
-  clsCalculoFx(std::shared_ptr<Connection> cn, const clsEmpresa& empresa, ServiciosFx servicios);
+  // a database error there propagates. `parametros`: the settings of the database `cn` is on
+  // (date literal, language of the messages; copied).
+  clsCalculoFx(std::shared_ptr<Connection> cn, const clsEmpresa& empresa, ServiciosFx servicios,
+               const ParametrosBD& parametros);
 
   // Evaluates movement `lMovFrec`, loaded into `mf` (header, schedule and lines as stored; the
-  // lines then receive the computed ImporteMF / ImporteCta).
+  // lines then receive the computed ImporteMF / ImporteCta; a new header is stamped with the
+  // evaluator's clock).
   // Date: when `fecha` is the not-set marker, the movement's next due date is used when it has
   // a schedule (recurrence ID ≥ 1) whose FechaProxima is a date, otherwise today (the clock's);
   // the date used is written back to `fecha`. Another company than the context's reloads the

@@ -9,7 +9,6 @@
 #include "platform/vb/text.h"
 #include "resources/catalogue.h"
 #include "resources/msg.h"
-#include "storage/parametros.h"
 
 namespace kivmovfrec::formula {
 namespace {
@@ -18,10 +17,6 @@ constexpr std::string_view kMarcaCalculadora = "kivcalculator:";
 
 std::string Mostrar(double v) {
   return vb::NumberToText(v, vb::Locale::Spanish());
-}
-
-std::string Texto(int n) {
-  return std::string(resources::Texto(n, storage::Parametros().idioma));
 }
 
 TrazaElementoFx SinValor(TrazaElementoFx t, std::string detalle) {
@@ -68,6 +63,10 @@ CorridaFx::CorridaFx(clsFuncionesFx& fx, std::vector<std::shared_ptr<clsRegRengl
     traza_.lineas.push_back(std::move(t));
     lineas_.push_back(std::move(l));
   }
+}
+
+std::string CorridaFx::Texto(int n) const {
+  return std::string(resources::Texto(n, fx_.Parametros().idioma));
 }
 
 int16_t CorridaFx::Resolver(int16_t moneda) const {

@@ -118,6 +118,8 @@ class CorridaFx {
   std::string Simbolo(int16_t moneda);
   std::string FormatoImporte(int16_t moneda);
   int16_t Resolver(int16_t moneda) const;
+  // Catalogue text `n` in the language of the evaluator's database.
+  std::string Texto(int n) const;
 
   clsFuncionesFx& fx_;
   std::vector<Linea> lineas_;

@@ -83,10 +83,6 @@ std::string LineaVisible::Texto() const {
   return t;
 }
 
-std::string LecturaFormula::Resultado() const {
-  return ok ? formula : ":e:" + std::to_string(posicion);
-}
-
 clsFormulaMF::clsFormulaMF(std::shared_ptr<Connection> cn, ContextoFormula ctx)
     : cn_(std::move(cn)), ctx_(ctx) {}
 
@@ -518,3 +514,11 @@ bool clsFormulaMF::ArgumentosValidos(std::string_view guardada) const {
 }
 
 }  // namespace kivmovfrec::formula
+
+namespace kivmovfrec {
+
+std::string LecturaFormulaVisible::Resultado() const {
+  return ok ? formula : ":e:" + std::to_string(posicion);
+}
+
+}  // namespace kivmovfrec

@@ -60,6 +60,7 @@
 #include "formula/elementos.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/empresa.h"
+#include "kivmovfrec/presentacion.h"
 
 namespace kivmovfrec::formula {
 
@@ -84,15 +85,8 @@ struct LineaVisible {
   std::string Texto() const;
 };
 
-struct LecturaFormula {
-  bool ok = false;
-  std::string formula;  // the stored form, when ok
-  int posicion = 0;     // when !ok: 1-based character position where reading failed
-  std::string error;    // when !ok: what went wrong, in Spanish
-
-  // The stored form, or ":e:" followed by the position.
-  std::string Resultado() const;
-};
+// A display text read back (the struct is public: kivmovfrec/presentacion.h).
+using LecturaFormula = kivmovfrec::LecturaFormulaVisible;
 
 class clsFormulaMF {
  public:

@@ -11,7 +11,6 @@
 #include "platform/vb/dates.h"
 #include "platform/vb/format.h"
 #include "platform/vb/text.h"
-#include "storage/parametros.h"
 #include "storage/sql_texto.h"
 
 namespace kivmovfrec::formula {
@@ -129,8 +128,12 @@ std::string FechaCorta(Date d) {
   return vb::FormatDate(d, "dd/mm/yyyy");
 }
 
-clsFuncionesFx::clsFuncionesFx(std::shared_ptr<Connection> cn, ServiciosFx servicios)
-    : cn_(std::move(cn)), servicios_(std::move(servicios)), monedas_(servicios_.clock) {
+clsFuncionesFx::clsFuncionesFx(std::shared_ptr<Connection> cn, ServiciosFx servicios,
+                               const ParametrosBD& parametros)
+    : cn_(std::move(cn)),
+      servicios_(std::move(servicios)),
+      parametros_(parametros),
+      monedas_(servicios_.clock, parametros_) {
   monedas_.Connect(cn_);
 }
 
@@ -162,11 +165,11 @@ bool clsFuncionesFx::CargarEmpresa(int16_t id) {
 }
 
 Date clsFuncionesFx::Ahora() const {
-  return servicios_.clock ? servicios_.clock->Now() : core::Now();
+  return core::RelojOSistema(servicios_.clock.get()).Now();
 }
 
 Date clsFuncionesFx::Hoy() const {
-  return servicios_.clock ? servicios_.clock->Today() : core::Today();
+  return core::RelojOSistema(servicios_.clock.get()).Today();
 }
 
 script::HostResult clsFuncionesFx::Evaluar(std::string_view expresion, bool exponer) const {
@@ -174,7 +177,7 @@ script::HostResult clsFuncionesFx::Evaluar(std::string_view expresion, bool expo
     if (evaluador_) return evaluador_(cn_.get(), expresion, exponer);
     script::HostOptions opciones;
     auto reloj = servicios_.clock;
-    opciones.clock = [reloj] { return reloj ? reloj->Now() : core::Now(); };
+    opciones.clock = [reloj] { return core::RelojOSistema(reloj.get()).Now(); };
     return script::EvaluateScript(cn_.get(), expresion, exponer, opciones);
   } catch (const std::exception& e) {
     script::HostResult r;
@@ -188,7 +191,7 @@ std::string TextoReintento(const script::ScriptError& primero) {
 }
 
 std::string clsFuncionesFx::Marcadores(std::string t, int32_t id_mov) const {
-  const storage::ParametrosBD& p = storage::Parametros();
+  const ParametrosBD& p = parametros_;
   t = vb::Replace(t, "[pIDMov]", std::to_string(id_mov), true);
   t = vb::Replace(t, "[pEmp]", std::to_string(empresa_.ID()), true);
   t = vb::Replace(t, "[prmBDDateCharSQLs]", p.caracter_fecha, true);
@@ -363,7 +366,7 @@ TrazaElementoFx clsFuncionesFx::Script(std::string_view bloque, int32_t id_mov, 
 }
 
 std::string clsFuncionesFx::SqlDocumentos(bool es_comprobante, int32_t id, Date desde) const {
-  const std::string fecha = storage::FechaSQL(desde);
+  const std::string fecha = storage::FechaSQL(desde, parametros_);
   if (!es_comprobante) {
     return std::string(
                "Select ACuIDAsiento as ID, ACuCuenta as IDCuenta, ACuProyecto as IDProyecto, "

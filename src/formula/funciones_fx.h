@@ -43,6 +43,7 @@
 #include <vector>
 
 #include "formula/monedas.h"
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/services.h"
@@ -58,7 +59,7 @@ extern const char* const kSqlEsCarpeta;      // + account id
 extern const char* const kSqlRenglonesOtro;  // + movement id
 
 // What the evaluator asks of the suite. A null input cancels every prompt; a null clock is the
-// process clock (core/clock.h); a null balance makes every balance fail.
+// machine's clock; a null balance makes every balance fail.
 struct ServiciosFx {
   std::shared_ptr<IInput> input;
   std::shared_ptr<IClock> clock;
@@ -95,7 +96,10 @@ std::string FechaCorta(Date d);
 
 class clsFuncionesFx {
  public:
-  clsFuncionesFx(std::shared_ptr<Connection> cn, ServiciosFx servicios);
+  // `parametros`: the settings of the database `cn` is on (date literals, "[prmBDDateCharSQLs]",
+  // the language of the messages); copied.
+  clsFuncionesFx(std::shared_ptr<Connection> cn, ServiciosFx servicios,
+                 const ParametrosBD& parametros);
 
   // The company context: its record and its parameter items (EmpPrms, read from cceEmpresas for
   // the "[prm" name "]" placeholders). Sets the rate service's accounting currency.
@@ -113,6 +117,7 @@ class clsFuncionesFx {
   }
   Connection* Conexion() const { return cn_.get(); }
   const ServiciosFx& Servicios() const { return servicios_; }
+  const ParametrosBD& Parametros() const { return parametros_; }
   Date Ahora() const;
   Date Hoy() const;
 
@@ -165,6 +170,7 @@ class clsFuncionesFx {
 
   std::shared_ptr<Connection> cn_;
   ServiciosFx servicios_;
+  ParametrosBD parametros_;
   clsEmpresa empresa_;
   std::vector<std::pair<std::string, std::string>> prms_;  // EmpPrms items: name, value
   clsMonedas monedas_;

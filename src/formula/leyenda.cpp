@@ -34,7 +34,7 @@ const std::vector<Palabra>& Palabras() {
       {"&[fechal]", [](Date d, IClock*) { return vb::FormatDate(d, "Long Date"); }},
       {"&[fechah]",
        [](Date d, IClock* reloj) {
-         Date ahora = reloj != nullptr ? reloj->Now() : core::Now();
+         Date ahora = core::RelojOSistema(reloj).Now();
          return vb::FormatDate(d, "Long Date") + " " + vb::FormatDate(ahora, "hh:nn:ss");
        }},
       {"&[FDia]", [](Date d, IClock*) { return vb::FormatDate(d, "dddd"); }},

@@ -27,9 +27,8 @@
 namespace kivmovfrec::formula {
 
 // The legend with every recognised macro replaced. `reloj` gives the time of "&[FechaH]"; null
-// uses the process clock (core/clock.h). A value is only computed for a macro the legend holds;
-// a date the calendar cannot step (year 100 less a year) throws VbError.
-std::string InterpretarFormulaLeyenda(std::string_view leyenda, Date fecha,
-                                      IClock* reloj = nullptr);
+// uses the machine's clock. A value is only computed for a macro the legend holds; a date the
+// calendar cannot step (year 100 less a year) throws VbError.
+std::string InterpretarFormulaLeyenda(std::string_view leyenda, Date fecha, IClock* reloj);
 
 }  // namespace kivmovfrec::formula

@@ -9,7 +9,6 @@
 #include "platform/vb/dates.h"
 #include "platform/vb/format.h"
 #include "platform/vb/text.h"
-#include "storage/parametros.h"
 #include "storage/sql_texto.h"
 
 namespace kivmovfrec::formula {
@@ -51,18 +50,19 @@ Date FechaVaciaCotizacion() {
   return vb::DateSerial(1900, 1, 1);
 }
 
-clsMonedas::clsMonedas(std::shared_ptr<IClock> reloj) : reloj_(std::move(reloj)) {}
+clsMonedas::clsMonedas(std::shared_ptr<IClock> reloj, const ParametrosBD& parametros)
+    : reloj_(std::move(reloj)), parametros_(parametros) {}
 
 void clsMonedas::Connect(std::shared_ptr<Connection> cn) {
   cn_ = std::move(cn);
 }
 
 int16_t clsMonedas::MonedaContabilidad() const {
-  return moneda_contabilidad_ ? *moneda_contabilidad_ : storage::Parametros().moneda_contabilidad;
+  return moneda_contabilidad_ ? *moneda_contabilidad_ : parametros_.moneda_contabilidad;
 }
 
 Date clsMonedas::Hoy() const {
-  return reloj_ ? reloj_->Today() : core::Today();
+  return core::RelojOSistema(reloj_.get()).Today();
 }
 
 bool clsMonedas::Load() {
@@ -122,8 +122,9 @@ Variant clsMonedas::DatosMoneda(int16_t id, int campo) {
   return {};
 }
 
-std::string clsMonedas::SqlCotizacionDirecta(int16_t a, int16_t b, int32_t t, Date fecha) {
-  const std::string d = storage::FechaSQL(fecha);
+std::string clsMonedas::SqlCotizacionDirecta(int16_t a, int16_t b, int32_t t, Date fecha,
+                                             const ParametrosBD& p) {
+  const std::string d = storage::FechaSQL(fecha, p);
   auto resto = [&](int16_t x, int16_t y) {
     return std::string(" From genCotizacionesMoneda ") +
            " Where CMoFecha IN (Select MAX(CMoFecha) from genCotizacionesMoneda " +
@@ -141,7 +142,7 @@ CotizacionDirecta clsMonedas::BuscarCotizacionDirecta(int16_t a, int16_t b, int3
   CotizacionDirecta r;
   if (!cn_) return r;
   try {
-    auto rs = cn_->OpenResultset(SqlCotizacionDirecta(a, b, t, fecha));
+    auto rs = cn_->OpenResultset(SqlCotizacionDirecta(a, b, t, fecha, parametros_));
     if (rs->Eof()) return r;
     // Column 1 is named differently in the two branches: read it by position.
     Currency tasa = vb::CCur(rs->Get(1));

@@ -27,6 +27,7 @@
 #include <string>
 #include <vector>
 
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/services.h"
@@ -75,13 +76,15 @@ struct CotizacionUsada {
 
 class clsMonedas {
  public:
-  // `reloj` gives today for the empty date; null: the process clock (core/clock.h).
-  explicit clsMonedas(std::shared_ptr<IClock> reloj = nullptr);
+  // `reloj` gives today for the empty date; null: the machine's clock. `parametros`: the
+  // settings of the database the rates are read from (its date literal, and the accounting
+  // currency until MonedaContabilidad or Empresa sets one); copied.
+  clsMonedas(std::shared_ptr<IClock> reloj, const ParametrosBD& parametros);
 
   // Keeps the connection (shared).
   void Connect(std::shared_ptr<Connection> cn);
-  // The accounting currency that currency id 0 stands for. Until set, the process setting
-  // (storage::Parametros().moneda_contabilidad).
+  // The accounting currency that currency id 0 stands for. Until set, the one of the
+  // parameters given at construction.
   void MonedaContabilidad(int16_t id) { moneda_contabilidad_ = id; }
   void Empresa(const clsEmpresa& empresa) { moneda_contabilidad_ = empresa.MonedaContabilidad(); }
   int16_t MonedaContabilidad() const;
@@ -110,14 +113,15 @@ class clsMonedas {
   Currency Cotizacion(int16_t moneda, int16_t cotiza_en, int32_t tipo, Date& fecha, Currency& tasa);
 
   // The direct look-up statement for A in B (date written as an SQL date literal with the
-  // process settings).
+  // settings `p`).
   static std::string SqlCotizacionDirecta(int16_t moneda, int16_t cotiza_en, int32_t tipo,
-                                          Date fecha);
+                                          Date fecha, const ParametrosBD& p);
 
  private:
   Date Hoy() const;
 
   std::shared_ptr<IClock> reloj_;
+  ParametrosBD parametros_;
   std::shared_ptr<Connection> cn_;
   std::optional<int16_t> moneda_contabilidad_;
   std::vector<MonedaFx> monedas_;

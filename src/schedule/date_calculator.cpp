@@ -120,3 +120,11 @@ std::string DateCalculator::DescribirFrecuencia(std::string_view code) {
 }
 
 }  // namespace kivmovfrec::schedule
+
+namespace kivmovfrec {
+
+std::unique_ptr<IDateCalculator> CalculadoraFechasSuite() {
+  return std::make_unique<schedule::DateCalculator>();
+}
+
+}  // namespace kivmovfrec

@@ -2,6 +2,8 @@
 // other five are the step, code = unit * 100000 + step. 000007 is every 7 days, 200003 every
 // three months, 300001 every year; 000000 means once only. The value -1 appears only in lists,
 // for a frequency the user composes ("Definido ...").
+// Frequency, its unit, kMaxStep and reading and writing codes are public
+// (kivmovfrec/frecuencia.h).
 #pragma once
 
 #include <cstdint>
@@ -10,31 +12,9 @@
 #include <string>
 #include <string_view>
 
+#include "kivmovfrec/frecuencia.h"
+
 namespace kivmovfrec::schedule {
-
-// Units, numbered as enuTipoRecurrencia (Diaria 0, Semanal 1, Mensual 2, Anual 3).
-enum class FrequencyUnit : int { Days = 0, Weeks = 1, Months = 2, Years = 3 };
-
-struct Frequency {
-  FrequencyUnit unit = FrequencyUnit::Days;
-  int32_t step = 0;  // 0 = once only (whatever the unit)
-
-  bool once() const { return step == 0; }
-  int32_t code() const { return static_cast<int32_t>(unit) * 100000 + step; }
-  friend bool operator==(const Frequency&, const Frequency&) = default;
-};
-
-inline constexpr int32_t kMaxStep = 99999;
-inline constexpr int32_t kCodeUserDefined = -1;
-
-// Reads a code given as text: its first six characters (blanks around are ignored) must be
-// digits of a number whose unit is 0..3. "7" and "000007" are the same code. Nothing for
-// anything else, including "-1".
-std::optional<Frequency> ParseFrequency(std::string_view text);
-// Same for a numeric code.
-std::optional<Frequency> FrequencyFromCode(int32_t code);
-// The code written with six digits: 7 -> "000007".
-std::string FormatFrequencyCode(int32_t code);
 
 // One entry of the frequency list that the wizard and the task-list editor offer.
 struct FrequencyEntry {

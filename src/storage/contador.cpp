@@ -5,16 +5,14 @@
 #include "kivmovfrec/errors.h"
 #include "resources/catalogue.h"
 #include "resources/msg.h"
-#include "storage/parametros.h"
 
 namespace kivmovfrec::storage {
 
-int32_t NuevoID(IDBFncs& dbf, std::string_view tabla) {
+int32_t NuevoID(IDBFncs& dbf, std::string_view tabla, int idioma) {
   const int32_t id = dbf.GetTableCounter(tabla);
   if (id == -1) {
-    throw ComponentError(
-        kErrorContador, kFuenteContador,
-        std::string(resources::Texto(msg::kContadorTablaFallido, Parametros().idioma)));
+    throw ComponentError(kErrorContador, kFuenteContador,
+                         std::string(resources::Texto(msg::kContadorTablaFallido, idioma)));
   }
   return id;
 }

@@ -14,7 +14,7 @@ inline constexpr const char* kFuenteContador = "DBFncs";
 
 // Draws the next key of `tabla` ("genMovimientosFrecuentes", "genRecurrencias") from the
 // counter service. When the service answers -1 throws ComponentError{8000, "DBFncs", catalogue
-// text 904 in the current language}. Errors of the service itself pass through unchanged.
-int32_t NuevoID(IDBFncs& dbf, std::string_view tabla);
+// text 904 in language `idioma`}. Errors of the service itself pass through unchanged.
+int32_t NuevoID(IDBFncs& dbf, std::string_view tabla, int idioma);
 
 }  // namespace kivmovfrec::storage

@@ -10,11 +10,6 @@
 
 namespace kivmovfrec::storage {
 
-ParametrosBD& Parametros() {
-  static ParametrosBD parametros;
-  return parametros;
-}
-
 const char* const kSqlParametros =
     "Select * from genParametros "
     " Where ParNombre In ('defBkColorObligatorio', 'defBDDateCharSQLs', 'defBDDateFormat', "
@@ -31,8 +26,8 @@ std::optional<double> ValorNumerico(const Variant& v) {
 
 }  // namespace
 
-void CargarParametros(Connection& cn) {
-  ParametrosBD leidos = Parametros();
+void CargarParametros(Connection& cn, ParametrosBD& p) {
+  ParametrosBD leidos = p;
   const ParametrosBD estandar;
   leidos.caracter_fecha = estandar.caracter_fecha;
   leidos.formato_fecha = estandar.formato_fecha;
@@ -54,16 +49,16 @@ void CargarParametros(Connection& cn) {
     }
   }
   rs->Close();
-  Parametros() = leidos;
+  p = leidos;
 }
 
-void LeerIdioma(IDBFncs& dbf) {
+int16_t LeerIdioma(IDBFncs& dbf) {
   int16_t idioma = 0;
   if (auto n = ValorNumerico(dbf.GetSetting("Idioma"))) {
     const double r = std::nearbyint(*n);
     if (r >= 0 && r <= std::numeric_limits<int16_t>::max()) idioma = static_cast<int16_t>(r);
   }
-  Parametros().idioma = idioma;
+  return idioma;
 }
 
 }  // namespace kivmovfrec::storage

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "core/clock.h"
 #include "storage/columnas.h"
 #include "storage/tabla_movimientos.h"
 #include "storage/tabla_recurrencias.h"
@@ -35,12 +36,16 @@ std::string SqlCargaCompleta(int32_t id) {
 }  // namespace
 
 bool clsMFTipo::Load(Connection& cn, int32_t id) {
+  return Load(cn, id, core::RelojOSistema(reloj_.get()));
+}
+
+bool clsMFTipo::Load(Connection& cn, int32_t id, IClock& reloj) {
   auto rs = cn.OpenResultset(SqlCargaCompleta(id));
   if (rs->Eof()) {
     rs->Close();
     return false;
   }
-  auto mov = std::make_shared<clsRegMovimientoFrecuente>();
+  auto mov = std::make_shared<clsRegMovimientoFrecuente>(reloj);
   auto rec = std::make_shared<clsRegRecurrencia>();
   auto renglones = std::make_shared<clsRenglonesMF>();
   storage::LeerMovimiento(*rs, *mov);
@@ -59,7 +64,7 @@ bool clsMFTipo::Load(Connection& cn, int32_t id) {
   return true;
 }
 
-int32_t clsMFTipo::Save(Connection& cn, IDBFncs& dbf, int16_t libro) {
+int32_t clsMFTipo::Save(Connection& cn, IDBFncs& dbf, int16_t libro, const ParametrosBD& p) {
   clsRegMovimientoFrecuente& mov = *mov_;
   clsRegRecurrencia& rec = *rec_;
   clsRenglonesMF& renglones = *renglones_;
@@ -75,7 +80,7 @@ int32_t clsMFTipo::Save(Connection& cn, IDBFncs& dbf, int16_t libro) {
     // The record no longer has a row: a schedule given to it later is stored as a new one.
     rec.ID(0);
   } else if (!rec.FechaProxima().empty()) {
-    mov.Recurrencia(storage::GuardarRecurrencia(cn, dbf, rec));
+    mov.Recurrencia(storage::GuardarRecurrencia(cn, dbf, rec, p));
   }
 
   // 2. Link order.
@@ -85,7 +90,7 @@ int32_t clsMFTipo::Save(Connection& cn, IDBFncs& dbf, int16_t libro) {
   if (mov.Tipo() == enuTipoMovFrec::Asiento && mov.Modalidad() == 0) mov.Modalidad(libro);
 
   // 4. Header.
-  const int32_t id = storage::GuardarMovimiento(cn, dbf, mov);
+  const int32_t id = storage::GuardarMovimiento(cn, dbf, mov, p);
 
   // 5. Lines: the stored set is replaced by the one in memory.
   auto rs = cn.OpenResultset(storage::SqlRenglonesDe(id));

@@ -13,17 +13,17 @@
 #include <string>
 #include <string_view>
 
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/variant.h"
-#include "storage/parametros.h"
 
 namespace kivmovfrec::storage {
 
 // `d` in the database's date format (defBDDateFormat), without delimiters.
-std::string FormatoFechaBD(Date d, const ParametrosBD& p = Parametros());
+std::string FormatoFechaBD(Date d, const ParametrosBD& p);
 
 // A date literal: `d` formatted with defBDDateFormat between two defBDDateCharSQLs, e.g.
 // '2024-03-01 00:00:00' with the demo settings.
-std::string FechaSQL(Date d, const ParametrosBD& p = Parametros());
+std::string FechaSQL(Date d, const ParametrosBD& p);
 
 // Why a typed text was refused.
 enum class MotivoRechazo {

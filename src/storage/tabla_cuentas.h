@@ -17,13 +17,8 @@ namespace kivmovfrec::storage {
 // "Select CueIDEmpresa, CueEsCarpeta From cceCuentas Where CueID = " + cuenta
 std::string SqlCuentaDeRenglon(int32_t cuenta);
 
-// Why account `cuenta` cannot take a line of a movement of company `empresa`, as a Spanish
-// phrase without capital or full stop, ready to follow a path or a line number:
-//   "la cuenta 999 no existe"
-//   "la cuenta 201 es de otra empresa (la 2)"
-//   "la cuenta 100 es una carpeta"
-// (checked in that order). Nothing when the account can take the line. Reads one row; database
-// errors (DbError) propagate.
+// Why account `cuenta` cannot take a line of a movement of company `empresa`; hosts reach it as
+// kivmovfrec::ProblemaCuentaRenglon (kivmovfrec/cuentas.h), which states the contract.
 std::optional<std::string> ProblemaCuentaRenglon(Connection& cn, int32_t empresa, int32_t cuenta);
 
 }  // namespace kivmovfrec::storage

@@ -76,12 +76,13 @@ void RechazarTextosMovimiento(const clsRegMovimientoFrecuente& mf) {
   RechazarTextoNoAlmacenable(mf.Memo(), "Memo");
 }
 
-int32_t GuardarMovimiento(Connection& cn, IDBFncs& dbf, clsRegMovimientoFrecuente& mf) {
+int32_t GuardarMovimiento(Connection& cn, IDBFncs& dbf, clsRegMovimientoFrecuente& mf,
+                          const ParametrosBD& p) {
   RechazarTextosMovimiento(mf);
   auto rs = cn.OpenResultset(SqlMovimientoPorID(mf.ID()));
   int32_t id = mf.ID();
   if (rs->Eof()) {
-    id = NuevoID(dbf, "genMovimientosFrecuentes");
+    id = NuevoID(dbf, "genMovimientosFrecuentes", p.idioma);
     rs->AddNew();
     rs->Set("MFrID", id);
   } else {

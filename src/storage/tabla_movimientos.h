@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <string>
 
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/records.h"
 #include "kivmovfrec/services.h"
@@ -49,8 +50,10 @@ void RechazarTextosMovimiento(const clsRegMovimientoFrecuente& mf);
 // SqlMovimientoPorID(mf.ID()); when no row is found draws a new key for
 // "genMovimientosFrecuentes" (NuevoID: ComponentError 8000 on -1, and then nothing is written)
 // and adds the row, otherwise edits the one found. Every column is written and the key is stored
-// back in mf.ID(). Returns the key. Lines and schedule are not touched.
-int32_t GuardarMovimiento(Connection& cn, IDBFncs& dbf, clsRegMovimientoFrecuente& mf);
+// back in mf.ID(). Returns the key. Lines and schedule are not touched. `p`: the database's
+// settings (the language of the counter's error).
+int32_t GuardarMovimiento(Connection& cn, IDBFncs& dbf, clsRegMovimientoFrecuente& mf,
+                          const ParametrosBD& p);
 
 // "Select Max(MFrMVOrden) From genMovimientosFrecuentes Where MFrMovVinculado = " + id
 std::string SqlMaxOrdenVinculo(int32_t mov_vinculado);

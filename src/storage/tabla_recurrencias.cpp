@@ -106,17 +106,18 @@ bool CargarRecurrencia(Connection& cn, clsRegRecurrencia& rec) {
   return true;
 }
 
-int32_t GuardarRecurrencia(Connection& cn, IDBFncs& dbf, clsRegRecurrencia& rec) {
+int32_t GuardarRecurrencia(Connection& cn, IDBFncs& dbf, clsRegRecurrencia& rec,
+                           const ParametrosBD& p) {
   auto rs = cn.OpenResultset(SqlRecurrenciaPorID(rec.ID()));
   int32_t id = rec.ID();
   if (rs->Eof()) {
-    id = NuevoIDRecurrencia(dbf);
+    id = NuevoIDRecurrencia(dbf, p.idioma);
     rs->AddNew();
     rs->Set("RecID", id);
   } else {
     rs->Edit();
   }
-  EscribirRecurrencia(*rs, rec);
+  EscribirRecurrencia(*rs, rec, p);
   rs->Update();
   rs->Close();
   rec.ID(id);
@@ -129,8 +130,8 @@ void BorrarRecurrencia(Connection& cn, int32_t id) {
   rs->Close();
 }
 
-int32_t NuevoIDRecurrencia(IDBFncs& dbf) {
-  return NuevoID(dbf, "genRecurrencias");
+int32_t NuevoIDRecurrencia(IDBFncs& dbf, int idioma) {
+  return NuevoID(dbf, "genRecurrencias", idioma);
 }
 
 }  // namespace kivmovfrec::storage

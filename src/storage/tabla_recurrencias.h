@@ -30,11 +30,11 @@
 #include <cstdint>
 #include <string>
 
+#include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/records.h"
 #include "kivmovfrec/services.h"
 #include "kivmovfrec/variant.h"
-#include "storage/parametros.h"
 
 namespace kivmovfrec::storage {
 
@@ -47,26 +47,27 @@ void LeerRecurrencia(const Resultset& rs, clsRegRecurrencia& rec);
 
 // Assigns every column except RecID on the row being added or edited. Fills an invalid
 // FechaInicio from FechaProxima first.
-void EscribirRecurrencia(Resultset& rs, clsRegRecurrencia& rec,
-                         const ParametrosBD& p = Parametros());
+// Dates are cut to the precision of `p`'s date format (FechaSegunFormatoBD).
+void EscribirRecurrencia(Resultset& rs, clsRegRecurrencia& rec, const ParametrosBD& p);
 
 // Load: reads row rec.ID() into `rec`. False, leaving `rec` untouched, when there is none.
 bool CargarRecurrencia(Connection& cn, clsRegRecurrencia& rec);
 
 // Save: opens SqlRecurrenciaPorID(rec.ID()); when there is no row draws a new key
 // (NuevoIDRecurrencia) and adds the row, otherwise edits it. Returns the key, also stored in
-// rec.ID().
-int32_t GuardarRecurrencia(Connection& cn, IDBFncs& dbf, clsRegRecurrencia& rec);
+// rec.ID(). `p`: the database's settings (date precision, language of the counter's error).
+int32_t GuardarRecurrencia(Connection& cn, IDBFncs& dbf, clsRegRecurrencia& rec,
+                           const ParametrosBD& p);
 
 // Delete: removes row `id` when there is one; no row is no error.
 void BorrarRecurrencia(Connection& cn, int32_t id);
 
 // NewID: the next key of "genRecurrencias"; ComponentError{8000, "DBFncs", text 904} when the
-// counter answers -1.
-int32_t NuevoIDRecurrencia(IDBFncs& dbf);
+// counter answers -1 (in language `idioma`).
+int32_t NuevoIDRecurrencia(IDBFncs& dbf, int idioma);
 
 // `d` cut to the precision of the database date format: the date alone when the format has no
 // hour, otherwise whole seconds (whole minutes when it has hours but no seconds).
-Date FechaSegunFormatoBD(Date d, const ParametrosBD& p = Parametros());
+Date FechaSegunFormatoBD(Date d, const ParametrosBD& p);
 
 }  // namespace kivmovfrec::storage

@@ -1,5 +1,6 @@
 // DarRealizadaFechaAgenda: advancing and ending schedules, notices, linked chains and the one
 // transaction around it all.
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -144,6 +145,22 @@ TEST_P(Agendas, CadenaVinculadaAvanzaEnSuOrdenYElMiembroNoArrastraAlGrupo) {
   ASSERT_TRUE(mf.DarRealizadaFechaAgenda(25));
   EXPECT_EQ(Agenda(25).FechaProxima(), "10/01/2027");
   EXPECT_EQ(Agenda(26).FechaProxima(), "26/11/2026");
+}
+
+// The agenda computes its amounts on a movement of its own: the current movement, its schedule
+// and the last trace stay as they were. (What is computed is checked through movfrec agenda.)
+TEST_P(Agendas, AgendaConImportesNoTocaElMovimientoActual) {
+  ASSERT_TRUE(mf.LoadMF(2));
+  const auto actual = mf.EstructuraMovFrec();
+  const std::string proxima = actual->Recurrencia()->FechaProxima();
+  const ResultadoAgenda r =
+      mf.Agenda(suite::SerialOf(2026, 11, 1), suite::SerialOf(2027, 1, 31), true);
+  ASSERT_TRUE(std::any_of(r.ocurrencias.begin(), r.ocurrencias.end(),
+                          [](const OcurrenciaAgenda& o) { return o.importes && o.importes->ok; }));
+  EXPECT_EQ(mf.EstructuraMovFrec(), actual);
+  EXPECT_EQ(actual->MovFrecuente()->ID(), 2);
+  EXPECT_EQ(actual->Recurrencia()->FechaProxima(), proxima);
+  EXPECT_TRUE(mf.UltimaTrazaFx().lineas.empty());
 }
 
 KMF_INSTANTIATE_ENGINES(Agendas);

@@ -7,16 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "api/ejecucion.h"
 #include "fachada_fixture.h"
 #include "support/faulty_connection.h"
 
 namespace kivmovfrec::testing {
 namespace {
-
-using api::EjecutarVencidos;
-using api::EstadoOcurrencia;
-using api::OcurrenciaEjecutada;
 
 Date Dia(int y, int m, int d) {
   return suite::SerialOf(y, m, d);
@@ -71,7 +66,7 @@ class Ejecucion : public Fachada {
     }
     return mf.SaveMovimientoFrecuente();
   }
-  Filas Lineas(const api::DocumentoGenerado& d) {
+  Filas Lineas(const DocumentoGenerado& d) {
     const std::string p = d.tipo == 2 ? "CCu" : "ACu";
     auto rs = cn->OpenResultset("Select " + p + "Debe, " + p + "Haber From " +
                                 (d.tipo == 2 ? "cceComprobanteCuenta Where CCuIDComprobante = "
@@ -88,8 +83,8 @@ class Ejecucion : public Fachada {
 // elsewhere, not as a failure, and the run goes on with that movement's next due date.
 TEST_P(Ejecucion, EveryDueOccurrenceIsPostedOnceAndReportedAsItFinishes) {
   FachadaPropia otra(cn);
-  std::vector<api::ProgresoEjecucion> avance;
-  const auto al_terminar = [&](const OcurrenciaEjecutada& o, const api::ProgresoEjecucion& p) {
+  std::vector<ProgresoEjecucion> avance;
+  const auto al_terminar = [&](const OcurrenciaEjecutada& o, const ProgresoEjecucion& p) {
     EXPECT_FALSE(cn->InTransaction());
     EXPECT_EQ(o.estado, o.movimiento == 3 && o.fecha == Dia(2026, 11, 20)
                             ? EstadoOcurrencia::HechaEnOtraParte
@@ -99,7 +94,7 @@ TEST_P(Ejecucion, EveryDueOccurrenceIsPostedOnceAndReportedAsItFinishes) {
     // After the first one, someone marks the VAT settlement's 20/11 occurrence done.
     EXPECT_TRUE(p.terminadas != 1 || otra.mf.DarRealizadaFechaAgenda(3));
   };
-  const auto r = EjecutarVencidos(mf, *cn, 1, Dia(2027, 1, 15), al_terminar).ocurrencias;
+  const auto r = mf.EjecutarVencidos(Dia(2027, 1, 15), al_terminar).ocurrencias;
   ASSERT_EQ(avance.size(), r.size());
   for (size_t i = 0; i < r.size(); ++i) {
     EXPECT_LE(r[i == 0 ? 0 : i - 1].fecha, r[i].fecha);
@@ -179,7 +174,7 @@ TEST_P(Ejecucion, AmountsAreRoundedOnceToTheirCurrencyAndBalanceInMinorUnits) {
   // clang-format on
   std::vector<int32_t> ids;
   for (const Caso& c : casos) ids.push_back(Nuevo(c.tipo, c.moneda, "05/11/2026", c.lineas));
-  const auto r = EjecutarVencidos(mf, *cn, 1, Dia(2026, 11, 5)).ocurrencias;
+  const auto r = mf.EjecutarVencidos(Dia(2026, 11, 5)).ocurrencias;
   for (size_t i = 0; i < casos.size(); ++i) {
     const Caso& c = casos[i];
     const OcurrenciaEjecutada o = De(r, ids[i], Dia(2026, 11, 5));
@@ -231,7 +226,7 @@ TEST_P(Ejecucion, ALinkedGroupRunsInLinkOrderAndAFailureAnywhereLeavesNothingHal
     auto faulty = std::make_shared<FaultyConnection>(real, 0);
     FachadaPropia otra(faulty);
     faulty->FailAt(faulty->statements() + k);
-    const auto r = EjecutarVencidos(otra.mf, *faulty, 1, Dia(2026, 11, 10)).ocurrencias;
+    const auto r = otra.mf.EjecutarVencidos(Dia(2026, 11, 10)).ocurrencias;
     EXPECT_FALSE(real->InTransaction()) << "sentencia " << k;
     const bool hecha = r.size() == 1 && r[0].estado == EstadoOcurrencia::Ejecutada;
     std::vector<std::pair<int32_t, double>> hechos;  // in the order written: ascending ids

@@ -9,14 +9,12 @@
 #include <memory>
 #include <string>
 
-#include "core/clock.h"
 #include "install/demo_db.h"
 #include "kivmovfrec/kivmovfrec.h"
 #include "platform/suite/clock.h"
 #include "platform/suite/rights.h"
 #include "platform/suite/scripted.h"
 #include "platform/vb/convert.h"
-#include "storage/parametros.h"
 #include "support/db_snapshot.h"
 #include "support/demo_engine.h"
 
@@ -66,11 +64,6 @@ class Fachada : public DemoEngineTest {
     mf.Connect(cn);
     mf.Empresa(1);
   }
-  void TearDown() override {
-    storage::Parametros() = storage::ParametrosBD{};
-    core::SetClock(nullptr);
-  }
-
   // One column of one movement.
   Variant Mov(int32_t id, const std::string& columna) {
     return Scalar(*cn, "Select " + columna +

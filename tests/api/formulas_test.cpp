@@ -10,9 +10,9 @@ namespace {
 class Formulas : public Fachada {};
 
 TEST_P(Formulas, MovementWithoutDueDateIsComputedAsOfTodayAndKeepsTheMarkerText) {
-  storage::Parametros().moneda_contabilidad = 0;
+  EXPECT_EQ(mf.Contexto().parametros.moneda_contabilidad, 0);
   ASSERT_TRUE(mf.SetCalculoFormulasMF(18, true)) << mf.UltimaTrazaFx().error;
-  EXPECT_EQ(storage::Parametros().moneda_contabilidad, 1);  // copied from the company
+  EXPECT_EQ(mf.Contexto().parametros.moneda_contabilidad, 1);  // copied from the company
   EXPECT_EQ(mf.EstructuraMovFrec()->Recurrencia()->FechaProxima(), "01/01/1958");
   EXPECT_EQ(mf.UltimaTrazaFx().fecha, kHoy);
   EXPECT_EQ(mf.EstructuraMovFrec()->MovFrecuente()->ID(), 18);

@@ -52,16 +52,6 @@ TEST_P(Guardar, SinConexionCadaMiembroNoHaceNada) {
   EXPECT_EQ(Tablas(), antes);
 }
 
-TEST_P(Guardar, ConnectLeeParametrosIdiomaEInstalaElReloj) {
-  cn->Execute("Update genParametros Set ParTexto = '#' Where ParNombre = 'defBDDateCharSQLs'");
-  storage::Parametros() = storage::ParametrosBD{};
-  core::SetClock(nullptr);
-  mf.Connect(cn);
-  EXPECT_EQ(storage::Parametros().caracter_fecha, "#");  // every parameter: tablas_test.cpp
-  EXPECT_EQ(storage::Parametros().idioma, 1);
-  EXPECT_EQ(core::Today(), kHoy);
-}
-
 TEST_P(Guardar, ElDiarioPorDefectoEsElDeLaEmpresa) {
   AsientoNuevo(mf, "Asiento de la empresa 2");
   mf.Empresa(2);

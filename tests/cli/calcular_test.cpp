@@ -137,8 +137,16 @@ TEST_P(Calcular, EvaluarPrintsTheResultOrTheErrorWithACaretUnderItsColumn) {
   r = Run({"--json", "evaluar", "1/0"});
   EXPECT_EQ(r.status, 1);
   const Json j = Json::parse(r.out);
+  EXPECT_EQ(j["Ok"], false);
   EXPECT_EQ(j["Error"]["Numero"], 11);
+  EXPECT_EQ(j["Error"]["Origen"], "VBScript");
+  EXPECT_EQ(j["Error"]["Texto"], "División por cero");
   EXPECT_EQ(j["Error"]["Columna"], 0);
+  const Json bien = Json::parse(Run({"--json", "evaluar", "Round(12000/0,2)"}).out);
+  EXPECT_EQ(bien["Ok"], true);
+  EXPECT_EQ(bien["Resultado"], "60000");
+  EXPECT_TRUE(bien["Error"].is_null());
+  EXPECT_EQ(bien["ReintentoTrasError"]["Numero"], 11);
 }
 
 KMF_INSTANTIATE_ENGINES(Calcular);

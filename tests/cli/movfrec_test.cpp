@@ -117,17 +117,52 @@ TEST_P(Movfrec, UsageErrorsExitTwoInSpanish) {
   EXPECT_NE(help.out.find("--estado"), std::string::npos);
 }
 
-TEST_P(Movfrec, DatabaseErrorsExitOne) {
+// Database errors exit 1; with --json every failure (database, command line, refusal) also
+// writes the one error object on stdout, with no result before it.
+TEST_P(Movfrec, FailuresExitNonZeroAndWriteTheErrorObjectAsJson) {
   // A database that cannot be reached: a folder that does not exist, a server that is not there.
   const std::string unreachable =
       !postgres() ? "sqlite:/no/existe/movfrec.db" : "postgresql://postgres@127.0.0.1:1/kmf_test";
   const Result missing = Run({"--db", unreachable, "listar"});
   EXPECT_EQ(missing.status, 1);
   EXPECT_NE(missing.err.find("error de base de datos"), std::string::npos) << missing.err;
+  EXPECT_EQ(missing.out, "");
 
   const Result no_tables = Run({"--db", uri_, "listar"});
   EXPECT_EQ(no_tables.status, 1);
   EXPECT_NE(no_tables.err.find("movfrec init"), std::string::npos) << no_tables.err;
+
+  struct Case {
+    std::vector<std::string> args;
+    int status;
+    std::string origen, texto;
+    bool init = false;  // run on the demo database
+  };
+  const std::vector<Case> cases = {
+      {{"listar"}, 1, "base de datos", ""},
+      {{"--empresa", "uno", "listar"}, 2, "movfrec", "se esperaba un número entero"},
+      {{"ver", "999"}, 1, "movfrec ver", "no existe el movimiento frecuente 999", true},
+      {{"agenda", "--desde", "2026-02-01", "--hasta", "2026-01-01"},
+       2,
+       "movfrec agenda",
+       "es anterior a --desde",
+       true},
+  };
+  for (const Case& c : cases) {
+    if (c.init) {
+      ASSERT_EQ(Run({"--db", uri_, "init", "--demo"}).status, 0);
+    }
+    std::vector<std::string> args = {"--db", uri_, "--json"};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const Result r = Run(args);
+    EXPECT_EQ(r.status, c.status) << c.origen << "\n" << r.err;
+    const auto j = nlohmann::ordered_json::parse(r.out, nullptr, false);
+    ASSERT_TRUE(j.is_object()) << r.out;
+    EXPECT_EQ(j["Ok"], false);
+    EXPECT_TRUE(j["Error"]["Numero"].is_null());
+    EXPECT_EQ(j["Error"]["Origen"], c.origen);
+    EXPECT_TRUE(kmf_cli::Has(j["Error"]["Texto"].get<std::string>(), c.texto)) << r.out;
+  }
 }
 
 KMF_INSTANTIATE_ENGINES(Movfrec);

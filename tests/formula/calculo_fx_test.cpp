@@ -17,7 +17,6 @@
 #include "platform/suite/scripted.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
-#include "storage/parametros.h"
 
 namespace kivmovfrec::testing {
 namespace {
@@ -36,11 +35,12 @@ class Calculo : public DemoEngineTest {
     sv = suite::ScriptedServices::Make(cn, kHoy);
     reloj = std::make_shared<suite::FixedClock>(kHoy, 10.0 / 24);
     ASSERT_TRUE(empresa.Load(1, *cn));
-    storage::Parametros().moneda_contabilidad = empresa.MonedaContabilidad();
+    parametros.moneda_contabilidad = empresa.MonedaContabilidad();
   }
-  void TearDown() override { storage::Parametros() = storage::ParametrosBD{}; }
 
-  clsCalculoFx Evaluador() { return clsCalculoFx(cn, empresa, {sv.input, reloj, sv.balance}); }
+  clsCalculoFx Evaluador() {
+    return clsCalculoFx(cn, empresa, {sv.input, reloj, sv.balance}, parametros);
+  }
 
   // Lines given to RecalcularFormulasMF: {account, debit?, formula}.
   struct L {
@@ -71,6 +71,7 @@ class Calculo : public DemoEngineTest {
   suite::ScriptedServices sv;
   std::shared_ptr<suite::FixedClock> reloj;
   clsEmpresa empresa;
+  ParametrosBD parametros;
 };
 
 TEST_P(Calculo, MarkerDateTakesTheNextDueDateOrTodayAndIsWrittenBack) {

@@ -28,7 +28,7 @@ class Monedas : public testing::DemoEngineTest {
     ASSERT_TRUE(m_.Load());
   }
   std::shared_ptr<suite::FixedClock> reloj_ = std::make_shared<suite::FixedClock>(D(2026, 11, 18));
-  clsMonedas m_{reloj_};
+  clsMonedas m_{reloj_, ParametrosBD{}};
 };
 
 TEST_P(Monedas, CurrencyDataWithDefaultFormatsAndTheRememberedLastHit) {
@@ -132,7 +132,7 @@ TEST_P(Monedas, DatabaseErrorsFallBackToOne) {
   EXPECT_TRUE(u.por_defecto);
   EXPECT_EQ(u.tasa, C(10000));
   EXPECT_FALSE(m_.BuscarCotizacionDirecta(2, 1, 1, D(2026, 11, 30)).encontrada);
-  clsMonedas sin_conexion;
+  clsMonedas sin_conexion(nullptr, ParametrosBD{});
   EXPECT_FALSE(sin_conexion.Load());
   EXPECT_EQ(sin_conexion.Cotizacion(2, 1, 1, D(2026, 11, 30)).tasa, C(10000));
 }

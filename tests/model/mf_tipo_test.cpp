@@ -61,7 +61,6 @@ class Agregado : public testing::DemoEngineTest {
     DemoEngineTest::SetUpDatabase();
     real = DemoEngineTest::cn;
     cn = std::make_shared<testing::RecordingConnection>(real);
-    storage::Parametros() = storage::ParametrosBD{};
     dbf.siguiente = 900;
   }
   int Lineas(int32_t id) {
@@ -117,7 +116,7 @@ TEST_P(Agregado, GuardarNuevoEnOrdenDeLosPasos) {
   fija->Orden(7);  // an explicit position is kept
   mf.Renglones()->AddRenglon(fija);
 
-  const int32_t id = mf.Save(*cn, dbf, /*libro=*/3);
+  const int32_t id = mf.Save(*cn, dbf, /*libro=*/3, {});
   EXPECT_EQ(id, 901);  // the schedule drew 900 first
   EXPECT_EQ(dbf.tablas, (std::vector<std::string>{"genRecurrencias", "genMovimientosFrecuentes"}));
   EXPECT_EQ(mov.Recurrencia(), 900);
@@ -131,7 +130,7 @@ TEST_P(Agregado, GuardarNuevoEnOrdenDeLosPasos) {
             std::tuple(141, 1, 113, 7));
 
   // A second save updates in place.
-  EXPECT_EQ(mf.Save(*cn, dbf, 3), 901);
+  EXPECT_EQ(mf.Save(*cn, dbf, 3, {}), 901);
   EXPECT_EQ(Lineas(901), 2);
   EXPECT_EQ(CountRows(*real, "Select * From genRecurrencias Where RecID = 900"), 1);
 }
@@ -141,10 +140,10 @@ TEST_P(Agregado, LineasQuitadasEnMemoriaDesaparecenDeLaTabla) {
   ASSERT_TRUE(mf.Load(*cn, 2));
   ASSERT_EQ(Lineas(2), 4);
   mf.Renglones()->RemoveRenglon(2);
-  mf.Save(*cn, dbf, 1);
+  mf.Save(*cn, dbf, 1, {});
   EXPECT_EQ(Lineas(2), 3);
   while (mf.Renglones()->QRenglones() > 0) mf.Renglones()->RemoveRenglon(1);
-  mf.Save(*cn, dbf, 1);
+  mf.Save(*cn, dbf, 1, {});
   EXPECT_EQ(Lineas(2), 0);
 }
 
@@ -152,7 +151,7 @@ TEST_P(Agregado, RecurrenciaCeroBorraLaAgendaAnteriorAlGuardar) {
   clsMFTipo mf;
   ASSERT_TRUE(mf.Load(*cn, 3));
   mf.MovFrecuente()->Recurrencia(0);
-  mf.Save(*cn, dbf, 1);
+  mf.Save(*cn, dbf, 1, {});
   EXPECT_EQ(CountRows(*real, "Select * From genRecurrencias Where RecID = 2"), 0);
   EXPECT_TRUE(Scalar(*real, "Select MFrRecurrencia From genMovimientosFrecuentes Where MFrID = 3")
                   .IsNull());
@@ -163,7 +162,7 @@ TEST_P(Agregado, SoloUnAsientoTomaElLibro) {
   clsMFTipo mf;
   mf.MovFrecuente()->Tipo(enuTipoMovFrec::CheckList);
   mf.MovFrecuente()->Nombre("Lista");
-  mf.Save(*cn, dbf, 1);
+  mf.Save(*cn, dbf, 1, {});
   EXPECT_EQ(mf.MovFrecuente()->Modalidad(), 0);
 }
 
@@ -172,7 +171,7 @@ TEST_P(Agregado, ComillaEnUnaLineaSeRechazaAntesDeCualquierSentencia) {
   ASSERT_TRUE(mf.Load(*real, 2));
   mf.Renglones()->Renglon(4)->Detalle("D'Angelo");
   const auto antes = testing::TakeSnapshot(*real, testing::MovementTables());
-  EXPECT_THROW(mf.Save(*cn, dbf, 1), storage::TextoRechazado);
+  EXPECT_THROW(mf.Save(*cn, dbf, 1, {}), storage::TextoRechazado);
   EXPECT_TRUE(cn->statements().empty());
   EXPECT_EQ(testing::TakeSnapshot(*real, testing::MovementTables()), antes);
 }

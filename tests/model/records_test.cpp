@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "core/clock.h"
+#include "kivmovfrec/mf_tipo.h"
 #include "kivmovfrec/records.h"
 #include "platform/suite/clock.h"
 
@@ -14,40 +14,30 @@ std::shared_ptr<suite::FixedClock> Reloj(double dia, double hora) {
   return std::make_shared<suite::FixedClock>(Date{dia}, hora);
 }
 
-// A new header is in process as of the installed clock's moment; Class_Initialize resets only
-// the state, its moment and the view.
-TEST(RegMovimientoFrecuente, EstadoFechaYVistaDelRelojInstalado) {
-  core::ScopedClock reloj(Reloj(45500, 0.75));
-  clsRegMovimientoFrecuente mf;
+// A new header is in process as of its clock's moment; Class_Initialize resets only the state,
+// its moment and the view. Without a clock the moment is the machine's.
+TEST(RegMovimientoFrecuente, EstadoFechaYVistaDelReloj) {
+  auto reloj = Reloj(45500, 0.75);
+  clsRegMovimientoFrecuente mf(*reloj);
   EXPECT_EQ(mf.Estado(), ToInt(enuEstadoMF::EnProceso));
   EXPECT_EQ(mf.FechaEstado(), Date{45500.75});
   mf.Estado(enuEstadoMF::Papelera);
   mf.Vista(2);
   mf.ID(77);
   mf.Nombre("Alquiler");
-  {
-    core::ScopedClock despues(Reloj(45501, 0.5));
-    mf.Class_Initialize();
-  }
+  mf.Class_Initialize(*Reloj(45501, 0.5));
   EXPECT_EQ(mf.Estado(), ToInt(enuEstadoMF::EnProceso));
   EXPECT_EQ(mf.Vista(), 0);
   EXPECT_EQ(mf.FechaEstado(), Date{45501.5});
   EXPECT_EQ(mf.ID(), 77);
   EXPECT_EQ(mf.Nombre(), "Alquiler");
-}
 
-TEST(RelojDelProceso, SinRelojInstaladoUsaElDelSistemaYSeRestaura) {
-  const Date antes = core::Now();
-  {
-    core::ScopedClock fijo(Reloj(100, 0.25));
-    EXPECT_EQ(core::Now(), Date{100.25});
-    EXPECT_EQ(core::Today(), Date{100.0});
-  }
-  const Date despues = core::Now();
-  // The system clock again: not before `antes`, and today is its date.
-  EXPECT_GE(despues.serial, antes.serial);
-  EXPECT_GT(despues.serial, 40000.0);
-  EXPECT_EQ(core::Today().serial, static_cast<double>(static_cast<long long>(despues.serial)));
+  const Date antes = suite::LocalNow();
+  mf.Class_Initialize();
+  EXPECT_GE(mf.FechaEstado().serial, antes.serial);
+  EXPECT_LE(mf.FechaEstado().serial, suite::LocalNow().serial);
+  // A movement built with a clock stamps its header with it.
+  EXPECT_EQ(clsMFTipo(reloj).MovFrecuente()->FechaEstado(), Date{45500.75});
 }
 
 TEST(RegRecurrencia, PosponerEsPostergadoRedondeadoALaPar) {

@@ -30,11 +30,6 @@ Date D(const char* texto) {
 
 class Recurrencias : public testing::DemoEngineTest {
  protected:
-  void SetUpDatabase() override {
-    DemoEngineTest::SetUpDatabase();
-    Parametros() = ParametrosBD{};
-  }
-  void TearDown() override { Parametros() = ParametrosBD{}; }
   Variant Col(int32_t id, const std::string& columna) {
     return Scalar(
         *cn, "Select " + columna + " From genRecurrencias Where RecID = " + std::to_string(id));
@@ -49,7 +44,7 @@ TEST_P(Recurrencias, NuevaGuardaNulosYCompletaInicioYOcurrencia) {
   rec.FechaProxima("10/01/2027 18:30");
   rec.NumOcurrencia(0);  // stored as 1
 
-  EXPECT_EQ(GuardarRecurrencia(*cn, dbf, rec), 700);
+  EXPECT_EQ(GuardarRecurrencia(*cn, dbf, rec, {}), 700);
   EXPECT_EQ(rec.ID(), 700);
   EXPECT_EQ(dbf.tablas, std::vector<std::string>{"genRecurrencias"});
   EXPECT_EQ(rec.FechaInicio(), "10/01/2027 18:30");  // copied from FechaProxima
@@ -73,7 +68,7 @@ TEST_P(Recurrencias, ValoresPositivosSeGuardanYSeLeenIgual) {
   rec.Postergado(2.0f);
   rec.NotificarDias(3.0f);
   rec.EraNotificacion("10/11/2026 09:00");
-  const int32_t id = GuardarRecurrencia(*cn, dbf, rec);
+  const int32_t id = GuardarRecurrencia(*cn, dbf, rec, {});
 
   clsRegRecurrencia leida;
   leida.ID(id);
@@ -86,14 +81,15 @@ TEST_P(Recurrencias, ValoresPositivosSeGuardanYSeLeenIgual) {
 }
 
 TEST_P(Recurrencias, FormatoSinHoraCortaLasFechasDeAgendaPeroNoLaNotificacionAnterior) {
-  Parametros().formato_fecha = "yyyy-mm-dd";
+  ParametrosBD sin_hora;
+  sin_hora.formato_fecha = "yyyy-mm-dd";
   FakeDBFncs dbf;
   clsRegRecurrencia rec;
   rec.Frecuencia("200001");
   rec.FechaProxima("20/11/2026 10:00");
   rec.FechaFinal("20/12/2026 10:00");
   rec.EraNotificacion("17/11/2026 10:00");
-  const int32_t id = GuardarRecurrencia(*cn, dbf, rec);
+  const int32_t id = GuardarRecurrencia(*cn, dbf, rec, sin_hora);
   EXPECT_EQ(vb::CDate(Col(id, "RecFechaProxima")), D("20/11/2026"));
   EXPECT_EQ(vb::CDate(Col(id, "RecFechaInicio")), D("20/11/2026"));
   EXPECT_EQ(vb::CDate(Col(id, "RecFechaFinal")), D("20/12/2026"));
@@ -107,9 +103,9 @@ TEST_P(Recurrencias, GuardarFallidoNoEscribeNada) {
   sin_clave.FechaProxima("01/12/2026");
   sin_fecha.FechaProxima("pronto");
   const int antes = CountRows(*cn, "Select * From genRecurrencias");
-  EXPECT_THROW(GuardarRecurrencia(*cn, falla, sin_clave), ComponentError);  // 8000, see NuevoID
+  EXPECT_THROW(GuardarRecurrencia(*cn, falla, sin_clave, {}), ComponentError);  // 8000, see NuevoID
   EXPECT_EQ(sin_clave.ID(), 0);
-  EXPECT_THROW(GuardarRecurrencia(*cn, dbf, sin_fecha), VbError);
+  EXPECT_THROW(GuardarRecurrencia(*cn, dbf, sin_fecha, {}), VbError);
   EXPECT_EQ(CountRows(*cn, "Select * From genRecurrencias"), antes);
 }
 

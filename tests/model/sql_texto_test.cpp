@@ -15,18 +15,6 @@ namespace {
 
 using namespace storage;
 
-TEST(FechaSQL, UsaDelimitadorYFormatoDados) {
-  const Date fecha{45356.0 + (14 * 3600 + 7 * 60 + 9) / 86400.0};  // 2024-03-05 14:07:09
-  ParametrosBD p;
-  p.caracter_fecha = "#";
-  p.formato_fecha = "mm/dd/yyyy";
-  EXPECT_EQ(FechaSQL(fecha, p), "#03/05/2024#");
-  p.caracter_fecha = "'";
-  p.formato_fecha = "yyyy-mm-dd hh:nn:ss";
-  EXPECT_EQ(FechaSQL(fecha, p), "'2024-03-05 14:07:09'");
-  EXPECT_EQ(FormatoFechaBD(fecha, p), "2024-03-05 14:07:09");
-}
-
 // Every refusal names the field and keeps the text; what() is the sentence the user reads.
 TEST(TextoRechazado, ComillaNulUtf8InvalidoYLargoSeRechazan) {
   const std::string largo(255, 'x');
@@ -84,9 +72,8 @@ TEST(ConsultaLookup, MarcadoresDeContextoYDeBusqueda) {
 
 TEST(ContadorDeTabla, MenosUnoEsError8000DeDBFncs) {
   testing::FakeDBFncs falla(/*falla=*/true);
-  Parametros().idioma = 0;
   try {
-    (void)NuevoID(falla, "genMovimientosFrecuentes");
+    (void)NuevoID(falla, "genMovimientosFrecuentes", 0);
     FAIL() << "se esperaba ComponentError";
   } catch (const ComponentError& e) {
     EXPECT_EQ(e.number(), 8000);
@@ -94,7 +81,7 @@ TEST(ContadorDeTabla, MenosUnoEsError8000DeDBFncs) {
     EXPECT_STREQ(e.description(), "Resultado de la función get_TableCounter = -1");
   }
   testing::FakeDBFncs bien;
-  EXPECT_EQ(NuevoID(bien, "genRecurrencias"), 100);
+  EXPECT_EQ(NuevoID(bien, "genRecurrencias", 0), 100);
   EXPECT_EQ(bien.tablas, std::vector<std::string>{"genRecurrencias"});
 }
 
@@ -103,10 +90,8 @@ TEST(Idioma, ValorNumericoDelAjusteOCero) {
   const std::pair<Variant, int> casos[] = {
       {Variant("2"), 2}, {Variant(1.0), 1}, {Variant("inglés"), 0}, {Variant(), 0}};
   for (const auto& [ajuste, idioma] : casos) {
-    Parametros().idioma = 7;
     dbf.idioma = ajuste;
-    LeerIdioma(dbf);
-    EXPECT_EQ(Parametros().idioma, idioma) << DebugString(ajuste);
+    EXPECT_EQ(LeerIdioma(dbf), idioma) << DebugString(ajuste);
   }
 }
 

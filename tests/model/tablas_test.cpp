@@ -6,7 +6,6 @@
 #include <memory>
 #include <tuple>
 
-#include "core/clock.h"
 #include "fakes.h"
 #include "install/demo_db.h"
 #include "kivmovfrec/db.h"
@@ -35,17 +34,12 @@ using testing::Scalar;
 // 2026-11-02 09:15:30, whole seconds so it survives the text form of the column.
 constexpr double kHora = (9 * 3600 + 15 * 60 + 30) / 86400.0;
 constexpr Date kMomento{46328.0 + kHora};
-std::shared_ptr<IClock> RelojDetenido() {
-  return std::make_shared<suite::FixedClock>(Date{46328.0}, kHora);
+suite::FixedClock RelojDetenido() {
+  return suite::FixedClock(Date{46328.0}, kHora);
 }
 
 class Tablas : public testing::DemoEngineTest {
  protected:
-  void SetUpDatabase() override {
-    DemoEngineTest::SetUpDatabase();
-    Parametros() = ParametrosBD{};
-  }
-  void TearDown() override { Parametros() = ParametrosBD{}; }
   int Filas(const std::string& where) {
     return CountRows(*cn, "Select * From genMovimientosFrecuentes Where " + where);
   }
@@ -67,7 +61,8 @@ auto Campos(const clsRegRenglonMF& r) {
 }
 
 clsRegMovimientoFrecuente Encabezado(const std::string& nombre) {
-  clsRegMovimientoFrecuente mf;
+  suite::FixedClock reloj = RelojDetenido();
+  clsRegMovimientoFrecuente mf(reloj);
   mf.Empresa(1);
   mf.Tipo(enuTipoMovFrec::Asiento);
   mf.Nombre(nombre);
@@ -75,7 +70,6 @@ clsRegMovimientoFrecuente Encabezado(const std::string& nombre) {
 }
 
 TEST_P(Tablas, EncabezadoNuevoTomaClaveDelContadorYLuegoSeEditaEnSuLugar) {
-  core::ScopedClock reloj(RelojDetenido());
   FakeDBFncs dbf;
   dbf.siguiente = 500;
   // A distinct value in every field, so that two columns swapped show.
@@ -93,7 +87,7 @@ TEST_P(Tablas, EncabezadoNuevoTomaClaveDelContadorYLuegoSeEditaEnSuLugar) {
   mf.Vista(13);
   mf.Imagen(14);
 
-  EXPECT_EQ(GuardarMovimiento(*cn, dbf, mf), 500);
+  EXPECT_EQ(GuardarMovimiento(*cn, dbf, mf, {}), 500);
   EXPECT_EQ(mf.ID(), 500);
   EXPECT_EQ(dbf.tablas, std::vector<std::string>{"genMovimientosFrecuentes"});
   // No schedule and no link are stored as NULL: the suite tells frequent movements from
@@ -108,7 +102,7 @@ TEST_P(Tablas, EncabezadoNuevoTomaClaveDelContadorYLuegoSeEditaEnSuLugar) {
   leido.Recurrencia(42);
   leido.MovVinculado(43);
   leido.OrdenMovVinculado(44);
-  EXPECT_EQ(GuardarMovimiento(*cn, dbf, leido), 500);
+  EXPECT_EQ(GuardarMovimiento(*cn, dbf, leido, {}), 500);
   EXPECT_EQ(dbf.tablas.size(), 1u);  // no second key drawn
   EXPECT_EQ(Filas("1 = 1"), filas);
   clsRegMovimientoFrecuente editado;
@@ -120,7 +114,7 @@ TEST_P(Tablas, GuardarRechazadoNoEscribeNada) {
   FakeDBFncs falla(/*falla=*/true);
   auto mf = Encabezado("Nunca grabado");
   const auto antes = testing::TakeSnapshot(*cn, testing::MovementTables());
-  EXPECT_THROW(GuardarMovimiento(*cn, falla, mf), ComponentError);  // 8000, see NuevoID
+  EXPECT_THROW(GuardarMovimiento(*cn, falla, mf, {}), ComponentError);  // 8000, see NuevoID
   EXPECT_EQ(mf.ID(), 0);
   EXPECT_EQ(testing::TakeSnapshot(*cn, testing::MovementTables()), antes);
 
@@ -128,19 +122,19 @@ TEST_P(Tablas, GuardarRechazadoNoEscribeNada) {
   testing::RecordingConnection spy(cn);
   FakeDBFncs dbf;
   mf.Nombre("Pago a D'Angelo");
-  EXPECT_THROW(GuardarMovimiento(spy, dbf, mf), TextoRechazado);
+  EXPECT_THROW(GuardarMovimiento(spy, dbf, mf, {}), TextoRechazado);
   mf.Nombre("Pago a proveedor");
   mf.Memo("según la factura 'A'");
-  EXPECT_THROW(GuardarMovimiento(spy, dbf, mf), TextoRechazado);
+  EXPECT_THROW(GuardarMovimiento(spy, dbf, mf, {}), TextoRechazado);
   EXPECT_TRUE(spy.statements().empty());
   EXPECT_TRUE(dbf.tablas.empty());
 }
 
 TEST_P(Tablas, ColumnasNulasDejanLosValoresPorDefectoYSinFilaNoSeTocaNada) {
-  core::ScopedClock reloj(RelojDetenido());
+  suite::FixedClock reloj = RelojDetenido();
   cn->Execute(
       "Insert Into genMovimientosFrecuentes (MFrID, MFrTipo, MFrEstado) Values (900, 3, 0)");
-  clsRegMovimientoFrecuente mf, esperado;  // NULL keeps the moment of construction
+  clsRegMovimientoFrecuente mf(reloj), esperado(reloj);  // NULL keeps the moment of construction
   esperado.ID(900);
   esperado.Tipo(enuTipoMovFrec::Calendario);
   ASSERT_TRUE(CargarMovimiento(*cn, 900, mf));
@@ -212,7 +206,7 @@ TEST_P(Tablas, OrdenDeVinculoEsElMayorMasUno) {
     auto mf = Encabezado("Miembro");
     mf.MovVinculado(4242);
     mf.OrdenMovVinculado(orden);
-    GuardarMovimiento(*cn, dbf, mf);
+    GuardarMovimiento(*cn, dbf, mf, {});
   }
   EXPECT_EQ(SiguienteOrdenVinculo(*cn, 4242), 5);
 
@@ -266,9 +260,13 @@ class ServidorSinMayusculas : public testing::ForwardingConnection {
 };
 
 TEST_P(Tablas, ParametrosDeGenParametrosDanElLiteralDeFecha) {
-  CargarParametros(*cn);
-  EXPECT_TRUE(Parametros().multiusuario);
-  EXPECT_EQ(FechaSQL(kMomento), "'2026-11-02 09:15:30'");
+  ParametrosBD p;
+  p.idioma = 3;  // not a genParametros setting: kept
+  p.moneda_contabilidad = 4;
+  CargarParametros(*cn, p);
+  EXPECT_TRUE(p.multiusuario);
+  EXPECT_EQ(FechaSQL(kMomento, p), "'2026-11-02 09:15:30'");
+  EXPECT_EQ(std::pair(p.idioma, p.moneda_contabilidad), std::pair(int16_t{3}, int16_t{4}));
 
   // Names match without regard to case or surrounding blanks, but whole.
   cn->Execute("Delete From genParametros");
@@ -277,15 +275,16 @@ TEST_P(Tablas, ParametrosDeGenParametrosDanElLiteralDeFecha) {
       "'#', Null), ('defbddateformat', 'dd/mm/yyyy', Null), ('Sis_MultiUsuario', Null, 0), "
       "('defBDDateFormatX', 'yyyy', Null)");
   ServidorSinMayusculas servidor(cn);
-  CargarParametros(servidor);
-  EXPECT_EQ(FechaSQL(kMomento), "#02/11/2026#");
-  EXPECT_FALSE(Parametros().multiusuario);
+  CargarParametros(servidor, p);
+  EXPECT_EQ(FechaSQL(kMomento, p), "#02/11/2026#");
+  EXPECT_EQ(FormatoFechaBD(kMomento, p), "02/11/2026");
+  EXPECT_FALSE(p.multiusuario);
 
   // A setting that is NULL or missing falls back to the standard value.
   cn->Execute("Update genParametros Set ParTexto = NULL Where ParValor Is Null");
   cn->Execute("Delete From genParametros Where ParNombre = 'defbddateformat'");
-  CargarParametros(*cn);
-  EXPECT_EQ(FechaSQL(kMomento), "'2026-11-02 09:15:30'");
+  CargarParametros(*cn, p);
+  EXPECT_EQ(FechaSQL(kMomento, p), "'2026-11-02 09:15:30'");
 }
 
 TEST_P(Tablas, EmpresaConNulosConservaLoAnteriorYUnaDesconocidaNoCambiaNada) {

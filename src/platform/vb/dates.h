@@ -6,6 +6,7 @@
 // days back and the fraction is the time of that day counted forward. So -1.25 is 29/12/1899
 // 06:00 and -0.5 is 30/12/1899 12:00. Split, MakeDate, DateAdd and DateDiff all follow it, and
 // are exact to the second for every valid year.
+// DateParts, Split, MakeDate and DateOnly are public (kivmovfrec/vb.h).
 #pragma once
 
 #include <cstdint>
@@ -13,20 +14,9 @@
 #include <string>
 #include <string_view>
 
-#include "kivmovfrec/variant.h"
+#include "kivmovfrec/vb.h"
 
 namespace kivmovfrec::vb {
-
-struct DateParts {
-  int year = 1899, month = 12, day = 30;
-  int hour = 0, minute = 0, second = 0;
-};
-
-// Splits a date into calendar fields (seconds rounded to the nearest whole second).
-DateParts Split(Date d);
-// Builds a date from fields that must already be valid (year 100-9999, month 1-12, day within
-// the month, hour 0-23, minute and second 0-59); VbError(5) otherwise.
-Date MakeDate(const DateParts& p);
 
 // DateSerial: normalises overflowing months and days ((2000, 14, 2) -> 2001-02-02; day 0 is the
 // last day of the previous month); years 0-29 mean 2000-2029 and 30-99 mean 1930-1999. The
@@ -44,8 +34,6 @@ int Second(Date d);
 // 1 = Sunday ... 7 = Saturday.
 int Weekday(Date d);
 
-// Date part only (time of day dropped, even when it would round up to the next day).
-Date DateOnly(Date d);
 // Last day (28-31) of the given month; month outside 1-12 -> VbError(5).
 int DaysInMonth(int year, int month);
 

@@ -16,22 +16,17 @@
 // "positive;negative;zero" (the negative section is written without a sign); named "General
 // Number", "Fixed", "Standard", "Percent", "Yes/No", "True/False", "On/Off". A result that
 // rounds to zero has no sign. Scientific patterns ("0.00E+00") are not supported: E is copied.
+// Format(value, pattern) itself is public (kivmovfrec/vb.h).
 #pragma once
 
 #include <string>
 #include <string_view>
 
 #include "kivmovfrec/variant.h"
-#include "platform/vb/locale.h"
+#include "kivmovfrec/vb.h"
 
 namespace kivmovfrec::vb {
 
-// Format(value, pattern). The pattern decides: a date pattern formats Date values, date text
-// and numbers read as serials (outside the calendar -> VbError(6)); a number pattern formats
-// numbers, Booleans, Empty (0) and numeric text. Text that cannot be read as required is
-// returned unchanged. An empty pattern gives CStr. Null gives "".
-std::string Format(const Variant& value, std::string_view pattern,
-                   const Locale& loc = Locale::Spanish());
 std::string FormatDate(Date d, std::string_view pattern, const Locale& loc = Locale::Spanish());
 std::string FormatNumberPattern(double x, std::string_view pattern,
                                 const Locale& loc = Locale::Spanish());

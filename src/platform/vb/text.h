@@ -1,27 +1,23 @@
 // VB string functions over UTF-8 text. Positions and lengths count characters (code points),
 // not bytes. Case folding covers ASCII and the Latin-1 letters Spanish uses (á é í ó ú ü ñ ç
 // and their capitals).
+// Trim, LCase, Len, Left, Mid and Split are public (kivmovfrec/vb.h).
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "kivmovfrec/vb.h"
+
 namespace kivmovfrec::vb {
 
 // Spaces only (not tabs), as VB's Trim.
-std::string Trim(std::string_view s);
 std::string LTrim(std::string_view s);
 std::string RTrim(std::string_view s);
-std::string LCase(std::string_view s);
 std::string UCase(std::string_view s);
 
-// Length in characters.
-size_t Len(std::string_view s);
-std::string Left(std::string_view s, size_t n);
 std::string Right(std::string_view s, size_t n);
-// 1-based start; start past the end gives "". Without n, to the end. Start 0 -> VbError(5).
-std::string Mid(std::string_view s, size_t start, size_t n = std::string_view::npos);
 
 // 1-based position of `find` in `s` at or after `start`, 0 when absent. An empty `find` gives
 // `start` (0 when start is past the end + 1). Start 0 -> VbError(5).
@@ -33,9 +29,6 @@ std::string Replace(std::string_view s, std::string_view find, std::string_view 
 
 bool EqualsIgnoreCase(std::string_view a, std::string_view b);
 bool StartsWithIgnoreCase(std::string_view s, std::string_view prefix);
-
-// Splits at every occurrence of `sep` (VB's Split): "a||b" gives "a", "", "b"; "" gives one "".
-std::vector<std::string> Split(std::string_view s, std::string_view sep);
 
 // True when `s` is valid UTF-8. The other functions accept invalid text: each byte that is not
 // part of a valid sequence counts as one character and is copied through unchanged.
