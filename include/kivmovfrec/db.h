@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/variant.h"
 
 namespace kivmovfrec {
@@ -35,7 +36,7 @@ enum class DbErrorKind {
 // Any failure reported by the database engine or by the adapter (bad SQL, constraint, busy
 // database, lost connection, malformed URI). what() holds the engine's message; kind() says
 // what happened.
-class DbError : public std::runtime_error {
+class KMF_API DbError : public std::runtime_error {
  public:
   explicit DbError(const std::string& message, DbErrorKind kind = DbErrorKind::Other)
       : std::runtime_error(message), kind_(kind) {}
@@ -64,7 +65,7 @@ class DbError : public std::runtime_error {
 // resolves the column without regard to case and throws DbError for a column the table lacks,
 // or when no AddNew/Edit is pending. Delete() removes the current row at once (the set stays
 // on it; MoveNext continues).
-class Resultset {
+class KMF_API Resultset {
  public:
   virtual ~Resultset() = default;
 
@@ -99,7 +100,7 @@ inline constexpr std::chrono::milliseconds kDefaultQueryLimit{10000};
 // CommitTrans / RollbackTrans end it. They do not nest: BeginTrans inside a transaction throws
 // DbError, CommitTrans outside one throws DbError, RollbackTrans outside one does nothing (so
 // error paths can always call it). Without a transaction every statement commits on its own.
-class Connection {
+class KMF_API Connection {
  public:
   virtual ~Connection() = default;
 
@@ -157,6 +158,6 @@ class Connection {
 //   postgresql://...     PostgreSQL connection string (libpq URI form)
 // Throws DbError with a clear message for an unknown scheme, a missing directory or a server
 // that cannot be reached.
-std::shared_ptr<Connection> OpenConnection(std::string_view uri);
+KMF_API std::shared_ptr<Connection> OpenConnection(std::string_view uri);
 
 }  // namespace kivmovfrec
