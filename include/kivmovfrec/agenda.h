@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/traza_fx.h"
 #include "kivmovfrec/variant.h"
 
@@ -22,12 +23,12 @@ namespace kivmovfrec {
 // What one due date would post, computed as of that date without prompts (the movement total
 // [ImpMov] counts as 0, [PedirDato] has no value). A formula reading the occurrence count
 // ([CantidadOcurrencia]) sees the stored count, which belongs to the next due date.
-struct ImportesAgenda {
+struct KMF_API ImportesAgenda {
   bool ok = false;       // every line has a result
   TrazaCalculoFx traza;  // lines, amounts, totals and the error when !ok
 };
 
-struct OcurrenciaAgenda {
+struct KMF_API OcurrenciaAgenda {
   Date fecha{};            // the day it falls on: the due date, or the notice date
   bool aviso = false;      // a notice date (else a due date)
   int32_t movimiento = 0;  // MFrID
@@ -40,7 +41,7 @@ struct OcurrenciaAgenda {
   std::optional<ImportesAgenda> importes;
 };
 
-struct ResultadoAgenda {
+struct KMF_API ResultadoAgenda {
   // By date, then movement; a notice before a due date of the same movement and moment.
   std::vector<OcurrenciaAgenda> ocurrencias;
   // Schedules that could not be stepped, each with the movement and why (an unreadable next due

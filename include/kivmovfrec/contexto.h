@@ -13,6 +13,7 @@
 #include <string>
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/services.h"
 
 namespace kivmovfrec {
@@ -21,7 +22,7 @@ namespace kivmovfrec {
 // from the suite setting "Idioma" and the SQL date literal and multi-user flag from
 // genParametros. The formula members copy the company's accounting currency in before they
 // compute. A default-constructed value holds the suite's standard settings.
-struct ParametrosBD {
+struct KMF_API ParametrosBD {
   // defBDDateCharSQLs: written before and after a date literal in SQL.
   std::string caracter_fecha = "'";
   // defBDDateFormat: the VB Format pattern of a date literal in SQL.
@@ -34,7 +35,7 @@ struct ParametrosBD {
   int16_t moneda_contabilidad = 0;
 };
 
-struct ContextoMF {
+struct KMF_API ContextoMF {
   // The database the façade works on; null while it is not connected.
   std::shared_ptr<Connection> cn;
   // The services in use: after Connect none is null except the date calculator, which may be

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/export.h"
 
 namespace kivmovfrec {
 
@@ -17,6 +18,7 @@ namespace kivmovfrec {
 //   "la cuenta 100 es una carpeta"
 // (checked in that order). Nothing when the account can take the line. Reads one row; database
 // errors (DbError) propagate.
-std::optional<std::string> ProblemaCuentaRenglon(Connection& cn, int32_t empresa, int32_t cuenta);
+KMF_API std::optional<std::string> ProblemaCuentaRenglon(Connection& cn, int32_t empresa,
+                                                         int32_t cuenta);
 
 }  // namespace kivmovfrec

@@ -17,6 +17,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/variant.h"
 
 namespace kivmovfrec {
@@ -37,7 +38,7 @@ enum class DbErrorKind {
 // Any failure reported by the database engine or by the adapter (bad SQL, constraint, busy
 // database, lost connection, malformed URI). what() holds the engine's message; kind() says
 // what happened.
-class DbError : public std::runtime_error {
+class KMF_API DbError : public std::runtime_error {
  public:
   explicit DbError(const std::string& message, DbErrorKind kind = DbErrorKind::Other)
       : std::runtime_error(message), kind_(kind) {}
@@ -50,7 +51,7 @@ class DbError : public std::runtime_error {
 // A database failure as people are told it, in the component's one wording: what its kind
 // means in plain Spanish, then the engine's text in parentheses ("la base de datos está
 // bloqueada por otro proceso (...)"); the engine's text alone for DbErrorKind::Other.
-std::string DescribirErrorDb(const DbError& e);
+KMF_API std::string DescribirErrorDb(const DbError& e);
 
 // Rows produced by one SELECT. A result set starts on its first row (Eof() when there is none).
 // Its rows are read when it is opened: what other statements change afterwards is not seen,
@@ -71,7 +72,7 @@ std::string DescribirErrorDb(const DbError& e);
 // resolves the column without regard to case and throws DbError for a column the table lacks,
 // or when no AddNew/Edit is pending. Delete() removes the current row at once (the set stays
 // on it; MoveNext continues).
-class Resultset {
+class KMF_API Resultset {
  public:
   virtual ~Resultset() = default;
 
@@ -126,7 +127,7 @@ inline constexpr std::chrono::milliseconds kDefaultQueryLimit{10000};
 // innermost level is rolled back; SQLite lets it go on. Code that traps a statement's error and
 // carries on inside a transaction therefore puts that statement in a level of its own.
 // Without a transaction every statement commits on its own.
-class Connection {
+class KMF_API Connection {
  public:
   virtual ~Connection() = default;
 
@@ -193,7 +194,7 @@ class Connection {
 // back, together with any level opened inside it and left open; the levels around it go on.
 // The destructor never throws: a rollback that fails is swallowed (the connection is then
 // unusable, and the outermost level refuses to commit).
-class Transaccion {
+class KMF_API Transaccion {
  public:
   // Throws DbError as BeginTrans does (e.g. Busy when the write lock cannot be had).
   explicit Transaccion(Connection& cn);
@@ -221,6 +222,6 @@ class Transaccion {
 //   postgresql://...     PostgreSQL connection string (libpq URI form)
 // Throws DbError with a clear message for an unknown scheme, a missing directory or a server
 // that cannot be reached.
-std::shared_ptr<Connection> OpenConnection(std::string_view uri);
+KMF_API std::shared_ptr<Connection> OpenConnection(std::string_view uri);
 
 }  // namespace kivmovfrec

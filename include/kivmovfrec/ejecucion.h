@@ -23,12 +23,13 @@
 #include <string>
 #include <vector>
 
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/variant.h"
 
 namespace kivmovfrec {
 
 // A document of one member of an occurrence.
-struct DocumentoGenerado {
+struct KMF_API DocumentoGenerado {
   int32_t movimiento = 0;  // the member it comes from
   int16_t tipo = 0;        // its MFrTipo (1, 2 or 4)
   int32_t id = 0;          // AsiID / ComID; 0 when every line was 0 and nothing was written
@@ -42,7 +43,7 @@ enum class EstadoOcurrencia : uint8_t {
   Fallida,           // not executed: nothing written, it stays due
 };
 
-struct OcurrenciaEjecutada {
+struct KMF_API OcurrenciaEjecutada {
   int32_t movimiento = 0;  // the scheduled movement
   std::string nombre;
   Date fecha{};  // its due date
@@ -57,7 +58,7 @@ struct OcurrenciaEjecutada {
   bool ok() const { return estado != EstadoOcurrencia::Fallida; }
 };
 
-struct ProgresoEjecucion {
+struct KMF_API ProgresoEjecucion {
   size_t terminadas = 0;  // occurrences finished so far, the one just reported included
   // Those plus the ones still waiting. It grows when an advanced schedule falls due again
   // before the run's last day.
@@ -72,7 +73,7 @@ struct ProgresoEjecucion {
 using AlTerminarOcurrencia =
     std::function<void(const OcurrenciaEjecutada&, const ProgresoEjecucion&)>;
 
-struct ResultadoEjecucion {
+struct KMF_API ResultadoEjecucion {
   std::vector<OcurrenciaEjecutada> ocurrencias;  // in the order they finished
   // Why the run stopped before its end ("" when it did not): the database could not be read or
   // used (see above). What was reported stays done; the rest stays due.

@@ -12,10 +12,11 @@
 #include <string_view>
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/export.h"
 
 namespace kivmovfrec {
 
-class clsEmpresa {
+class KMF_API clsEmpresa {
  public:
   // Reads "Select * from cceEmpresas Where EmpID = " + empresa. When there is no such company
   // returns false and changes nothing. Otherwise sets ID, copies every non-NULL column into its

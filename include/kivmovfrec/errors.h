@@ -5,11 +5,13 @@
 #include <stdexcept>
 #include <string>
 
+#include "kivmovfrec/export.h"
+
 namespace kivmovfrec {
 
 // Raised when the component itself cannot go on, e.g. no new key can be drawn for a table
 // (number 8000, source "DBFncs").
-class ComponentError : public std::runtime_error {
+class KMF_API ComponentError : public std::runtime_error {
  public:
   ComponentError(int number, std::string source, const std::string& description)
       : std::runtime_error(description), number_(number), source_(std::move(source)) {}

@@ -8,16 +8,17 @@
 #include <string_view>
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/export.h"
 
 namespace kivmovfrec {
 
-struct ErrorExpresion {
+struct KMF_API ErrorExpresion {
   int numero = 0;           // VBScript error number
   std::string descripcion;  // Spanish
   int columna = 0;          // 0-based character offset in the expression as written
 };
 
-struct ResultadoExpresion {
+struct KMF_API ResultadoExpresion {
   bool ok = false;
   // When ok: whole numbers as digits, other numbers with "." as decimal point and no grouping
   // (15 significant digits), Booleans "Verdadero"/"Falso", dates as dd/mm/yyyy, text itself.
@@ -33,7 +34,7 @@ struct ResultadoExpresion {
 // statement that would write is an error. `ahora` gives Date, Now and Time inside the
 // expression (the system's local time when empty). Nothing is thrown and nothing is kept
 // between calls.
-ResultadoExpresion EvaluarExpresion(Connection* cn, std::string_view expresion,
-                                    std::function<Date()> ahora = {});
+KMF_API ResultadoExpresion EvaluarExpresion(Connection* cn, std::string_view expresion,
+                                            std::function<Date()> ahora = {});
 
 }  // namespace kivmovfrec

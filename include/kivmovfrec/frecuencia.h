@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/services.h"
 
 namespace kivmovfrec {
@@ -19,7 +20,7 @@ namespace kivmovfrec {
 // (DescribirFrecuencia: "Todos los meses", "Cada 15 días"). It has no frequency editor:
 // EditarFrecuencia returns "" as a cancelled dialog does. An unreadable code makes its steps
 // throw VbError(5).
-std::unique_ptr<IDateCalculator> CalculadoraFechasSuite();
+KMF_API std::unique_ptr<IDateCalculator> CalculadoraFechasSuite();
 
 }  // namespace kivmovfrec
 
@@ -28,7 +29,7 @@ namespace kivmovfrec::schedule {
 // Units, numbered as enuTipoRecurrencia (Diaria 0, Semanal 1, Mensual 2, Anual 3).
 enum class FrequencyUnit : int { Days = 0, Weeks = 1, Months = 2, Years = 3 };
 
-struct Frequency {
+struct KMF_API Frequency {
   FrequencyUnit unit = FrequencyUnit::Days;
   int32_t step = 0;  // 0 = once only (whatever the unit)
 
@@ -43,10 +44,10 @@ inline constexpr int32_t kCodeUserDefined = -1;
 // Reads a code given as text: its first six characters (blanks around are ignored) must be
 // digits of a number whose unit is 0..3. "7" and "000007" are the same code. Nothing for
 // anything else, including "-1".
-std::optional<Frequency> ParseFrequency(std::string_view text);
+KMF_API std::optional<Frequency> ParseFrequency(std::string_view text);
 // Same for a numeric code.
-std::optional<Frequency> FrequencyFromCode(int32_t code);
+KMF_API std::optional<Frequency> FrequencyFromCode(int32_t code);
 // The code written with six digits: 7 -> "000007".
-std::string FormatFrequencyCode(int32_t code);
+KMF_API std::string FormatFrequencyCode(int32_t code);
 
 }  // namespace kivmovfrec::schedule

@@ -8,9 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "kivmovfrec/export.h"
+
 namespace kivmovfrec {
 
-struct MiembroGrupo {
+struct KMF_API MiembroGrupo {
   int32_t id = 0;
   std::string nombre;  // MFrNombre
   int16_t tipo = 0;    // MFrTipo
@@ -18,7 +20,7 @@ struct MiembroGrupo {
   int32_t orden = 0;   // MFrMVOrden (0 when not set)
 };
 
-struct GrupoVinculado {
+struct KMF_API GrupoVinculado {
   int32_t id = 0;  // the group's identifier: the ID of the movement that heads it
   std::vector<MiembroGrupo> miembros;  // in execution order
 };

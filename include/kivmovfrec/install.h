@@ -2,10 +2,11 @@
 #pragma once
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/export.h"
 
 namespace kivmovfrec {
 
-struct InstallOptions {
+struct KMF_API InstallOptions {
   // Also load the demo company (company 1 and its data) when company 1 does not exist yet.
   bool demo = false;
 };
@@ -20,6 +21,6 @@ struct InstallOptions {
 // together with the engine's message. The connection must not be inside a transaction already
 // (DbError otherwise). SQLite and PostgreSQL each get their own DDL (schema/<engine>/); the demo
 // data is the same on both.
-void InstallSchema(Connection& cn, const InstallOptions& opts = {});
+KMF_API void InstallSchema(Connection& cn, const InstallOptions& opts = {});
 
 }  // namespace kivmovfrec

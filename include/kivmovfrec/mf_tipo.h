@@ -16,13 +16,14 @@
 
 #include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/records.h"
 #include "kivmovfrec/renglones_mf.h"
 #include "kivmovfrec/services.h"
 
 namespace kivmovfrec {
 
-class clsMFTipo {
+class KMF_API clsMFTipo {
  public:
   // Empty header (ID 0), empty schedule, no lines. The header records this object creates (here
   // and in Load) are stamped with `reloj` (see clsRegMovimientoFrecuente); without one, with

@@ -46,6 +46,7 @@
 #include "kivmovfrec/ejecucion.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/enums.h"
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/grupo_vinculado.h"
 #include "kivmovfrec/mf_tipo.h"
 #include "kivmovfrec/renglones_mf.h"
@@ -54,7 +55,7 @@
 
 namespace kivmovfrec {
 
-class clsMovFrecuente {
+class KMF_API clsMovFrecuente {
  public:
   clsMovFrecuente();
   ~clsMovFrecuente();

@@ -11,12 +11,13 @@
 #include <string_view>
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/mf_tipo.h"
 
 namespace kivmovfrec {
 
 // A display text read back to the stored form.
-struct LecturaFormulaVisible {
+struct KMF_API LecturaFormulaVisible {
   bool ok = false;
   std::string formula;  // the stored form, when ok
   int posicion = 0;     // when !ok: 1-based character position where reading stopped
@@ -25,7 +26,7 @@ struct LecturaFormulaVisible {
   std::string Resultado() const;
 };
 
-class clsPresentacionMF {
+class KMF_API clsPresentacionMF {
  public:
   // Reads the company of `mf` (its header's Empresa) and the currencies through `cn`, and takes
   // the lines of `mf` as the lines being edited (references to "the account typed" resolve to

@@ -10,13 +10,14 @@
 #include <string>
 
 #include "kivmovfrec/enums.h"
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/variant.h"
 
 namespace kivmovfrec {
 
 class IClock;
 
-class clsRegMovimientoFrecuente {
+class KMF_API clsRegMovimientoFrecuente {
  public:
   // Runs Class_Initialize: state EnProceso, FechaEstado = now, Vista 0; everything else 0 / "".
   // "Now" is the machine's clock; code that has a clock service at hand (the façade, the main

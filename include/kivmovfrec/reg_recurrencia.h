@@ -9,10 +9,11 @@
 #include <string>
 
 #include "kivmovfrec/enums.h"
+#include "kivmovfrec/export.h"
 
 namespace kivmovfrec {
 
-class clsRegRecurrencia {
+class KMF_API clsRegRecurrencia {
  public:
   // RecID: 0 for a schedule not stored yet.
   int32_t ID() const { return id_; }

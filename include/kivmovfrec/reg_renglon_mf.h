@@ -9,9 +9,11 @@
 #include <cstdint>
 #include <string>
 
+#include "kivmovfrec/export.h"
+
 namespace kivmovfrec {
 
-class clsRegRenglonMF {
+class KMF_API clsRegRenglonMF {
  public:
   // RMFMovimiento: ID of the owning movement.
   int32_t idMF() const { return id_mf_; }

@@ -9,11 +9,12 @@
 #include <memory>
 #include <vector>
 
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/reg_renglon_mf.h"
 
 namespace kivmovfrec {
 
-class clsRenglonesMF {
+class KMF_API clsRenglonesMF {
  public:
   // Appends `r` at the end. A null record throws std::invalid_argument and adds nothing.
   // Past 32767 lines throws VbError(6), overflow.

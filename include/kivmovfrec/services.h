@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/variant.h"
 
 namespace kivmovfrec {
@@ -33,7 +34,7 @@ inline constexpr int kMsgCancel = 2;
 inline constexpr int kMsgYes = 6;
 inline constexpr int kMsgNo = 7;
 
-struct MessageRequest {
+struct KMF_API MessageRequest {
   std::string text;
   std::string caption;
   MsgIcon icon = MsgIcon::None;
@@ -43,7 +44,7 @@ struct MessageRequest {
 
 // Where the component's messages and help requests go. Messages are shown to a person (console,
 // Qt) or recorded and answered from a script (tests, unattended hosts).
-class IMessages {
+class KMF_API IMessages {
  public:
   virtual ~IMessages() = default;
   // Shows the message and returns the button pressed (kMsgOK, kMsgYes, kMsgNo, ...). The answer
@@ -59,7 +60,7 @@ class IMessages {
 
 // ---- Input ------------------------------------------------------------------------------
 
-class IInput {
+class KMF_API IInput {
  public:
   virtual ~IInput() = default;
   // Asks for a number. `prompt` is shown to the user, `proposed` is the value offered. Returns
@@ -70,7 +71,7 @@ class IInput {
 
 // ---- Database functions (DBFncs) ----------------------------------------------------------
 
-class IDBFncs {
+class KMF_API IDBFncs {
  public:
   virtual ~IDBFncs() = default;
   // Next value of the named table's counter (genContadores), or -1 when none can be drawn
@@ -95,7 +96,7 @@ class IDBFncs {
 
 // ---- User rights ------------------------------------------------------------------------
 
-class IUserRights {
+class KMF_API IUserRights {
  public:
   virtual ~IUserRights() = default;
   // Permission letters of the current user for `opcion` in company `empresa`, trimmed; the
@@ -108,7 +109,7 @@ class IUserRights {
 
 // ---- Clock ------------------------------------------------------------------------------
 
-class IClock {
+class KMF_API IClock {
  public:
   virtual ~IClock() = default;
   // Current local date and time.
@@ -119,7 +120,7 @@ class IClock {
 
 // ---- Account balance --------------------------------------------------------------------
 
-class IAccountBalance {
+class KMF_API IAccountBalance {
  public:
   virtual ~IAccountBalance() = default;
   // Balance (debit minus credit) of account `cuenta` in the accounting currency, counting the
@@ -132,7 +133,7 @@ class IAccountBalance {
 
 // Every calendar step of a schedule. Codes are six-digit frequency codes (unit digit and a
 // five-digit step); code 0 means once.
-class IDateCalculator {
+class KMF_API IDateCalculator {
  public:
   virtual ~IDateCalculator() = default;
   // Lets the user compose a frequency; returns text whose first six characters are the code,
@@ -160,7 +161,7 @@ class IDateCalculator {
 // ---- The bundle handed to the façade -------------------------------------------------------
 
 // How the default services behave where a person would otherwise be asked.
-struct DefaultServiceOptions {
+struct KMF_API DefaultServiceOptions {
   // Answer to every question (true = Yes / OK, false = No / Cancel). Without it questions are
   // asked on the terminal when standard input is one, and answered No otherwise.
   std::optional<bool> respuesta;
@@ -168,7 +169,7 @@ struct DefaultServiceOptions {
   std::optional<Date> hoy;
 };
 
-struct SuiteServices {
+struct KMF_API SuiteServices {
   std::shared_ptr<IDBFncs> db;
   std::shared_ptr<IUserRights> rights;
   std::shared_ptr<IMessages> messages;

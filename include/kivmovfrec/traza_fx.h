@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/variant.h"
 
 namespace kivmovfrec {
@@ -34,7 +35,7 @@ enum class enuOrigenFx : uint8_t {
 };
 
 // One bracketed element of a line's formula.
-struct TrazaElementoFx {
+struct KMF_API TrazaElementoFx {
   std::string elemento;  // as stored: "[5:101]", "[query]...[/query]"
   enuOrigenFx origen = enuOrigenFx::Desconocido;
   std::optional<double> valor;  // the value put in its place; nothing when there was none
@@ -48,7 +49,7 @@ struct TrazaElementoFx {
 };
 
 // One line of the movement.
-struct TrazaLineaFx {
+struct KMF_API TrazaLineaFx {
   int16_t indice = 0;  // 1-based position
   int32_t cuenta = 0;
   int16_t proyecto = 0;
@@ -72,7 +73,7 @@ struct TrazaLineaFx {
 };
 
 // One call of a formula member.
-struct TrazaCalculoFx {
+struct KMF_API TrazaCalculoFx {
   int32_t movimiento = 0;    // 0 when lines were given without a movement
   Date fecha{};              // calculation date actually used
   std::string origen_fecha;  // why that date ("próximo vencimiento", "hoy", "indicada")

@@ -18,11 +18,13 @@
 #include <variant>
 #include <vector>
 
+#include "kivmovfrec/export.h"
+
 namespace kivmovfrec {
 
 // Fixed-point money value: units of 1/10000. Arithmetic on Currency stays exact; conversion
 // from double rounds half to even at the fourth decimal (banker's rounding, as VB does).
-struct Currency {
+struct KMF_API Currency {
   static constexpr int64_t kScale = 10000;
   int64_t units = 0;
 
@@ -36,7 +38,7 @@ struct Currency {
 };
 
 // A date-time as VB stores it: whole days since 1899-12-30 plus the time of day as a fraction.
-struct Date {
+struct KMF_API Date {
   double serial = 0.0;
 
   friend bool operator==(Date a, Date b) = default;
@@ -47,7 +49,7 @@ class Variant;
 
 // An object a Variant can hold: the script engine's named objects (the database connection,
 // result sets, fields). Member names are compared without regard to case.
-class Object {
+class KMF_API Object {
  public:
   virtual ~Object() = default;
   // Name reported by TypeName() in scripts.
@@ -61,7 +63,7 @@ class Object {
 // An error with a VB error number and a Spanish description, raised by the VB-compatible
 // functions and the script engine (5 invalid argument, 6 overflow, 11 division by zero,
 // 13 type mismatch, 94 invalid use of Null, ...).
-class VbError : public std::runtime_error {
+class KMF_API VbError : public std::runtime_error {
  public:
   VbError(int number, const std::string& description)
       : std::runtime_error(description), number_(number) {}
@@ -74,7 +76,7 @@ class VbError : public std::runtime_error {
 };
 
 // The standard Spanish description of a VB error number ("" when unknown).
-std::string VbErrorDescription(int number);
+KMF_API std::string VbErrorDescription(int number);
 
 // Subtype codes, numbered as VB's VarType() reports them.
 enum class VarType : uint8_t {
@@ -92,7 +94,7 @@ enum class VarType : uint8_t {
   Byte = 17,
 };
 
-class Variant {
+class KMF_API Variant {
  public:
   struct NullTag {
     friend bool operator==(NullTag, NullTag) = default;
@@ -151,6 +153,6 @@ class Variant {
 };
 
 // Readable form for test failure messages: subtype and value, e.g. `Double(2.5)`.
-std::string DebugString(const Variant& v);
+KMF_API std::string DebugString(const Variant& v);
 
 }  // namespace kivmovfrec

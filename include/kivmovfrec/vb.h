@@ -21,12 +21,13 @@
 #include <string_view>
 #include <vector>
 
+#include "kivmovfrec/export.h"
 #include "kivmovfrec/variant.h"
 
 namespace kivmovfrec::vb {
 
 // The locale used when values are shown to people or read from their typing.
-struct Locale {
+struct KMF_API Locale {
   char decimal_separator;
   char group_separator;
   std::array<std::string, 7> day_names;     // Sunday first: "Domingo", "Lunes", ...
@@ -47,24 +48,24 @@ struct Locale {
 // text and between date and time are allowed; ISO seconds may carry a fraction, which is
 // dropped. A time alone ("18:00") is that time on 30/12/1899, as VB reads it. Impossible days
 // (31/02/2024) and months (2024-13-01) are refused, as are years outside 100-9999.
-std::optional<Date> ParseDate(std::string_view text);
+KMF_API std::optional<Date> ParseDate(std::string_view text);
 
 // Banker's rounding of the decimal the value stands for: CInt(0.5) = 0, CInt(1.5) = 2,
 // CInt(2.5) = 2; out of range -> 6. Booleans are -1 / 0.
-int16_t CInt(const Variant& v, const Locale& loc = Locale::Spanish());
-int32_t CLng(const Variant& v, const Locale& loc = Locale::Spanish());
+KMF_API int16_t CInt(const Variant& v, const Locale& loc = Locale::Spanish());
+KMF_API int32_t CLng(const Variant& v, const Locale& loc = Locale::Spanish());
 // CStr: numbers as VB writes them (NumberToText / SingleToText; Currency with up to four
 // decimals, trailing zeros dropped), dates as "dd/mm/yyyy", "dd/mm/yyyy hh:nn:ss" when the time
 // is not midnight, "hh:nn:ss" alone on day zero; Booleans as the locale's words, Empty as "".
 // Null -> 94.
-std::string CStr(const Variant& v, const Locale& loc = Locale::Spanish());
+KMF_API std::string CStr(const Variant& v, const Locale& loc = Locale::Spanish());
 
 // A Double as VBScript writes it: 15 significant digits, trailing zeros dropped, scientific
 // form ("1E+15", "8.33333333333333E-02") when the exponent is >= 15 or the number is too small
 // for 15 digits in fixed form. Uses the locale's decimal separator; no grouping.
-std::string NumberToText(double value, const Locale& loc = Locale::Invariant());
+KMF_API std::string NumberToText(double value, const Locale& loc = Locale::Invariant());
 // A Single: the same with 7 significant digits.
-std::string SingleToText(float value, const Locale& loc = Locale::Invariant());
+KMF_API std::string SingleToText(float value, const Locale& loc = Locale::Invariant());
 
 // ---- Format -------------------------------------------------------------------------------
 
@@ -78,42 +79,42 @@ std::string SingleToText(float value, const Locale& loc = Locale::Invariant());
 // VbError(6)); a number pattern formats numbers, Booleans, Empty (0) and numeric text. Text
 // that cannot be read as required is returned unchanged. An empty pattern gives CStr. Null
 // gives "".
-std::string Format(const Variant& value, std::string_view pattern,
-                   const Locale& loc = Locale::Spanish());
+KMF_API std::string Format(const Variant& value, std::string_view pattern,
+                           const Locale& loc = Locale::Spanish());
 
 // ---- Dates --------------------------------------------------------------------------------
 
-struct DateParts {
+struct KMF_API DateParts {
   int year = 1899, month = 12, day = 30;
   int hour = 0, minute = 0, second = 0;
 };
 
 // Splits a date into calendar fields (seconds rounded to the nearest whole second).
-DateParts Split(Date d);
+KMF_API DateParts Split(Date d);
 // Builds a date from fields that must already be valid (year 100-9999, month 1-12, day within
 // the month, hour 0-23, minute and second 0-59); VbError(5) otherwise.
-Date MakeDate(const DateParts& p);
+KMF_API Date MakeDate(const DateParts& p);
 // Date part only (time of day dropped, even when it would round up to the next day).
-Date DateOnly(Date d);
+KMF_API Date DateOnly(Date d);
 
 // ---- Text ---------------------------------------------------------------------------------
 
 // Spaces only (not tabs), as VB's Trim.
-std::string Trim(std::string_view s);
+KMF_API std::string Trim(std::string_view s);
 // Case folding covers ASCII and the Latin-1 letters Spanish uses (á é í ó ú ü ñ ç).
-std::string LCase(std::string_view s);
+KMF_API std::string LCase(std::string_view s);
 // Length in characters.
-size_t Len(std::string_view s);
-std::string Left(std::string_view s, size_t n);
+KMF_API size_t Len(std::string_view s);
+KMF_API std::string Left(std::string_view s, size_t n);
 // 1-based start; start past the end gives "". Without n, to the end. Start 0 -> VbError(5).
-std::string Mid(std::string_view s, size_t start, size_t n = std::string_view::npos);
+KMF_API std::string Mid(std::string_view s, size_t start, size_t n = std::string_view::npos);
 // Splits at every occurrence of `sep` (VB's Split): "a||b" gives "a", "", "b"; "" gives one "".
-std::vector<std::string> Split(std::string_view s, std::string_view sep);
+KMF_API std::vector<std::string> Split(std::string_view s, std::string_view sep);
 
 // A value quoted in a message for people, cut when it is long: `text` when it has at most
 // `max_chars` characters; otherwise its first `max_chars` characters (a UTF-8 sequence is never
 // split) followed by "… (N caracteres)", N being the length of the whole text in characters.
 inline constexpr size_t kMaxCharsInMessage = 60;
-std::string ShortForMessage(std::string_view text, size_t max_chars = kMaxCharsInMessage);
+KMF_API std::string ShortForMessage(std::string_view text, size_t max_chars = kMaxCharsInMessage);
 
 }  // namespace kivmovfrec::vb

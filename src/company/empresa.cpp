@@ -7,8 +7,6 @@
 #include "kivmovfrec/variant.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/text.h"
-#include "storage/columnas.h"
-#include "storage/tabla_empresas.h"
 
 namespace kivmovfrec {
 namespace {
@@ -26,20 +24,6 @@ std::optional<int16_t> ValorEntero(const std::string& resto) {
 }
 
 }  // namespace
-
-bool clsEmpresa::Load(int32_t empresa, Connection& cn) {
-  auto rs = cn.OpenResultset(storage::SqlEmpresaPorID(empresa));
-  if (rs->Eof()) {
-    rs->Close();
-    return false;
-  }
-  clsEmpresa leida = *this;
-  leida.ID(vb::CInt(Variant(empresa)));
-  storage::LeerEmpresa(*rs, leida);
-  rs->Close();
-  *this = std::move(leida);
-  return true;
-}
 
 void clsEmpresa::AplicarPrms(std::string_view prms) {
   static constexpr std::string_view kLibro = "lib:";

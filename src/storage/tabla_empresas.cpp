@@ -1,5 +1,9 @@
 #include "storage/tabla_empresas.h"
 
+#include <utility>
+
+#include "kivmovfrec/variant.h"
+#include "platform/vb/convert.h"
 #include "platform/vb/text.h"
 #include "storage/columnas.h"
 
@@ -21,3 +25,23 @@ void LeerEmpresa(const Resultset& rs, clsEmpresa& emp) {
 }
 
 }  // namespace kivmovfrec::storage
+
+namespace kivmovfrec {
+
+// The company's own Load reads through the table code above; it is defined here so that the
+// in-memory class (core) does not depend on the tables.
+bool clsEmpresa::Load(int32_t empresa, Connection& cn) {
+  auto rs = cn.OpenResultset(storage::SqlEmpresaPorID(empresa));
+  if (rs->Eof()) {
+    rs->Close();
+    return false;
+  }
+  clsEmpresa leida = *this;
+  leida.ID(vb::CInt(Variant(empresa)));
+  storage::LeerEmpresa(*rs, leida);
+  rs->Close();
+  *this = std::move(leida);
+  return true;
+}
+
+}  // namespace kivmovfrec

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/vb/convert.h"
+#include "platform/vb/locale.h"
 #include "platform/vb/text.h"
-#include "storage/columnas.h"
 #include "ui/texto_numeros.h"
 
 namespace kivmovfrec::ui {
@@ -26,13 +27,15 @@ std::vector<FilaUsuario> CargarUsuarios(Connection& cn, std::string_view codigos
   const std::vector<int32_t> dados = LeerCodigosUsuario(codigos);
   std::vector<FilaUsuario> filas;
   auto rs = cn.OpenReadOnly(kSqlUsuarios);
+  // Stored values, not typed ones: converted with the invariant locale; NULL reads as "".
   const auto texto = [&](std::string_view col) {
     const Variant v = rs->Get(col);
-    return storage::EsNulo(v) ? std::string() : vb::Trim(storage::ATexto(v));
+    return v.IsNull() || v.IsEmpty() ? std::string()
+                                     : vb::Trim(vb::CStr(v, vb::Locale::Invariant()));
   };
   for (; !rs->Eof(); rs->MoveNext()) {
     FilaUsuario fila;
-    fila.codigo = storage::ALong(rs->Get("UsuCodigo"));
+    fila.codigo = vb::CLng(rs->Get("UsuCodigo"), vb::Locale::Invariant());
     fila.identificacion = texto("UsuIdentificacion");
     fila.nombre = texto("UsuNombres") + " " + texto("UsuApellidos");
     fila.para = std::find(dados.begin(), dados.end(), fila.codigo) != dados.end();

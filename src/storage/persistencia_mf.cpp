@@ -1,0 +1,118 @@
+// clsMFTipo's database side: Load, Save and Delete, on the tables of storage. The in-memory
+// part of the class lives with the records in core.
+#include "kivmovfrec/mf_tipo.h"
+
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "core/clock.h"
+#include "storage/columnas.h"
+#include "storage/tabla_movimientos.h"
+#include "storage/tabla_recurrencias.h"
+#include "storage/tabla_renglones.h"
+
+namespace kivmovfrec {
+namespace {
+
+// The one query that reads a movement with its lines (and their account, project and
+// department) and its schedule.
+std::string SqlCargaCompleta(int32_t id) {
+  return "Select genMovimientosFrecuentes.*, genRenglonMovFrecuentes.*, genRecurrencias.*, "
+         "CueID, CueCodigo, CueNombre, CueMoneda, ProAbreviacion, DepAbreviacion "
+         "From (((((genMovimientosFrecuentes LEFT JOIN genRenglonMovFrecuentes ON "
+         "genMovimientosFrecuentes.MFrID = genRenglonMovFrecuentes.RMFMovimiento) "
+         "LEFT JOIN cceCuentas ON genRenglonMovFrecuentes.RMFCuenta = cceCuentas.CueID) "
+         "LEFT JOIN cceProyectos ON genRenglonMovFrecuentes.RMFIDProyecto = "
+         "cceProyectos.ProCodigo) "
+         "LEFT JOIN cceDepartamentos ON genRenglonMovFrecuentes.RMFIDDepartamento = "
+         "cceDepartamentos.DepCodigo) "
+         "LEFT JOIN genRecurrencias ON genMovimientosFrecuentes.MFrRecurrencia = "
+         "genRecurrencias.RecID) "
+         "Where MFrID = " +
+         std::to_string(id) + " Order By RMFOrden";
+}
+
+}  // namespace
+
+bool clsMFTipo::Load(Connection& cn, int32_t id) {
+  return Load(cn, id, core::RelojOSistema(reloj_.get()));
+}
+
+bool clsMFTipo::Load(Connection& cn, int32_t id, IClock& reloj) {
+  auto rs = cn.OpenResultset(SqlCargaCompleta(id));
+  if (rs->Eof()) {
+    rs->Close();
+    return false;
+  }
+  auto mov = std::make_shared<clsRegMovimientoFrecuente>(reloj);
+  auto rec = std::make_shared<clsRegRecurrencia>();
+  auto renglones = std::make_shared<clsRenglonesMF>();
+  storage::LeerMovimiento(*rs, *mov);
+  if (!storage::EsNulo(rs->Get("RecID"))) storage::LeerRecurrencia(*rs, *rec);
+  for (; !rs->Eof(); rs->MoveNext()) {
+    // A movement without lines still yields one row, with every line column NULL.
+    if (storage::EsNulo(rs->Get("RMFMovimiento"))) continue;
+    auto r = std::make_shared<clsRegRenglonMF>();
+    storage::LeerRenglon(*rs, *r);
+    renglones->AddRenglon(std::move(r));
+  }
+  rs->Close();
+  mov_ = std::move(mov);
+  rec_ = std::move(rec);
+  renglones_ = std::move(renglones);
+  return true;
+}
+
+int32_t clsMFTipo::Save(Connection& cn, IDBFncs& dbf, int16_t libro, const ParametrosBD& p) {
+  clsRegMovimientoFrecuente& mov = *mov_;
+  clsRegRecurrencia& rec = *rec_;
+  clsRenglonesMF& renglones = *renglones_;
+
+  storage::RechazarTextosMovimiento(mov);
+  for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+    storage::RechazarTextosRenglon(*renglones.Renglon(i));
+  }
+
+  // 1. Schedule.
+  if (mov.Recurrencia() == 0 && rec.ID() > 0) {
+    storage::BorrarRecurrencia(cn, rec.ID());
+    // The record no longer has a row: a schedule given to it later is stored as a new one.
+    rec.ID(0);
+  } else if (!rec.FechaProxima().empty()) {
+    mov.Recurrencia(storage::GuardarRecurrencia(cn, dbf, rec, p));
+  }
+
+  // 2. Link order.
+  storage::AsignarOrdenVinculo(cn, mov);
+
+  // 3. Default journal of an entry.
+  if (mov.Tipo() == enuTipoMovFrec::Asiento && mov.Modalidad() == 0) mov.Modalidad(libro);
+
+  // 4. Header.
+  const int32_t id = storage::GuardarMovimiento(cn, dbf, mov, p);
+
+  // 5. Lines: the stored set is replaced by the one in memory.
+  auto rs = cn.OpenResultset(storage::SqlRenglonesDe(id));
+  for (; !rs->Eof(); rs->MoveNext()) rs->Delete();
+  for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+    clsRegRenglonMF& r = *renglones.Renglon(i);
+    if (r.Orden() == 0 && i > std::numeric_limits<uint8_t>::max()) throw VbError(6);
+    storage::AgregarRenglon(*rs, r, id, static_cast<uint8_t>(i > 255 ? 0 : i));
+  }
+  rs->Close();
+  return id;
+}
+
+void clsMFTipo::Delete(Connection& cn, int32_t id) {
+  storage::BorrarRenglones(cn, id);
+  auto rs = cn.OpenResultset(storage::SqlMovimientoPorID(id));
+  if (!rs->Eof()) {
+    const Variant rec = rs->Get("MFrRecurrencia");
+    if (!storage::EsNulo(rec)) storage::BorrarRecurrencia(cn, storage::ALong(rec));
+    rs->Delete();
+  }
+  rs->Close();
+}
+
+}  // namespace kivmovfrec

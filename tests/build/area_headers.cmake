@@ -1,0 +1,46 @@
+# The areas' header boundaries, run as `cmake -DSOURCE_DIR=... -DBINARY_DIR=... -P`:
+#  - each area's include tree holds the headers of its own and its dependencies' folders and
+#    nothing else (a dependency's sub-folder that is another area stays out);
+#  - every source of src/ is compiled against its area's tree, never against src/ itself.
+cmake_minimum_required(VERSION 3.25)
+set(tree ${BINARY_DIR}/area_include)
+
+function(expect_sees area header expected)
+  if(NOT IS_DIRECTORY ${tree}/${area})
+    message(SEND_ERROR "no include tree for area ${area}")
+  elseif(EXISTS ${tree}/${area}/${header} AND NOT expected)
+    message(SEND_ERROR "area ${area} sees ${header}")
+  elseif(NOT EXISTS ${tree}/${area}/${header} AND expected)
+    message(SEND_ERROR "area ${area} does not see ${header}")
+  endif()
+endfunction()
+expect_sees(core storage/columnas.h NO)  # storage depends on core, not the reverse
+expect_sees(ui storage/columnas.h NO)
+expect_sees(ui ui/user_picker/eleccion_usuarios.h YES)
+expect_sees(storage storage/columnas.h YES)
+expect_sees(storage platform/suite/clock.h YES)  # through core
+expect_sees(schedule platform/db/dialect.h NO)
+expect_sees(formula storage/parametros.h YES)
+expect_sees(formula storage/install/sql_script.h NO)
+expect_sees(install storage/install/sql_script.h YES)
+expect_sees(install storage/columnas.h NO)
+
+file(READ ${BINARY_DIR}/compile_commands.json json)
+string(JSON count LENGTH "${json}")
+math(EXPR last "${count} - 1")
+set(checked 0)
+foreach(i RANGE ${last})
+  string(JSON file GET "${json}" ${i} file)
+  if(file MATCHES "^${SOURCE_DIR}/src/")
+    string(JSON command GET "${json}" ${i} command)
+    math(EXPR checked "${checked} + 1")
+    if(command MATCHES "-I *${SOURCE_DIR}/src( |$)")
+      message(SEND_ERROR "${file} is compiled with all of src/ in its include path")
+    elseif(NOT command MATCHES "-I *${BINARY_DIR}/area_include/[a-z_]+( |$)")
+      message(SEND_ERROR "${file} is compiled without its area's include tree")
+    endif()
+  endif()
+endforeach()
+if(checked EQUAL 0)
+  message(SEND_ERROR "compile_commands.json lists no source of src/")
+endif()
