@@ -5,9 +5,9 @@
 // company, that no ID appears twice, and that every line's account can take it:
 // storage::ProblemaCuentaRenglon). Any problem: every problem found is listed and nothing is
 // written. Then the movements are saved, one after the other, through the façade's
-// locked save, all inside ONE transaction of the import: the locked save's own begin and
-// commit join that transaction (see UnaTransaccion below), so a save that fails midway rolls
-// back the ones before it as well, and the table counters too.
+// locked save, all inside ONE transaction of the import: each save is a level inside it (a
+// savepoint), so a save that fails midway rolls back the ones before it as well, and the
+// table counters too.
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -35,47 +35,6 @@ namespace kivmovfrec::cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-// A connection that runs inside a transaction the import already holds on `base`: a
-// BeginTrans / CommitTrans of the code it is handed to is absorbed into that transaction, and
-// a RollbackTrans is remembered so the import rolls the whole transaction back. Everything
-// else goes straight to `base`.
-class UnaTransaccion final : public Connection {
- public:
-  explicit UnaTransaccion(std::shared_ptr<Connection> base) : base_(std::move(base)) {}
-
-  bool Deshecha() const { return deshecha_; }
-
-  Engine engine() const override { return base_->engine(); }
-  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
-    return base_->OpenResultset(sql);
-  }
-  std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
-    return base_->OpenReadOnly(sql);
-  }
-  int64_t Execute(std::string_view sql) override { return base_->Execute(sql); }
-  void BeginTrans() override {
-    if (!base_->InTransaction())
-      throw DbError("importar: la transacción de la importación no está abierta");
-    if (abierta_) throw DbError("importar: transacción ya iniciada");
-    abierta_ = true;
-  }
-  void CommitTrans() override {
-    if (!abierta_) throw DbError("importar: no hay transacción que confirmar");
-    abierta_ = false;
-  }
-  void RollbackTrans() override {
-    if (abierta_) deshecha_ = true;
-    abierta_ = false;
-  }
-  bool InTransaction() const override { return abierta_; }
-  std::string Translate(std::string_view sql) const override { return base_->Translate(sql); }
-
- private:
-  std::shared_ptr<Connection> base_;
-  bool abierta_ = false;
-  bool deshecha_ = false;
-};
 
 struct Entrada {
   MovimientoLeido leido;
@@ -237,19 +196,17 @@ Action Setup(CLI::App& app) {
                                  errores.size(), errores.size() == 1 ? "" : "es", *archivo));
     }
 
-    auto base = ctx.connection();
-    auto conexion = std::make_shared<UnaTransaccion>(base);
+    auto conexion = ctx.connection();
     auto fachada = AbrirFachada(ctx, conexion);
     std::vector<std::pair<int32_t, bool>> guardados;
-    base->BeginTrans();
-    try {
+    {
+      Transaccion importacion(*conexion);
       for (Entrada& e : entradas) {
         EnlazarAgenda(e);
         const bool nuevo = e.leido.mf->MovFrecuente()->ID() == 0;
         fachada->EstructuraMovFrec(e.leido.mf);
         const int32_t id = fachada->SaveMovimientoFrecuenteConBloqueo(false);
-        if (id == 0 || conexion->Deshecha()) {
-          base->RollbackTrans();
+        if (id == 0) {
           return Rechazo(
               ctx, "importar",
               fmt::format("no se pudo grabar el movimiento {} ({}); se deshizo la "
@@ -260,10 +217,7 @@ Action Setup(CLI::App& app) {
         }
         guardados.emplace_back(id, nuevo);
       }
-      base->CommitTrans();
-    } catch (...) {
-      base->RollbackTrans();
-      throw;
+      importacion.Commit();
     }
 
     if (ctx.json()) {

@@ -38,7 +38,7 @@ int ReportError(std::exception_ptr error, Context* ctx) {
   try {
     std::rethrow_exception(error);
   } catch (const DbError& e) {
-    std::cerr << "movfrec: error de base de datos: " << e.what() << '\n';
+    std::cerr << "movfrec: " << DescribirErrorDb(e) << '\n';
     if (MissingTable(e.what())) {
       std::cerr << "Si la base de datos es nueva, cree las tablas con «movfrec init».\n";
     }

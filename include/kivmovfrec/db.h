@@ -4,7 +4,8 @@
 //
 // SQL text is written in the suite's dialect (`Select Top n`, `+` between texts, `Like`
 // without regard to case) and translated by the adapter. Table and column names resolve
-// without regard to case.
+// without regard to case. Values that come from people or from stored data go beside the text
+// as bound parameters (DbParams, `?` in the text), never into it.
 #pragma once
 
 #include <chrono>
@@ -14,6 +15,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kivmovfrec/export.h"
 #include "kivmovfrec/variant.h"
@@ -45,6 +47,11 @@ class KMF_API DbError : public std::runtime_error {
  private:
   DbErrorKind kind_;
 };
+
+// A database failure as people are told it, in the component's one wording: what its kind
+// means in plain Spanish, then the engine's text in parentheses ("la base de datos está
+// bloqueada por otro proceso (...)"); the engine's text alone for DbErrorKind::Other.
+KMF_API std::string DescribirErrorDb(const DbError& e);
 
 // Rows produced by one SELECT. A result set starts on its first row (Eof() when there is none).
 // Its rows are read when it is opened: what other statements change afterwards is not seen,
@@ -90,24 +97,46 @@ class KMF_API Resultset {
 
 enum class Engine { SQLite, PostgreSQL };
 
+// Values bound to the `?` placeholders of a statement, in order: `cn.Execute("Update T Set a = ?
+// Where b = ?", {Variant(1), Variant("x")})`. They are sent to the engine as values and never
+// read as SQL, whatever text they hold. A `?` inside a string literal, a quoted name or a
+// comment is not a placeholder. Values map to columns as Resultset::Set does (each adapter's
+// header says how). A statement whose placeholders do not match the values given, one for
+// one, throws DbError without running.
+using DbParams = std::vector<Variant>;
+
 // The query limit a connection starts with (Connection::SetQueryLimit).
 inline constexpr std::chrono::milliseconds kDefaultQueryLimit{10000};
 
 // An open database. Not thread-safe: one connection per thread, as the suite uses it.
 //
-// Transactions: BeginTrans takes the write lock at once (so two savers serialise instead of
-// failing at commit; a second writer waits for the lock up to a busy timeout, then DbError);
-// CommitTrans / RollbackTrans end it. They do not nest: BeginTrans inside a transaction throws
-// DbError, CommitTrans outside one throws DbError, RollbackTrans outside one does nothing (so
-// error paths can always call it). Without a transaction every statement commits on its own.
+// Transactions nest; the Transaccion guard below is the way to use them. The connection counts
+// the open levels (TransactionDepth):
+//   * BeginTrans outside a transaction starts one and takes the write lock at once (so two
+//     savers serialise instead of failing at commit; a second writer waits for the lock up to
+//     a busy timeout, then DbError). Inside one it opens an inner level: a savepoint.
+//   * CommitTrans ends the innermost level: the outermost commits; an inner one keeps its work
+//     as part of the level around it. Outside a transaction it throws DbError.
+//   * RollbackTrans undoes the innermost level only: an inner one back to its savepoint, the
+//     levels around it go on; the outermost rolls the whole transaction back. Outside a
+//     transaction it does nothing, so error paths can always call it.
+//   * When the engine ends the transaction by itself (lost connection, or a failed COMMIT) all
+//     levels are gone: the depth reads 0. When an inner level's rollback fails, the outermost
+//     level cannot commit any more: its CommitTrans rolls back everything and throws.
+// A statement that fails inside a transaction leaves it failed on PostgreSQL until the
+// innermost level is rolled back; SQLite lets it go on. Code that traps a statement's error and
+// carries on inside a transaction therefore puts that statement in a level of its own.
+// Without a transaction every statement commits on its own.
 class KMF_API Connection {
  public:
   virtual ~Connection() = default;
 
   virtual Engine engine() const = 0;
 
-  // Opens a result set. Updatable when the SQL is a single-table `Select * from T ...`.
-  virtual std::unique_ptr<Resultset> OpenResultset(std::string_view sql) = 0;
+  // Opens a result set, `params` bound to the statement's placeholders. Updatable when the SQL
+  // is a single-table `Select * from T ...`.
+  virtual std::unique_ptr<Resultset> OpenResultset(std::string_view sql,
+                                                   const DbParams& params = {}) = 0;
 
   // Opens a result set for text that came from a formula or a script: the statement must be
   // one query (SELECT, WITH ... SELECT, VALUES). Anything else (INSERT, UPDATE, DELETE, DDL,
@@ -136,13 +165,16 @@ class KMF_API Connection {
   virtual void SetQueryLimit(std::chrono::milliseconds limit) { query_limit_ = limit; }
   virtual std::chrono::milliseconds QueryLimit() const { return query_limit_; }
 
-  // Runs one statement (a second one in the text throws DbError); returns the number of rows it
-  // inserted, updated or deleted (0 for anything else).
-  virtual int64_t Execute(std::string_view sql) = 0;
+  // Runs one statement (a second one in the text throws DbError), `params` bound to its
+  // placeholders; returns the number of rows it inserted, updated or deleted (0 for anything
+  // else).
+  virtual int64_t Execute(std::string_view sql, const DbParams& params = {}) = 0;
 
   virtual void BeginTrans() = 0;
   virtual void CommitTrans() = 0;
   virtual void RollbackTrans() = 0;
+  // Open levels: 0 outside a transaction, 1 in the outermost, 2 and more in savepoints.
+  virtual int TransactionDepth() const = 0;
   virtual bool InTransaction() const = 0;
 
   // The statement as this engine will run it (dialect translation only). For tests and traces.
@@ -150,6 +182,38 @@ class KMF_API Connection {
 
  private:
   std::chrono::milliseconds query_limit_ = kDefaultQueryLimit;
+};
+
+// One level of a connection's transaction for the lifetime of a scope:
+//
+//   Transaccion t(cn);   // BeginTrans: a transaction, or a savepoint inside one
+//   ...                  // statements; an exception leaves the scope
+//   t.Commit();          // CommitTrans of this level
+//
+// Not committed when it goes out of scope (an exception, an early return), it rolls its level
+// back, together with any level opened inside it and left open; the levels around it go on.
+// The destructor never throws: a rollback that fails is swallowed (the connection is then
+// unusable, and the outermost level refuses to commit).
+class KMF_API Transaccion {
+ public:
+  // Throws DbError as BeginTrans does (e.g. Busy when the write lock cannot be had).
+  explicit Transaccion(Connection& cn);
+  ~Transaccion();
+  Transaccion(const Transaccion&) = delete;
+  Transaccion& operator=(const Transaccion&) = delete;
+
+  // Ends the level keeping its work (CommitTrans). Throws DbError when the engine refuses, when
+  // a level opened inside this one is still open, or when the level already ended. After a
+  // failed Commit the level is still open and the destructor rolls it back.
+  void Commit();
+  // Undoes the level now (and the levels left open inside it); nothing when it already ended.
+  // Throws DbError when the engine fails.
+  void Rollback();
+
+ private:
+  Connection& cn_;
+  int nivel_ = 0;  // this level's depth
+  bool terminada_ = false;
 };
 
 // Opens a database from a URI:

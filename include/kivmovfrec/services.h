@@ -74,14 +74,16 @@ class KMF_API IInput {
 class KMF_API IDBFncs {
  public:
   virtual ~IDBFncs() = default;
-  // Next value of the named table's counter (genContadores), or -1 when none can be drawn;
-  // never throws. Atomic across connections and processes: two callers never get the same
+  // Next value of the named table's counter (genContadores), or -1 when none can be drawn
+  // (a name that is not a plain table name, a value past 32 bits). A database failure (lost
+  // connection, read-only database, missing table) throws its DbError, so the caller can say
+  // what happened. Atomic across connections and processes: two callers never get the same
   // value. Inside the connection's open transaction the draw belongs to that transaction (a
   // rollback gives the value back); outside one it commits on its own.
   virtual int32_t GetTableCounter(std::string_view table) = 0;
   // Value of a named suite setting: the genParametros row whose ParNombre equals `name`
   // trimmed and without regard to case. ParValor when it is not Null, else ParTexto (Null when
-  // both are). Empty when there is no such row or it cannot be read; never throws.
+  // both are). Empty when there is no such row; a database failure throws its DbError.
   virtual Variant GetSetting(std::string_view name) = 0;
   // Shows the help topic with the given context number (command 15) through the message
   // service's help operation.
@@ -98,7 +100,8 @@ class KMF_API IUserRights {
  public:
   virtual ~IUserRights() = default;
   // Permission letters of the current user for `opcion` in company `empresa`, trimmed; the
-  // option is compared without regard to case. "" when the user has no rights there.
+  // option is compared without regard to case. "" when the user has no rights there; a
+  // database failure throws its DbError (never read as "no rights").
   virtual std::string Letras(int32_t empresa, std::string_view opcion) = 0;
   // Code of the current user.
   virtual int32_t Usuario() const = 0;

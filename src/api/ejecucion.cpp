@@ -172,7 +172,7 @@ class Ejecutor {
     r.fecha = v.fecha;
     bool fila = false;  // the failure, if any, came from claiming the movement's row
     try {
-      cn_.BeginTrans();
+      Transaccion transaccion(cn_);
       cn_.Execute(kSqlTomarTabla);
       fila = true;
       cn_.Execute(AvanceAgenda::SqlReservar(v.id));
@@ -182,7 +182,6 @@ class Ejecutor {
       if (existe) r.nombre = mov.MovFrecuente()->Nombre();
       r.detalle = Cambio(existe, mov, v.fecha, r.proxima);
       if (!r.detalle.empty()) {
-        Deshacer();
         r.estado = EstadoOcurrencia::HechaEnOtraParte;
         return r;
       }
@@ -210,9 +209,8 @@ class Ejecutor {
           vb::IsDate(Variant(despues.Recurrencia()->FechaProxima()))) {
         r.proxima = vb::CDate(Variant(despues.Recurrencia()->FechaProxima()));
       }
-      cn_.CommitTrans();
+      transaccion.Commit();
     } catch (const DbError& e) {
-      Deshacer();
       const bool fila_tomada = fila && e.kind() == DbErrorKind::Busy;
       if (!fila_tomada && InutilizaLaBase(e.kind())) {
         throw Detencion{"la base de datos no se puede usar (" + sql::DescribirErrorDb(e) +
@@ -222,22 +220,12 @@ class Ejecutor {
                                   sql::DescribirErrorDb(e) + ")"
                             : sql::DescribirErrorDb(e));
     } catch (const std::exception& e) {
-      Deshacer();
       Fallar(r, e.what());
     }
     return r;
   }
 
  private:
-  void Deshacer() {
-    if (!cn_.InTransaction()) return;
-    try {
-      cn_.RollbackTrans();
-    } catch (const std::exception&) {
-      // The connection is gone; nothing was committed.
-    }
-  }
-
   static void Fallar(OcurrenciaEjecutada& r, std::string error) {
     r.estado = EstadoOcurrencia::Fallida;
     r.error = std::move(error);

@@ -50,16 +50,6 @@ class CopiaEstructura {
   std::vector<std::pair<std::shared_ptr<clsRegRenglonMF>, clsRegRenglonMF>> lineas_;
 };
 
-// Rolls back a transaction this code began, never one it did not; a failing rollback (lost
-// connection) must not hide the error being handled.
-void Deshacer(Connection& cn, bool iniciada) {
-  if (!iniciada) return;
-  try {
-    cn.RollbackTrans();
-  } catch (const std::exception&) {
-  }
-}
-
 // The schedule as the save needs it: a start date that is not a date takes the next due date.
 void CompletarRecurrencia(clsRegRecurrencia& rec) {
   if (!rec.FechaProxima().empty() && !vb::IsDate(Variant(rec.FechaInicio()))) {
@@ -197,23 +187,20 @@ int32_t clsMovFrecuente::SaveMovimientoFrecuenteConBloqueo(bool /*bDisplayMsgErr
   ultimo_error_.clear();
   if (!ctx_.cn) return 0;
   const CopiaEstructura copia(*estructura_);
-  bool iniciada = false;
   try {
     RechazarVariasDiferencias(*estructura_->Renglones(), Idioma());
     clsRegRecurrencia& rec = *estructura_->Recurrencia();
     CompletarRecurrencia(rec);
-    ctx_.cn->BeginTrans();
-    iniciada = true;
+    Transaccion transaccion(*ctx_.cn);
     if (rec.ID() == 0 && rec.CadaCuanto() == 0 && rec.CantidadVeces() == 1 &&
         rec.NumOcurrencia() > 1) {
       rec.NumOcurrencia(1);
     }
     const int16_t libro = EmpresaContexto().Libro();
     const int32_t id = estructura_->Save(*ctx_.cn, *ctx_.servicios.db, libro, ctx_.parametros);
-    ctx_.cn->CommitTrans();
+    transaccion.Commit();
     return id;
   } catch (const std::exception& e) {
-    Deshacer(*ctx_.cn, iniciada);
     copia.Restaurar();
     ultimo_error_ = DescribirError(e);
     return 0;
@@ -275,7 +262,6 @@ bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
 bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
   ultimo_error_.clear();
   if (!ctx_.cn) return false;
-  bool iniciada = false;
   try {
     const int idioma = Idioma();
     clsRegMovimientoFrecuente mov(ctx_.Reloj());
@@ -290,13 +276,11 @@ bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
              MsgIcon::Question, MsgButtons::YesNo, 2}) == kMsgNo) {
       return false;
     }
-    ctx_.cn->BeginTrans();
-    iniciada = true;
+    Transaccion transaccion(*ctx_.cn);
     clsMFTipo::Delete(*ctx_.cn, lIDMF);
-    ctx_.cn->CommitTrans();
+    transaccion.Commit();
     return true;
   } catch (const std::exception& e) {
-    Deshacer(*ctx_.cn, iniciada);
     Reportar(msg::kErrorEliminarMovimiento, e);
     return false;
   }
@@ -306,27 +290,21 @@ bool clsMovFrecuente::DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez)
   bPorUnicaVez = false;
   ultimo_error_.clear();
   if (!ctx_.cn) return false;
-  bool iniciada = false;
   try {
-    ctx_.cn->BeginTrans();
-    iniciada = true;
+    Transaccion transaccion(*ctx_.cn);
     api::AvanceAgenda avance(ctx_, *ctx_.cn, Calendario());
     const api::ResultadoOcurrencia r = avance.Realizar(lIDMF);
-    if (r == api::ResultadoOcurrencia::NoAplica) {
-      Deshacer(*ctx_.cn, iniciada);
-      return false;
-    }
+    if (r == api::ResultadoOcurrencia::NoAplica) return false;
     // When lIDMF heads a linked group, the rest of it in execution order (lIDMF itself is not
     // marked twice); a member marked alone does not drag its group along.
     const api::GrupoVinculado grupo = api::GrupoEnOrden(*ctx_.cn, lIDMF);
     for (const api::MiembroGrupo& m : grupo.miembros) {
       if (grupo.id == lIDMF) avance.Realizar(m.id);
     }
-    ctx_.cn->CommitTrans();
+    transaccion.Commit();
     bPorUnicaVez = r == api::ResultadoOcurrencia::Terminada;
     return true;
   } catch (const std::exception& e) {
-    Deshacer(*ctx_.cn, iniciada);
     Reportar(msg::kErrorDarRealizada, e);
     return false;
   }

@@ -104,7 +104,8 @@ std::optional<std::string> clsFormulaMF::TextoConsulta(std::string_view consulta
   if (!cn_) return std::nullopt;
   storage::ContextoLookup c{ctx_.empresa, ctx_.id_mov, pre_id, ctx_.mostrar_codigo_cta};
   try {
-    auto rs = cn_->OpenResultset(storage::PrepararBusquedaPorID(consulta, c, id));
+    const auto busqueda = storage::PrepararBusquedaPorID(consulta, c, id);
+    auto rs = cn_->OpenResultset(busqueda.sql, busqueda.valores);
     if (rs->Eof()) return std::nullopt;
     return TextoDe(rs->Get(2));
   } catch (const std::exception&) {
@@ -117,14 +118,14 @@ std::optional<int64_t> clsFormulaMF::BuscarConsulta(std::string_view consulta,
   if (!cn_ || storage::TieneComilla(texto)) return std::nullopt;
   storage::ContextoLookup c{ctx_.empresa, ctx_.id_mov, pre_id, ctx_.mostrar_codigo_cta};
   try {
-    auto rs = cn_->OpenResultset(storage::PrepararBusquedaPorClave(consulta, c, vb::Trim(texto)));
+    const auto busqueda = storage::PrepararBusquedaPorClave(consulta, c, vb::Trim(texto));
+    auto rs = cn_->OpenResultset(busqueda.sql, busqueda.valores);
     if (!rs->Eof()) return vb::CLng(rs->Get(0));
     rs->Close();
     // Every row the query offers, compared by its key and its display text.
-    std::string todas = storage::ReemplazarContexto(consulta, c);
-    todas = vb::Replace(todas, "[pFindID]", " Is Not Null", true);
-    todas = vb::Replace(todas, "[pFindKey]", storage::kNoCoincide, true);
-    for (auto filas = cn_->OpenResultset(todas); !filas->Eof(); filas->MoveNext()) {
+    const auto todas = storage::PrepararTodas(consulta, c);
+    for (auto filas = cn_->OpenResultset(todas.sql, todas.valores); !filas->Eof();
+         filas->MoveNext()) {
       if (MismoTexto(TextoDe(filas->Get(1)), texto) || MismoTexto(TextoDe(filas->Get(2)), texto))
         return vb::CLng(filas->Get(0));
     }

@@ -1,7 +1,10 @@
 #include "storage/consulta_lookup.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+
 #include "platform/vb/text.h"
-#include "storage/sql_texto.h"
 
 namespace kivmovfrec::storage {
 namespace {
@@ -9,6 +12,41 @@ namespace {
 std::string Poner(std::string_view sql, std::string_view marca, std::string_view valor) {
   return vb::Replace(sql, marca, valor, /*ignore_case=*/true);
 }
+
+// What each search placeholder becomes: " = ?" with the value, or `texto` when given.
+struct Busqueda {
+  std::optional<Variant> valor;
+  std::string_view texto;
+};
+
+// Replaces the search placeholders in order of appearance, so the values follow the `?`.
+ConsultaLookup PonerBusqueda(std::string_view sql, const Busqueda& id, const Busqueda& clave) {
+  ConsultaLookup out;
+  // ASCII folding keeps every byte where it was.
+  std::string lower(sql);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  size_t desde = 0;
+  while (true) {
+    const size_t en_id = lower.find("[pfindid]", desde);
+    const size_t en_clave = lower.find("[pfindkey]", desde);
+    const size_t en = std::min(en_id, en_clave);
+    out.sql.append(sql.substr(desde, en == std::string::npos ? std::string::npos : en - desde));
+    if (en == std::string::npos) break;
+    const Busqueda& b = en == en_id ? id : clave;
+    if (b.valor) {
+      out.sql += " = ?";
+      out.valores.push_back(*b.valor);
+    } else {
+      out.sql += b.texto;
+    }
+    desde = en + (en == en_id ? 9 : 10);
+  }
+  return out;
+}
+
+const Busqueda kNinguna{Variant::Null(), {}};
 
 }  // namespace
 
@@ -20,19 +58,19 @@ std::string ReemplazarContexto(std::string_view sql, const ContextoLookup& ctx) 
   return s;
 }
 
-std::string PrepararBusquedaPorID(std::string_view sql, const ContextoLookup& ctx, int64_t id) {
-  std::string s = ReemplazarContexto(sql, ctx);
-  s = Poner(s, "[pFindID]", " = " + std::to_string(id));
-  return Poner(s, "[pFindKey]", kNoCoincide);
+ConsultaLookup PrepararBusquedaPorID(std::string_view sql, const ContextoLookup& ctx, int64_t id) {
+  const Variant valor = id >= INT32_MIN && id <= INT32_MAX ? Variant(static_cast<int32_t>(id))
+                                                           : Variant(static_cast<double>(id));
+  return PonerBusqueda(ReemplazarContexto(sql, ctx), {valor, {}}, kNinguna);
 }
 
-std::string PrepararBusquedaPorClave(std::string_view sql, const ContextoLookup& ctx,
-                                     std::string_view clave) {
-  std::string s = ReemplazarContexto(sql, ctx);
-  // The search text is replaced last, so a placeholder-looking text typed by the user is never
-  // expanded.
-  s = Poner(s, "[pFindID]", kNoCoincide);
-  return Poner(s, "[pFindKey]", " = " + LiteralTexto(clave));
+ConsultaLookup PrepararBusquedaPorClave(std::string_view sql, const ContextoLookup& ctx,
+                                        std::string_view clave) {
+  return PonerBusqueda(ReemplazarContexto(sql, ctx), kNinguna, {Variant(clave), {}});
+}
+
+ConsultaLookup PrepararTodas(std::string_view sql, const ContextoLookup& ctx) {
+  return PonerBusqueda(ReemplazarContexto(sql, ctx), {std::nullopt, " Is Not Null"}, kNinguna);
 }
 
 }  // namespace kivmovfrec::storage

@@ -15,22 +15,6 @@
 namespace kivmovfrec::postgres {
 namespace {
 
-TEST(PostgresDialect, MatchNothingComparisonBecomesAnEmptyArray) {
-  EXPECT_EQ(RewriteLooseTyping("Select MonID From genMonedas Where (MonID  = "
-                               "'abc121ptokiv121cba' or MonSimbolo = 'U$S')"),
-            "Select MonID From genMonedas Where (MonID  = ANY ('{}') or MonSimbolo = 'U$S')");
-  // Only after `=` and only that exact literal.
-  for (const char* kept :
-       {"Select 'abc121ptokiv121cba'", "Select 1 Where a <> 'abc121ptokiv121cba'",
-        "Select 1 Where a = 'ABC121PTOKIV121CBA'", "Select 1 Where a = ' abc121ptokiv121cba'"}) {
-    EXPECT_EQ(RewriteLooseTyping(kept), kept);
-  }
-  // After the shared translation the concatenation still becomes ||.
-  EXPECT_EQ(TranslateForPostgres("Select 1 From cceCuentas Where rTrim(CueCodigo) + ' ' + "
-                                 "CueNombre  = 'abc121ptokiv121cba'"),
-            "Select 1 From cceCuentas Where rTrim(CueCodigo) || ' ' || CueNombre  = ANY ('{}')");
-}
-
 TEST(PostgresDialect, BareNumbersInAUnionTakeTheTypeOfTheOtherBranches) {
   EXPECT_EQ(RewriteLooseTyping("Select 1, CueCodigo, rTrim(CueNombre) From cceCuentas Union All "
                                "Select 2, 0, ProAbreviacion From cceProyectos Union All "

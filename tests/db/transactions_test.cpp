@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -19,8 +20,17 @@ class Transactions : public testing::EngineTest {
     cn->Execute("Insert Into genRecurrencias Values (1, '000007')");
   }
 
-  static int Count(Connection& c) {
-    return c.OpenResultset("Select count(*) From genRecurrencias")->Get(0).AsLong();
+  void Insert(int id) {
+    cn->Execute("Insert Into genRecurrencias Values (?, '000001')", {Variant(int32_t{id})});
+  }
+
+  static std::string Ids(Connection& c) {
+    std::string seen;
+    for (auto rs = c.OpenResultset("Select RecID From genRecurrencias Order By RecID"); !rs->Eof();
+         rs->MoveNext()) {
+      seen += std::to_string(rs->Get(0).AsLong()) + " ";
+    }
+    return seen;
   }
 
   bool TableExists(const std::string& table) {
@@ -61,7 +71,7 @@ TEST_P(Transactions, ReadOnlyRefusesEveryStatementThatCouldWrite) {
   EXPECT_THROW(star->Delete(), DbError);
   EXPECT_THROW(star->Edit(), DbError);
   EXPECT_EQ(star->Get("RecFrecuencia"), Variant("000007"));
-  EXPECT_EQ(Count(*cn), 1);
+  EXPECT_EQ(Ids(*cn), "1 ");
   EXPECT_FALSE(cn->InTransaction());
 
   cn->BeginTrans();
@@ -74,59 +84,73 @@ TEST_P(Transactions, ReadOnlyRefusesEveryStatementThatCouldWrite) {
   EXPECT_EQ(cn->OpenReadOnly("Select count(*) From genRecurrencias")->Get(0), Variant(int32_t{2}));
   cn->Execute("Insert Into genRecurrencias Values (3, '000002')");
   cn->CommitTrans();
-  EXPECT_EQ(Count(*OpenAnother()), 3);
+  EXPECT_EQ(Ids(*OpenAnother()), "1 2 3 ");
   EXPECT_FALSE(TableExists("Otra"));
   EXPECT_FALSE(TableExists("Copia"));
 }
 
-TEST_P(Transactions, RollbackRestoresAndCommitKeeps) {
-  cn->BeginTrans();
-  EXPECT_TRUE(cn->InTransaction());
-  cn->Execute("Insert Into genRecurrencias Values (2, '000001')");
-  auto rs = cn->OpenResultset("Select * From genRecurrencias Where RecID = 1");
-  rs->Delete();
-  EXPECT_EQ(Count(*cn), 1);
-  cn->RollbackTrans();
+// An inner level is a savepoint: its rollback keeps the outer level's work, its commit hands
+// its work to the outer level, and only the outermost commit makes anything visible. Rolling
+// the outer level back, or leaving it by an exception, drops everything, inner levels included
+// (also one opened with BeginTrans and left open).
+TEST_P(Transactions, NestedLevelsAreSavepoints) {
+  {
+    Transaccion fuera(*cn);
+    Insert(2);
+    {
+      Transaccion dentro(*cn);
+      EXPECT_EQ(cn->TransactionDepth(), 2);
+      Insert(3);
+    }
+    EXPECT_EQ(cn->TransactionDepth(), 1);
+    {
+      Transaccion dentro(*cn);
+      Insert(4);
+      {
+        Transaccion mas_dentro(*cn);
+        EXPECT_THROW(dentro.Commit(), DbError);  // a level inside it is still open
+      }
+      dentro.Commit();
+    }
+    EXPECT_EQ(Ids(*OpenAnother()), "1 ");
+    fuera.Commit();
+  }
+  EXPECT_EQ(Ids(*OpenAnother()), "1 2 4 ");
+  EXPECT_EQ(cn->TransactionDepth(), 0);
+
+  try {
+    Transaccion fuera(*cn);
+    Insert(5);
+    Transaccion dentro(*cn);
+    Insert(6);
+    cn->OpenResultset("Select * From genRecurrencias Where RecID = 1")->Delete();
+    dentro.Commit();
+    cn->BeginTrans();
+    Insert(7);
+    throw std::runtime_error("falla a mitad");
+  } catch (const std::runtime_error&) {
+  }
   EXPECT_FALSE(cn->InTransaction());
-  EXPECT_EQ(Count(*cn), 1);
-  EXPECT_FALSE(cn->OpenResultset("Select * From genRecurrencias Where RecID = 1")->Eof());
-
-  cn->BeginTrans();
-  cn->Execute("Insert Into genRecurrencias Values (3, '100001')");
-  EXPECT_EQ(Count(*OpenAnother()), 1);  // not visible to others before the commit
-  cn->CommitTrans();
-  EXPECT_EQ(Count(*OpenAnother()), 2);
-}
-
-TEST_P(Transactions, TransactionsDoNotNest) {
-  cn->BeginTrans();
-  EXPECT_THROW(cn->BeginTrans(), DbError);
-  EXPECT_TRUE(cn->InTransaction());  // the outer transaction is still there
-  cn->CommitTrans();
+  EXPECT_EQ(Ids(*cn), "1 2 4 ");
   EXPECT_THROW(cn->CommitTrans(), DbError);
   cn->RollbackTrans();  // nothing to roll back: no error
-  EXPECT_FALSE(cn->InTransaction());
 }
 
-// A failing statement undoes only itself: the transaction goes on and can still commit (the
-// caller decides). PostgreSQL would otherwise refuse everything until the rollback.
-TEST_P(Transactions, AFailedStatementInsideATransactionUndoesOnlyItself) {
+// A failed statement is undone with the level around it; the transaction then goes on (on
+// PostgreSQL nothing else runs until that level is rolled back, on SQLite it would).
+TEST_P(Transactions, AFailedStatementGoesWithItsLevel) {
   cn->Execute("Create Unique Index ixRec On genRecurrencias (RecID)");
-  cn->BeginTrans();
-  cn->Execute("Insert Into genRecurrencias Values (2, '000001')");
-  EXPECT_THROW(cn->Execute("Insert Into genRecurrencias Values (1, 'repetida')"), DbError);
-  EXPECT_THROW(cn->OpenResultset("Select NoExiste From genRecurrencias"), DbError);
-  auto rs = cn->OpenResultset("Select * From genRecurrencias Where RecID = 2");
-  rs->Edit();
-  rs->Set("RecID", int32_t{1});  // taken
-  EXPECT_THROW(rs->Update(), DbError);
-  EXPECT_TRUE(cn->InTransaction());
-  cn->Execute("Insert Into genRecurrencias Values (3, '000002')");
-  cn->CommitTrans();
-  auto all = cn->OpenResultset("Select RecID, RecFrecuencia From genRecurrencias Order By RecID");
-  std::string seen;
-  for (; !all->Eof(); all->MoveNext()) seen += std::to_string(all->Get(0).AsLong()) + " ";
-  EXPECT_EQ(seen, "1 2 3 ");
+  Transaccion fuera(*cn);
+  Insert(2);
+  for (const char* falla : {"Insert Into genRecurrencias Values (1, 'repetida')",
+                            "Select NoExiste From genRecurrencias"}) {
+    Transaccion intento(*cn);
+    Insert(8);
+    EXPECT_THROW(cn->Execute(falla), DbError);
+  }
+  Insert(3);
+  fuera.Commit();
+  EXPECT_EQ(Ids(*cn), "1 2 3 ");
 }
 
 // A second writer waits for the first instead of failing, then writes after it. SQLite makes it

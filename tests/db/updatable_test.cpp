@@ -205,6 +205,27 @@ TEST_P(Updatable, ARowChangedSinceItWasReadIsRefusedOrFoundByItsRowid) {
   EXPECT_EQ(Count("MFrNombre = 'cambiado' And MFrEstado = 2"), 1);
 }
 
+// A table's description is not kept stale: a column added, or one added and rolled back, is
+// as the next set of the same connection sees it.
+TEST_P(Updatable, ColumnsAddedOrRolledBackAreSeenByTheNextSet) {
+  const char* todo = "Select * From genMovimientosFrecuentes";
+  Insert(1, "uno");
+  cn->Execute("Alter Table genMovimientosFrecuentes Add Column MFrExtra VARCHAR(10)");
+  auto rs = cn->OpenResultset(todo);
+  rs->Edit();
+  rs->Set("MFrExtra", "nueva");
+  rs->Update();
+  EXPECT_EQ(Count("MFrExtra = 'nueva'"), 1);
+  {
+    Transaccion t(*cn);
+    cn->Execute("Alter Table genMovimientosFrecuentes Add Column MFrOtra INTEGER");
+    cn->OpenResultset(todo);
+  }
+  rs = cn->OpenResultset(todo);
+  rs->Edit();
+  EXPECT_THROW(rs->Set("MFrOtra", int32_t{1}), DbError);
+}
+
 KMF_INSTANTIATE_ENGINES(Updatable);
 
 }  // namespace

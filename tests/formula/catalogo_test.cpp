@@ -26,11 +26,9 @@ TEST(CatalogoFx, SearchesByIdAndByCaption) {
 
 // Every id a lookup offers when it is run over all its rows.
 std::set<int> Ofrecidos(Connection& cn, std::string_view consulta, int empresa, int id_mov) {
-  std::string sql = storage::ReemplazarContexto(consulta, {empresa, id_mov, 0, true});
-  sql = vb::Replace(sql, "[pFindID]", " Is Not Null");
-  sql = vb::Replace(sql, "[pFindKey]", storage::kNoCoincide);
+  const auto todas = storage::PrepararTodas(consulta, {empresa, id_mov, 0, true});
   std::set<int> ids;
-  for (auto rs = cn.OpenResultset(sql); !rs->Eof(); rs->MoveNext())
+  for (auto rs = cn.OpenResultset(todas.sql, todas.valores); !rs->Eof(); rs->MoveNext())
     ids.insert(vb::CLng(rs->Get(0)));
   return ids;
 }

@@ -53,21 +53,27 @@ TEST(TextoRechazado, ComillaNulUtf8InvalidoYLargoSeRechazan) {
   EXPECT_EQ(LiteralTexto("''"), "''''''");
 }
 
-// The search alternative not in use matches nothing; the searched text is a literal with its
-// quotes doubled and is never expanded, whatever placeholders it seems to hold.
+// The search values go beside the text in the order their placeholders appear; the one not in
+// use is a Null (matches nothing); the searched text is never expanded nor quoted.
 TEST(ConsultaLookup, MarcadoresDeContextoYDeBusqueda) {
   constexpr const char* kQ =
-      "Select [pCodCta]N From T Where E = [pEmp] And M = [pIDMov] And P = [pPreID] And (I "
-      "[pfindid] or K [pFindKey])";
+      "Select [pCodCta]N From T Where E = [pEmp] And M = [pIDMov] And P = [pPreID] And (K "
+      "[pFindKey] or I [pfindid])";
   const ContextoLookup ctx{.empresa = 3, .id_mov = 12, .pre_id = 4, .mostrar_codigo_cta = false};
-  EXPECT_EQ(PrepararBusquedaPorID(kQ, ctx, 120),
-            "Select N From T Where E = 3 And M = 12 And P = 4 And (I  = 120 or K  = "
-            "'abc121ptokiv121cba')");
+  const auto por_id = PrepararBusquedaPorID(kQ, ctx, 120);
+  EXPECT_EQ(por_id.sql, "Select N From T Where E = 3 And M = 12 And P = 4 And (K  = ? or I  = ?)");
+  EXPECT_EQ(por_id.valores, (DbParams{Variant::Null(), Variant(int32_t{120})}));
   ContextoLookup codigos = ctx;
   codigos.mostrar_codigo_cta = true;
-  EXPECT_EQ(PrepararBusquedaPorClave(kQ, codigos, "D'Angelo [pEmp]"),
-            "Select rTrim(CueCodigo) + ' ' + N From T Where E = 3 And M = 12 And P = 4 And (I  = "
-            "'abc121ptokiv121cba' or K  = 'D''Angelo [pEmp]')");
+  const auto por_clave = PrepararBusquedaPorClave(kQ, codigos, "D'Angelo [pEmp]");
+  EXPECT_EQ(por_clave.sql,
+            "Select rTrim(CueCodigo) + ' ' + N From T Where E = 3 And M = 12 And P = 4 And (K  = "
+            "? or I  = ?)");
+  EXPECT_EQ(por_clave.valores, (DbParams{Variant("D'Angelo [pEmp]"), Variant::Null()}));
+  const auto todas = PrepararTodas(kQ, ctx);
+  EXPECT_EQ(todas.sql,
+            "Select N From T Where E = 3 And M = 12 And P = 4 And (K  = ? or I  Is Not Null)");
+  EXPECT_EQ(todas.valores, (DbParams{Variant::Null()}));
 }
 
 TEST(ContadorDeTabla, MenosUnoEsError8000DeDBFncs) {

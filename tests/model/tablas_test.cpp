@@ -254,8 +254,10 @@ TEST_P(Tablas, SoloUnaCuentaDeLaEmpresaQueNoEsCarpetaTomaUnRenglon) {
 class ServidorSinMayusculas : public testing::ForwardingConnection {
  public:
   using ForwardingConnection::ForwardingConnection;
-  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
-    return inner_->OpenResultset(sql == kSqlParametros ? "Select * from genParametros" : sql);
+  std::unique_ptr<Resultset> OpenResultset(std::string_view sql,
+                                           const DbParams& params = {}) override {
+    return inner_->OpenResultset(sql == kSqlParametros ? "Select * from genParametros" : sql,
+                                 params);
   }
 };
 

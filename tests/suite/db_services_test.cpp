@@ -47,11 +47,13 @@ TEST_P(DbServices, SettingsMatchTrimmedNameIgnoringCaseAndHelpIsShown) {
   EXPECT_EQ(vb::CLng(fncs_->GetSetting(" Idioma  ")), 2);
   EXPECT_EQ(fncs_->GetSetting("DEFBDDATECHARSQLS"), Variant("'"));
   EXPECT_TRUE(fncs_->GetSetting("vacio").IsNull());
-  for (const char* ausente : {"noExiste", "id'ioma", ""}) {
+  for (const char* ausente : {"noExiste", "id'ioma", "idioma' Or '1' = '1", ""}) {
     EXPECT_TRUE(fncs_->GetSetting(ausente).IsEmpty()) << ausente;
   }
   testing::TestDatabase bare(engine());  // without the table
-  EXPECT_TRUE(suite::DbFncs(bare.Open(), messages_).GetSetting("Idioma").IsEmpty());
+  EXPECT_EQ(
+      testing::KindOfFailure([&] { suite::DbFncs(bare.Open(), messages_).GetSetting("Idioma"); }),
+      DbErrorKind::MissingTable);
   fncs_->ShowHelp(330);  // help goes to the message service
   EXPECT_EQ(messages_->help_topics(), std::vector<int>{330});
 }
@@ -70,7 +72,9 @@ TEST_P(DbServices, RightsForCurrentUserCompanyAndOption) {
   EXPECT_EQ(rights.Letras(3, "PasajeAsientos"), "");
   EXPECT_EQ(rights.Letras(1, "Check'List"), "");
   testing::TestDatabase bare(engine());
-  EXPECT_EQ(suite::DbUserRights(bare.Open(), 5).Letras(1, "Papelera"), "");
+  EXPECT_EQ(
+      testing::KindOfFailure([&] { suite::DbUserRights(bare.Open(), 5).Letras(1, "Papelera"); }),
+      DbErrorKind::MissingTable);
 }
 
 TEST_P(DbServices, NoticeRecipientsBecomeTheListedUsers) {

@@ -20,6 +20,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -106,6 +107,19 @@ class TestDatabase {
   std::string schema_;
   std::shared_ptr<Connection> admin_;
 };
+
+// The kind of the DbError `f` throws (its message into `what` when given); a test failure when
+// it throws none.
+inline DbErrorKind KindOfFailure(const std::function<void()>& f, std::string* what = nullptr) {
+  try {
+    f();
+  } catch (const DbError& e) {
+    if (what) *what = e.what();
+    return e.kind();
+  }
+  ADD_FAILURE() << "no DbError";
+  return DbErrorKind::Other;
+}
 
 // Base of the tests that run on every engine: `cn` is a connection to a fresh database.
 // A fixture derived from it may also be used by a plain TEST_F (not parameterised): that test

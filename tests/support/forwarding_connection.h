@@ -19,9 +19,10 @@ class ForwardingConnection : public Connection {
   explicit ForwardingConnection(std::shared_ptr<Connection> inner) : inner_(std::move(inner)) {}
 
   Engine engine() const override { return inner_->engine(); }
-  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
+  std::unique_ptr<Resultset> OpenResultset(std::string_view sql,
+                                           const DbParams& params = {}) override {
     std::unique_ptr<Resultset> rs;
-    Statement("open", sql, [&] { rs = inner_->OpenResultset(sql); });
+    Statement("open", sql, [&] { rs = inner_->OpenResultset(sql, params); });
     return std::make_unique<Rows>(std::move(rs), this, std::string(sql));
   }
   std::unique_ptr<Resultset> OpenReadOnly(std::string_view sql) override {
@@ -29,14 +30,15 @@ class ForwardingConnection : public Connection {
     Statement("read-only", sql, [&] { rs = inner_->OpenReadOnly(sql); });
     return rs;
   }
-  int64_t Execute(std::string_view sql) override {
+  int64_t Execute(std::string_view sql, const DbParams& params = {}) override {
     int64_t changed = 0;
-    Statement("execute", sql, [&] { changed = inner_->Execute(sql); });
+    Statement("execute", sql, [&] { changed = inner_->Execute(sql, params); });
     return changed;
   }
   void BeginTrans() override { inner_->BeginTrans(); }
   void CommitTrans() override { inner_->CommitTrans(); }
   void RollbackTrans() override { inner_->RollbackTrans(); }
+  int TransactionDepth() const override { return inner_->TransactionDepth(); }
   bool InTransaction() const override { return inner_->InTransaction(); }
   std::string Translate(std::string_view sql) const override { return inner_->Translate(sql); }
 

@@ -383,3 +383,35 @@ std::vector<std::string> SplitStatements(std::string_view script) {
 }
 
 }  // namespace kivmovfrec::sql
+
+namespace kivmovfrec::sql {
+
+size_t CountPlaceholders(std::string_view sql) {
+  size_t n = 0;
+  for (const Token& t : Tokenize(sql).tokens) n += IsSymbol(t, "?") ? 1 : 0;
+  return n;
+}
+
+std::string NumberPlaceholders(std::string_view sql) {
+  std::string out;
+  out.reserve(sql.size() + 8);
+  size_t copied = 0, n = 0;
+  for (const Token& t : Tokenize(sql).tokens) {
+    if (!IsSymbol(t, "?")) continue;
+    out.append(sql.substr(copied, t.offset - copied));
+    out += "$" + std::to_string(++n);
+    copied = t.offset + 1;
+  }
+  out.append(sql.substr(copied));
+  return out;
+}
+
+void CheckPlaceholders(std::string_view sql, size_t values) {
+  const size_t marks = CountPlaceholders(sql);
+  if (marks != values) {
+    throw DbError(fmt::format("La sentencia tiene {} marcador{} '?' y se dieron {} valor{}: {}",
+                              marks, marks == 1 ? "" : "es", values, values == 1 ? "" : "es", sql));
+  }
+}
+
+}  // namespace kivmovfrec::sql

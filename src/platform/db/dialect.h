@@ -40,6 +40,13 @@ std::optional<SingleTableSelect> MatchSingleTableSelect(std::string_view sql);
 // statement starts with something else.
 std::string LeadingKeyword(std::string_view sql);
 
+// Bound parameters: the suite's statements mark each value with `?` (outside quotes and
+// comments), numbered by position. SQLite reads `?` itself; PostgreSQL wants `$1`, `$2`...
+size_t CountPlaceholders(std::string_view sql);
+std::string NumberPlaceholders(std::string_view sql);
+// Throws DbError when the statement's placeholders are not exactly `values` many.
+void CheckPlaceholders(std::string_view sql, size_t values);
+
 // True when the text holds nothing but blanks, comments and semicolons.
 bool IsBlankSql(std::string_view sql);
 

@@ -29,3 +29,11 @@ std::string DescribirErrorDb(const DbError& e) {
 }
 
 }  // namespace kivmovfrec::sql
+
+namespace kivmovfrec {
+
+std::string DescribirErrorDb(const DbError& e) {
+  return sql::DescribirErrorDb(e);
+}
+
+}  // namespace kivmovfrec

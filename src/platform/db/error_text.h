@@ -1,5 +1,6 @@
 // A database failure told to people: what its kind means in plain Spanish, then the engine's
-// own text. One wording for every message that reports a DbError.
+// own text. One wording for every message that reports a DbError (hosts reach it through
+// kivmovfrec::DescribirErrorDb in kivmovfrec/db.h).
 #pragma once
 
 #include <string>

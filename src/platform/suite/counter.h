@@ -20,8 +20,8 @@ namespace kivmovfrec::suite {
 //  - A table without a counter row gets one. For the component's own keyed tables
 //    (genMovimientosFrecuentes, genRecurrencias) the new row starts at the largest key already
 //    stored, so a counter created late never hands out a key in use; other tables start at 0.
-// Returns -1, never throws, when the name is not a plain table name, the value would not fit in
-// 32 bits, or the database fails (the transaction it opened is rolled back; a caller's
+// Returns -1 when the name is not a plain table name or the value would not fit in 32 bits.
+// A database failure throws its DbError (the transaction it opened is rolled back; a caller's
 // transaction is left for the caller to roll back).
 int32_t DrawTableCounter(Connection& cn, std::string_view table);
 

@@ -31,18 +31,14 @@ std::optional<std::set<int32_t>> ParseUserList(std::string_view usuarios) {
 
 Variant ReadSetting(Connection& cn, std::string_view name) {
   const std::string key = AsciiLower(TrimBlanks(name));
-  if (key.empty() || key.find('\'') != std::string::npos) return Variant();
-  try {
-    auto rs = cn.OpenResultset(
-        "Select ParValor, ParTexto From genParametros Where Lower(Trim(ParNombre)) = " +
-        QuoteLiteral(key));
-    if (rs->Eof()) return Variant();
-    Variant value = rs->Get("ParValor");
-    if (!value.IsNull()) return value;
-    return rs->Get("ParTexto");
-  } catch (...) {
-    return Variant();
-  }
+  if (key.empty()) return Variant();
+  auto rs = cn.OpenResultset(
+      "Select ParValor, ParTexto From genParametros Where Lower(Trim(ParNombre)) = ?",
+      {Variant(key)});
+  if (rs->Eof()) return Variant();
+  Variant value = rs->Get("ParValor");
+  if (!value.IsNull()) return value;
+  return rs->Get("ParTexto");
 }
 
 std::optional<std::set<int32_t>> CheckNoticeUsers(Connection& cn, int32_t aviso,
@@ -89,26 +85,16 @@ void ReplaceRecipients(Connection& cn, int32_t aviso, const std::set<int32_t>& c
 }  // namespace
 
 bool LinkNoticeUsers(Connection& cn, int32_t aviso, const std::string& usuarios) {
-  const auto codes = CheckNoticeUsers(cn, aviso, usuarios);
-  if (!codes) return false;
   try {
-    if (cn.InTransaction()) {
-      ReplaceRecipients(cn, aviso, *codes);
-      return true;
-    }
-    cn.BeginTrans();
-  } catch (...) {
-    return false;
-  }
-  try {
+    // A level of the caller's transaction (its failure undoes only this link, the check's
+    // reads included), or a transaction of its own.
+    Transaccion transaccion(cn);
+    const auto codes = CheckNoticeUsers(cn, aviso, usuarios);
+    if (!codes) return false;
     ReplaceRecipients(cn, aviso, *codes);
-    cn.CommitTrans();
+    transaccion.Commit();
     return true;
   } catch (...) {
-    try {
-      if (cn.InTransaction()) cn.RollbackTrans();
-    } catch (...) {
-    }
     return false;
   }
 }

@@ -19,8 +19,9 @@ std::optional<std::set<int32_t>> ParseUserList(std::string_view usuarios);
 
 // DBFncs over `cn`:
 //  - GetTableCounter: DrawTableCounter (counter.h).
-//  - GetSetting: the genParametros row named `name` (trimmed, case ignored); ParValor when not
-//    Null, else ParTexto. So "Idioma", stored in ParValor, yields its number.
+//  - GetSetting: the genParametros row named `name` (trimmed, case ignored; the name is a bound
+//    value); ParValor when not Null, else ParTexto. So "Idioma", stored in ParValor, yields its
+//    number. A database failure throws its DbError.
 //  - ShowHelp: forwarded to `help`'s ShowHelp.
 //  - VincularAvisos: what the suite's stored routine does, written as plain statements (SQLite
 //    has no stored routines): the notice's recipients in genAvisosUsuarios become exactly the
@@ -28,7 +29,8 @@ std::optional<std::set<int32_t>> ParseUserList(std::string_view usuarios);
 //    users no longer listed lose it, new ones are added unseen. The notice number must be
 //    positive and every code must name an enabled user of admUsuarios (UsuCodigo > 0,
 //    UsuHabilitado <> 0); otherwise nothing changes and the result is false. Runs inside the
-//    caller's transaction when one is open, else in its own; a database failure gives false.
+//    caller's transaction when one is open (as a savepoint, so a failure leaves the caller's
+//    transaction usable), else in its own; a database failure gives false.
 class DbFncs final : public IDBFncs {
  public:
   // Both are required (std::invalid_argument otherwise).

@@ -22,19 +22,16 @@ DbUserRights::DbUserRights(std::shared_ptr<Connection> cn, int32_t usuario)
 std::string DbUserRights::Letras(int32_t empresa, std::string_view opcion) {
   const std::string wanted = FoldOption(opcion);
   if (wanted.empty()) return "";
-  try {
-    // Rights of one user in one company are a handful of rows: the option is matched here, so
-    // case folding covers accented letters the same way on every engine.
-    auto rs = cn_->OpenResultset(
-        "Select DerOpcion, DerLetras From admDerechos Where DerUsuario = " +
-        std::to_string(usuario_) + " And DerEmpresa = " + std::to_string(empresa));
-    for (; !rs->Eof(); rs->MoveNext()) {
-      const Variant option = rs->Get("DerOpcion");
-      if (option.IsNull() || FoldOption(vb::CStr(option)) != wanted) continue;
-      const Variant letters = rs->Get("DerLetras");
-      return letters.IsNull() ? std::string() : vb::Trim(vb::CStr(letters));
-    }
-  } catch (...) {
+  // Rights of one user in one company are a handful of rows: the option is matched here, so
+  // case folding covers accented letters the same way on every engine.
+  auto rs = cn_->OpenResultset(
+      "Select DerOpcion, DerLetras From admDerechos Where DerUsuario = ? And DerEmpresa = ?",
+      {Variant(usuario_), Variant(empresa)});
+  for (; !rs->Eof(); rs->MoveNext()) {
+    const Variant option = rs->Get("DerOpcion");
+    if (option.IsNull() || FoldOption(vb::CStr(option)) != wanted) continue;
+    const Variant letters = rs->Get("DerLetras");
+    return letters.IsNull() ? std::string() : vb::Trim(vb::CStr(letters));
   }
   return "";
 }

@@ -13,8 +13,8 @@ namespace kivmovfrec::suite {
 
 // Rights read from admDerechos (DerUsuario, DerEmpresa, DerOpcion, DerLetras) for one user.
 // The option is compared trimmed and without regard to case; the letters come back trimmed.
-// Several rows for the same option: the first one read counts. A database failure reads as no
-// rights (""), so a broken rights table denies rather than grants.
+// Several rows for the same option: the first one read counts. A database failure throws its
+// DbError: the caller reports it instead of telling the user he has no rights.
 class DbUserRights final : public IUserRights {
  public:
   DbUserRights(std::shared_ptr<Connection> cn, int32_t usuario);

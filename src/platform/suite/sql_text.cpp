@@ -1,7 +1,5 @@
 #include "platform/suite/sql_text.h"
 
-#include <stdexcept>
-
 namespace kivmovfrec::suite {
 
 bool IsPlainName(std::string_view name) {
@@ -12,18 +10,6 @@ bool IsPlainName(std::string_view name) {
     if (!ok) return false;
   }
   return true;
-}
-
-std::string QuoteLiteral(std::string_view text) {
-  if (text.find('\'') != std::string_view::npos) {
-    throw std::invalid_argument("texto con comilla en una sentencia SQL");
-  }
-  std::string out;
-  out.reserve(text.size() + 2);
-  out += '\'';
-  out += text;
-  out += '\'';
-  return out;
 }
 
 std::string AsciiLower(std::string_view text) {

@@ -32,17 +32,14 @@ void InstallSchema(Connection& cn, const InstallOptions& opts) {
   if (cn.InTransaction()) {
     throw DbError("InstallSchema: the connection is already inside a transaction");
   }
-  cn.BeginTrans();
   try {
+    // Whatever fails, nothing of this run stays.
+    Transaccion transaccion(cn);
     Install(cn, opts);
-    cn.CommitTrans();
+    transaccion.Commit();
+  } catch (const DbError& e) {
+    throw DbError(fmt::format("InstallSchema: {}", e.what()), e.kind());
   } catch (const std::exception& e) {
-    // Whatever failed, nothing of this run may stay; a failing rollback must not hide the
-    // original error.
-    try {
-      if (cn.InTransaction()) cn.RollbackTrans();
-    } catch (const std::exception&) {
-    }
     throw DbError(fmt::format("InstallSchema: {}", e.what()));
   }
 }

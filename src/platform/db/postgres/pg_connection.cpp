@@ -4,20 +4,21 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <map>
 
 #include "platform/db/dialect.h"
 #include "platform/db/postgres/pg_dialect.h"
 #include "platform/db/postgres/pg_resultset.h"
 #include "platform/db/postgres/pg_session.h"
+#include "platform/db/postgres/pg_values.h"
 #include "platform/db/query_limit.h"
 #include "platform/db/sql_tokens.h"
+#include "platform/db/transaction_levels.h"
 
 namespace kivmovfrec::postgres {
 
 namespace {
 
-// The table's columns and primary key, by the name as written (unquoted names fold to lower
-// case, as in any statement).
 // A query: SELECT, WITH or VALUES first, possibly inside parentheses (a compound whose
 // branches were limited one by one). Transaction control, SET and the like are not queries
 // even when the server would run them in a read-only transaction.
@@ -38,28 +39,55 @@ constexpr const char* kTableQuery =
     "LEFT JOIN pg_index i ON i.indrelid = c.oid AND i.indisprimary "
     "WHERE c.oid = to_regclass($1) ORDER BY a.attnum";
 
+// Statements after which the tables' columns may differ: anything but reading and writing rows.
+bool MayChangeTables(const std::string& run) {
+  const std::string first = sql::LeadingKeyword(run);
+  return first != "SELECT" && first != "INSERT" && first != "UPDATE" && first != "DELETE" &&
+         first != "WITH" && first != "VALUES";
+}
+
+Params TextParams(const DbParams& values) {
+  Params out;
+  out.reserve(values.size());
+  for (const Variant& v : values) out.push_back(ToParam(v));
+  return out;
+}
+
 class PgConnection final : public Connection {
  public:
   PgConnection(const std::string& conninfo, const Options& options)
-      : session_(std::make_shared<Session>(conninfo, options.lock_timeout_ms)) {}
+      : session_(std::make_shared<Session>(conninfo, options.lock_timeout_ms)),
+        levels_(sql::TransactionLevels::Engine{
+            [this] { return session_->InTransaction(); },
+            [this](const std::string& text) { session_->Command(text.c_str()); },
+            [this] { session_->Command("BEGIN ISOLATION LEVEL READ COMMITTED"); },
+            [this] {
+              if (session_->Command("COMMIT") == "ROLLBACK") {
+                throw DbError("La transacción había fallado y se deshizo en lugar de confirmarse");
+              }
+            },
+            [this] { session_->Command("ROLLBACK"); }}) {}
 
   Engine engine() const override { return Engine::PostgreSQL; }
 
-  std::string Translate(std::string_view sql) const override { return TranslateForPostgres(sql); }
+  std::string Translate(std::string_view sql) const override {
+    return sql::NumberPlaceholders(TranslateForPostgres(sql));
+  }
 
-  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
-    const std::string run = Translate(sql);
+  std::unique_ptr<Resultset> OpenResultset(std::string_view sql, const DbParams& params) override {
+    const std::string run = Prepare(sql, params.size());
+    const Params values = TextParams(params);
     if (auto shape = sql::MatchSingleTableSelect(run)) {
       if (auto target = Target(run, shape->table)) {
         std::string text = run;
         if (target->key.empty()) {
           text.insert(shape->star_offset, fmt::format("ctid AS {}, ", kCtidAlias));
         }
-        Result r = session_->Run(text, {}, run);
+        Result r = session_->Run(text, values, run);
         return MakeResultset(session_, r.get(), std::move(target));
       }
     }
-    Result r = session_->Run(run, {}, run);
+    Result r = session_->Run(run, values, run);
     return MakeResultset(session_, r.get(), std::nullopt);
   }
 
@@ -69,7 +97,7 @@ class PgConnection final : public Connection {
 
   std::unique_ptr<Resultset> OpenReadOnlyRows(std::string_view sql, size_t max_rows,
                                               bool* more = nullptr) override {
-    const std::string run = Translate(sql);
+    const std::string run = TranslateForPostgres(sql);
     if (!IsQuery(run)) RefuseWrite(run);
     const bool nested = session_->InTransaction();
     const auto limit = QueryLimit();
@@ -104,9 +132,10 @@ class PgConnection final : public Connection {
     return MakeResultset(session_, r.get(), std::nullopt, max_rows);
   }
 
-  int64_t Execute(std::string_view sql) override {
-    const std::string run = Translate(sql);
-    Result r = session_->Run(run, {}, run);
+  int64_t Execute(std::string_view sql, const DbParams& params) override {
+    const std::string run = Prepare(sql, params.size());
+    if (MayChangeTables(run)) targets_.clear();
+    Result r = session_->Run(run, TextParams(params), run);
     const std::string_view tag = PQcmdStatus(r.get());
     for (std::string_view writer : {"INSERT", "UPDATE", "DELETE", "MERGE"}) {
       if (tag.substr(0, writer.size()) == writer) return std::atoll(PQcmdTuples(r.get()));
@@ -114,34 +143,39 @@ class PgConnection final : public Connection {
     return 0;
   }
 
-  void BeginTrans() override {
-    if (InTransaction()) {
-      throw DbError("Ya hay una transacción en curso: las transacciones no se anidan");
-    }
-    session_->Command("BEGIN ISOLATION LEVEL READ COMMITTED");
-  }
-
-  void CommitTrans() override {
-    if (!InTransaction()) throw DbError("No hay ninguna transacción en curso para confirmar");
-    if (session_->Command("COMMIT") == "ROLLBACK") {
-      throw DbError("La transacción había fallado y se deshizo en lugar de confirmarse");
-    }
-  }
-
+  void BeginTrans() override { levels_.Begin(); }
+  void CommitTrans() override { levels_.Commit(); }
   void RollbackTrans() override {
-    if (!InTransaction()) return;  // e.g. the server already ended it
-    session_->Command("ROLLBACK");
+    targets_.clear();  // a table created or changed in the level undone is as it was
+    levels_.Rollback();
   }
-
+  int TransactionDepth() const override { return levels_.Depth(); }
   bool InTransaction() const override { return session_->InTransaction(); }
 
  private:
+  // The statement in PostgreSQL's terms, its placeholders numbered; DbError unless it has
+  // exactly `values` of them.
+  std::string Prepare(std::string_view sql, size_t values) const {
+    const std::string run = TranslateForPostgres(sql);
+    sql::CheckPlaceholders(run, values);
+    return values == 0 ? run : sql::NumberPlaceholders(run);
+  }
+
   // The table behind `Select * from <table>` when its rows can be written: a table with a
   // primary key, or a plain table (ctid). Nothing for a view, an unknown name and the like.
+  // Asked of the catalogue once per name: statements that may change tables, and rollbacks,
+  // forget the answers.
   std::optional<WriteTarget> Target(const std::string& run, const std::string& table) {
     // The name as written, quotes included, so the server folds it as it does in the query.
     const auto tokens = sql::Tokenize(run);
     const std::string written(tokens.tokens.at(3).text);
+    if (auto known = targets_.find(written); known != targets_.end()) return known->second;
+    auto found = ReadTarget(written, table);
+    targets_.emplace(written, found);
+    return found;
+  }
+
+  std::optional<WriteTarget> ReadTarget(const std::string& written, const std::string& table) {
     Result r = session_->Run(kTableQuery, {written}, "pg_attribute");
     const int n = PQntuples(r.get());
     if (n == 0) return std::nullopt;
@@ -195,6 +229,8 @@ class PgConnection final : public Connection {
   }
 
   std::shared_ptr<Session> session_;
+  sql::TransactionLevels levels_;
+  std::map<std::string, std::optional<WriteTarget>> targets_;  // by the table name as written
 };
 
 }  // namespace

@@ -28,11 +28,18 @@ struct Options {
 //   * makes `Select * from T ...` sets updatable, identifying rows by T's primary key, or by
 //     ctid when T has none (pg_resultset.h); values are sent as parameters, never as SQL text,
 //     and after Update the set holds the row as stored (RETURNING *);
-//   * BeginTrans opens a READ COMMITTED transaction. There is no database-wide write lock:
-//     two savers serialise on the rows they both write (the table counter row first), the
-//     second waiting up to lock_timeout_ms. Inside a transaction each statement runs under a
-//     savepoint, so a failed statement undoes only itself and the transaction goes on (the
-//     caller decides whether to roll back), as on SQLite;
+//   * makes `?` placeholders `$1`, `$2`... and sends the values beside the text (pg_values.h
+//     ToParam); the server infers each value's type from where it stands;
+//   * asks the catalogue for a table's columns and key once per table name, not at every
+//     `Select * from T`; any statement other than SELECT/INSERT/UPDATE/DELETE/WITH/VALUES, and
+//     every rollback, make it ask again (tables changed by another connection meanwhile are not
+//     noticed);
+//   * the outermost BeginTrans opens a READ COMMITTED transaction, inner ones a savepoint
+//     (transaction_levels.h). There is no database-wide write lock: two savers serialise on
+//     the rows they both write (the table counter row first), the second waiting up to
+//     lock_timeout_ms. A failed statement leaves the transaction failed: the server refuses
+//     every further statement until the innermost level is rolled back, so code that traps a
+//     statement's error and goes on opens a level (Transaccion) around that statement;
 //   * OpenReadOnly runs the query in a read-only transaction (BEGIN READ ONLY, or inside a
 //     transaction a savepoint with transaction_read_only set), always rolled back afterwards:
 //     the server refuses any write, nothing the query did remains, and an enclosing

@@ -16,8 +16,6 @@ using sql::IsSymbol;
 using sql::Token;
 using sql::TokenKind;
 
-constexpr std::string_view kNoMatchLiteral = "'abc121ptokiv121cba'";
-
 // Replaces sql[offset, offset + length) by text.
 struct Edit {
   size_t offset;
@@ -53,7 +51,6 @@ class Rewriter {
   }
 
   std::string Run() {
-    NoMatchComparisons();
     Level(0, list_.tokens.size());
     std::sort(edits_.begin(), edits_.end(),
               [](const Edit& a, const Edit& b) { return a.offset > b.offset; });
@@ -64,15 +61,6 @@ class Rewriter {
 
  private:
   const Token& Tok(size_t i) const { return list_.tokens[i]; }
-
-  void NoMatchComparisons() {
-    for (size_t i = 1; i < list_.tokens.size(); ++i) {
-      if (Tok(i).kind == TokenKind::String && Tok(i).text == kNoMatchLiteral &&
-          IsSymbol(Tok(i - 1), "=")) {
-        edits_.push_back(Edit{Tok(i).offset, Tok(i).text.size(), "ANY ('{}')"});
-      }
-    }
-  }
 
   // One nesting level [begin, end): inner levels first, then this level's compound, if any.
   void Level(size_t begin, size_t end) {

@@ -1,15 +1,7 @@
 // What PostgreSQL needs beyond the shared dialect translation (platform/db/dialect.h). Works on
 // tokens only; no server involved.
 //
-// Two habits of the suite's statements rely on loose typing that PostgreSQL does not have:
-//
-//   * The match-nothing comparison ` = 'abc121ptokiv121cba'` stands where a lookup's unused
-//     search condition goes, also after whole-number columns (`MonID = 'abc121ptokiv121cba'`),
-//     which PostgreSQL rejects ("invalid input syntax for type integer"). Every `=` followed by
-//     exactly that literal becomes `= ANY ('{}')`: an empty array of whatever type the left
-//     side has, so the comparison is false for every row and every column type, and NOT of it
-//     is true, as before. (A text column holding that very text no longer matches it; the
-//     value exists only to match nothing.)
+// One habit of the suite's statements relies on loose typing that PostgreSQL does not have:
 //
 //   * A compound select (UNION [ALL], EXCEPT, INTERSECT) may put a bare number in one branch
 //     where another branch has a text column (`Select 1, CueCodigo ... Union All Select 2, 0
@@ -25,11 +17,11 @@
 
 namespace kivmovfrec::postgres {
 
-// The two rewrites above, then sql::TranslateSql for the PostgreSQL target. Throws DbError for
+// The rewrite above, then sql::TranslateSql for the PostgreSQL target. Throws DbError for
 // text that cannot be tokenized.
 std::string TranslateForPostgres(std::string_view sql);
 
-// The two rewrites alone (for tests).
+// The rewrite alone (for tests).
 std::string RewriteLooseTyping(std::string_view sql);
 
 }  // namespace kivmovfrec::postgres

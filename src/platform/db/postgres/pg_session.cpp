@@ -114,26 +114,8 @@ void Session::Check(const PGresult* result, std::string_view shown) const {
 }
 
 Result Session::Run(std::string_view sql, const Params& params, std::string_view shown) {
-  const bool guarded = PQtransactionStatus(conn_) == PQTRANS_INTRANS;
-  if (guarded) Command("SAVEPOINT kmf_statement");
-  Result r;
-  try {
-    r = Send(sql, params, shown);
-    Check(r.get(), shown);
-  } catch (...) {
-    if (guarded && PQtransactionStatus(conn_) != PQTRANS_IDLE) {
-      try {
-        Command("ROLLBACK TO SAVEPOINT kmf_statement; RELEASE SAVEPOINT kmf_statement");
-      } catch (const DbError&) {
-        // The connection itself failed; the statement's own error says more.
-      }
-    }
-    throw;
-  }
-  // A statement may have ended the transaction itself (COMMIT sent through Execute).
-  if (guarded && PQtransactionStatus(conn_) == PQTRANS_INTRANS) {
-    Command("RELEASE SAVEPOINT kmf_statement");
-  }
+  Result r = Send(sql, params, shown);
+  Check(r.get(), shown);
   return r;
 }
 

@@ -41,15 +41,12 @@ class Session {
   bool InTransaction() const;
 
   // Runs exactly one statement with parameters (extended protocol); `shown` is the statement
-  // as reported in error messages. More than one statement, or none, throws DbError.
-  //
-  // Inside a transaction the statement runs under a savepoint: when it fails, only its own
-  // effects are undone and the transaction stays usable, as a failed statement leaves an
-  // SQLite transaction. (Without this, PostgreSQL would refuse every later statement of the
-  // transaction until it is rolled back.)
+  // as reported in error messages. More than one statement, or none, throws DbError. A failed
+  // statement inside a transaction leaves the transaction failed until its innermost level is
+  // rolled back (the server refuses every other statement meanwhile).
   Result Run(std::string_view sql, const Params& params, std::string_view shown);
 
-  // Sends one statement without savepoint and without checking the outcome: the result may be
+  // Sends one statement without checking the outcome: the result may be
   // a failed one (see Check). For callers that manage the transaction state themselves (the
   // read-only runner). Throws DbError only when the statement cannot be sent at all, which
   // includes a NUL character in the text or in a parameter (libpq would cut it short there).

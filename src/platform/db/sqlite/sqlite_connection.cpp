@@ -8,6 +8,7 @@
 #include "platform/db/query_limit.h"
 #include "platform/db/sqlite/sqlite_database.h"
 #include "platform/db/sqlite/sqlite_resultset.h"
+#include "platform/db/transaction_levels.h"
 
 namespace kivmovfrec::sqlite {
 
@@ -16,7 +17,12 @@ namespace {
 class SqliteConnection final : public Connection {
  public:
   SqliteConnection(const std::string& path, const Options& options)
-      : db_(std::make_shared<Database>(path, options.busy_timeout_ms)) {}
+      : db_(std::make_shared<Database>(path, options.busy_timeout_ms)),
+        levels_(sql::TransactionLevels::Engine{
+            [this] { return sqlite3_get_autocommit(db_->get()) == 0; },
+            [this](const std::string& text) { db_->Exec(text.c_str()); },
+            [this] { db_->Exec("BEGIN IMMEDIATE"); }, [this] { db_->Exec("COMMIT"); },
+            [this] { db_->Exec("ROLLBACK"); }}) {}
 
   Engine engine() const override { return Engine::SQLite; }
 
@@ -24,8 +30,9 @@ class SqliteConnection final : public Connection {
     return sql::TranslateSql(sql, sql::Target::SQLite);
   }
 
-  std::unique_ptr<Resultset> OpenResultset(std::string_view sql) override {
+  std::unique_ptr<Resultset> OpenResultset(std::string_view sql, const DbParams& params) override {
     const std::string run = Translate(sql);
+    sql::CheckPlaceholders(run, params.size());
     if (auto shape = sql::MatchSingleTableSelect(run)) {
       if (auto target = Target(shape->table)) {
         // The same statement with each row's rowid in front of the table's columns.
@@ -37,10 +44,14 @@ class SqliteConnection final : public Connection {
         } catch (const DbError&) {
           st.reset();  // no rowid (a view, WITHOUT ROWID): read only, as below
         }
-        if (st) return MakeResultset(db_, *st, std::move(target));
+        if (st) {
+          Bind(*st, params);
+          return MakeResultset(db_, *st, std::move(target));
+        }
       }
     }
     Statement st(db_, run, run);
+    Bind(st, params);
     return MakeResultset(db_, st, std::nullopt);
   }
 
@@ -71,9 +82,11 @@ class SqliteConnection final : public Connection {
     }
   }
 
-  int64_t Execute(std::string_view sql) override {
+  int64_t Execute(std::string_view sql, const DbParams& params) override {
     const std::string run = Translate(sql);
+    sql::CheckPlaceholders(run, params.size());
     Statement st(db_, run, run);
+    Bind(st, params);
     sqlite3* h = db_->get();
     const sqlite3_int64 before = sqlite3_total_changes64(h);
     while (st.Step()) {
@@ -81,26 +94,22 @@ class SqliteConnection final : public Connection {
     return sqlite3_total_changes64(h) != before ? sqlite3_changes64(h) : 0;
   }
 
-  void BeginTrans() override {
-    if (InTransaction()) {
-      throw DbError("Ya hay una transacción en curso: las transacciones no se anidan");
-    }
-    db_->Exec("BEGIN IMMEDIATE");
-  }
-
-  void CommitTrans() override {
-    if (!InTransaction()) throw DbError("No hay ninguna transacción en curso para confirmar");
-    db_->Exec("COMMIT");
-  }
-
-  void RollbackTrans() override {
-    if (!InTransaction()) return;  // e.g. the engine already rolled back after an error
-    db_->Exec("ROLLBACK");
-  }
-
+  void BeginTrans() override { levels_.Begin(); }
+  void CommitTrans() override { levels_.Commit(); }
+  void RollbackTrans() override { levels_.Rollback(); }
+  int TransactionDepth() const override { return levels_.Depth(); }
   bool InTransaction() const override { return sqlite3_get_autocommit(db_->get()) == 0; }
 
  private:
+  // SQLite also reads `:name`, `@name`, `$name` and `?NNN` as placeholders: a statement must
+  // have exactly the values given, whatever it marks them with.
+  static void Bind(Statement& st, const DbParams& params) {
+    if (static_cast<size_t>(sqlite3_bind_parameter_count(st.get())) != params.size()) {
+      throw DbError("La sentencia no tiene un marcador '?' por cada valor dado: " + st.shown());
+    }
+    for (size_t i = 0; i < params.size(); ++i) st.Bind(static_cast<int>(i + 1), params[i]);
+  }
+
   // The table's columns in declaration order, or nothing when there is no such table.
   std::optional<WriteTarget> Target(const std::string& table) {
     Statement st(db_, "SELECT name FROM pragma_table_info(?)", "PRAGMA table_info");
@@ -115,6 +124,7 @@ class SqliteConnection final : public Connection {
   }
 
   std::shared_ptr<Database> db_;
+  sql::TransactionLevels levels_;
 };
 
 }  // namespace

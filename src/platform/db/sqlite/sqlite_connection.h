@@ -22,6 +22,7 @@ struct Options {
 // The connection:
 //   * translates every statement from the suite's dialect (sql::TranslateSql, SQLite target)
 //     and replaces LIKE by one that also ignores the case of accented letters (sqlite_like.h);
+//   * nests transactions as savepoints inside BEGIN IMMEDIATE (transaction_levels.h);
 //   * reads all rows of a result set when it is opened (the component's sets are small), so
 //     rows can be deleted while walking a set and no statement stays open between calls;
 //     OpenReadOnlyRows stops stepping the statement at the rows asked for;
@@ -30,7 +31,8 @@ struct Options {
 //   * maps values: INTEGER -> Long (Double when it does not fit 32 bits), REAL -> Double,
 //     TEXT -> String, BLOB -> String of its bytes, NULL -> Null; a column declared with a type
 //     containing DATE or TIME whose text is ISO "yyyy-mm-dd[ hh:nn[:ss]]" -> Date;
-//   * binds written values: Null/Empty -> NULL, Boolean -> 1/0, Byte/Integer/Long -> INTEGER,
+//   * binds the values given beside a statement to its `?` placeholders, and written values:
+//   Null/Empty -> NULL, Boolean -> 1/0, Byte/Integer/Long -> INTEGER,
 //     Single/Double/Currency -> REAL, Date -> TEXT "yyyy-mm-dd hh:nn:ss", String -> TEXT;
 //     an Object throws DbError.
 std::shared_ptr<Connection> OpenSqlite(const std::string& path, const Options& options = {});

@@ -78,9 +78,14 @@ Database::~Database() {
 }
 
 void Database::Fail(std::string_view sql) const {
-  throw DbError(
-      fmt::format("Error de la base de datos: {} (sentencia: {})", sqlite3_errmsg(db_), sql),
-      KindOf(sqlite3_extended_errcode(db_)));
+  const std::string_view message = sqlite3_errmsg(db_);
+  DbErrorKind kind = KindOf(sqlite3_extended_errcode(db_));
+  // SQLite reports an unknown table or column as a plain SQLITE_ERROR; only its text tells.
+  if (kind == DbErrorKind::Other &&
+      (message.starts_with("no such table") || message.starts_with("no such column"))) {
+    kind = DbErrorKind::MissingTable;
+  }
+  throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})", message, sql), kind);
 }
 
 void Database::Exec(const char* sql) const {
