@@ -23,7 +23,6 @@
 #include "schedule/date_calculator.h"
 #include "storage/columnas.h"
 #include "storage/contador.h"
-#include "storage/sql_texto.h"
 #include "storage/tabla_cuentas.h"
 
 namespace kivmovfrec::api {
@@ -261,19 +260,20 @@ class Ejecutor {
   std::vector<DocumentoGenerado> Generados(const std::vector<MiembroGrupo>& grupo, Date fecha) {
     std::string ids;
     for (const MiembroGrupo& m : grupo) ids += (ids.empty() ? "" : ", ") + std::to_string(m.id);
-    const ParametrosBD& p = ctx_.parametros;
-    const std::string dia = " >= " + storage::FechaSQL(SoloDia(fecha), p) + " And ";
-    const std::string siguiente = " < " + storage::FechaSQL(Date{SoloDia(fecha).serial + 1}, p);
+    // The day as a bound range [midnight, next midnight).
+    const DbParams dia{Variant(SoloDia(fecha)), Variant(Date{SoloDia(fecha).serial + 1})};
     std::multimap<int32_t, int32_t> asientos, comprobantes;  // movement -> document
     for (auto rs = cn_.OpenResultset(
              "Select AsiID, AsiMovFrecuente From cceAsientos Where AsiMovFrecuente In (" + ids +
-             ") And AsiFecha" + dia + "AsiFecha" + siguiente + " Order By AsiID");
+                 ") And AsiFecha >= ? And AsiFecha < ? Order By AsiID",
+             dia);
          !rs->Eof(); rs->MoveNext()) {
       asientos.emplace(storage::ALong(rs->Get(1)), storage::ALong(rs->Get(0)));
     }
     for (auto rs = cn_.OpenResultset(
              "Select ComID, ComMovFrecuente From cceComprobantes Where ComMovFrecuente In (" + ids +
-             ") And ComFecha" + dia + "ComFecha" + siguiente + " Order By ComID");
+                 ") And ComFecha >= ? And ComFecha < ? Order By ComID",
+             dia);
          !rs->Eof(); rs->MoveNext()) {
       comprobantes.emplace(storage::ALong(rs->Get(1)), storage::ALong(rs->Get(0)));
     }

@@ -11,7 +11,6 @@
 #include "platform/vb/dates.h"
 #include "platform/vb/format.h"
 #include "platform/vb/text.h"
-#include "storage/sql_texto.h"
 
 namespace kivmovfrec::formula {
 
@@ -221,9 +220,30 @@ std::optional<int32_t> clsFuncionesFx::TipoIndice(std::string& error) {
   return tipo_indice_;
 }
 
+template <class F>
+TrazaElementoFx clsFuncionesFx::EnNivelPropio(F&& leer) {
+  if (!cn_ || cn_->TransactionDepth() == 0) return leer();
+  Transaccion nivel(*cn_);
+  TrazaElementoFx t = leer();
+  nivel.Rollback();
+  return t;
+}
+
 TrazaElementoFx clsFuncionesFx::Palabra(std::string_view palabra,
                                         const std::vector<std::string>& args, Date d,
                                         int32_t id_mov, std::string_view elemento) {
+  return EnNivelPropio([&] { return PalabraEnNivel(palabra, args, d, id_mov, elemento); });
+}
+
+TrazaElementoFx clsFuncionesFx::OtroMovimiento(bool es_comprobante,
+                                               const std::vector<std::string>& args,
+                                               std::string_view elemento) {
+  return EnNivelPropio([&] { return OtroMovimientoEnNivel(es_comprobante, args, elemento); });
+}
+
+TrazaElementoFx clsFuncionesFx::PalabraEnNivel(std::string_view palabra,
+                                               const std::vector<std::string>& args, Date d,
+                                               int32_t id_mov, std::string_view elemento) {
   TrazaElementoFx t;
   t.elemento = std::string(elemento);
   try {
@@ -365,8 +385,8 @@ TrazaElementoFx clsFuncionesFx::Script(std::string_view bloque, int32_t id_mov, 
   return t;
 }
 
-std::string clsFuncionesFx::SqlDocumentos(bool es_comprobante, int32_t id, Date desde) const {
-  const std::string fecha = storage::FechaSQL(desde, parametros_);
+std::string clsFuncionesFx::SqlDocumentos(bool es_comprobante, int32_t id) const {
+  const std::string fecha = "?";
   if (!es_comprobante) {
     return std::string(
                "Select ACuIDAsiento as ID, ACuCuenta as IDCuenta, ACuProyecto as IDProyecto, "
@@ -389,9 +409,9 @@ std::string clsFuncionesFx::SqlDocumentos(bool es_comprobante, int32_t id, Date 
          " Order by ComID DESC";
 }
 
-TrazaElementoFx clsFuncionesFx::OtroMovimiento(bool es_comprobante,
-                                               const std::vector<std::string>& args,
-                                               std::string_view elemento) {
+TrazaElementoFx clsFuncionesFx::OtroMovimientoEnNivel(bool es_comprobante,
+                                                      const std::vector<std::string>& args,
+                                                      std::string_view elemento) {
   TrazaElementoFx t;
   t.elemento = std::string(elemento);
   t.origen = enuOrigenFx::OtroMovimiento;
@@ -437,8 +457,8 @@ TrazaElementoFx clsFuncionesFx::OtroMovimiento(bool es_comprobante,
     std::optional<int32_t> documento;
     std::optional<double> debe, haber, importe_cuenta;
     int filas = 0;
-    for (auto rs = cn_->OpenResultset(SqlDocumentos(es_comprobante, *mov, desde)); !rs->Eof();
-         rs->MoveNext()) {
+    for (auto rs = cn_->OpenResultset(SqlDocumentos(es_comprobante, *mov), {Variant(desde)});
+         !rs->Eof(); rs->MoveNext()) {
       const int32_t id = EnteroColumna(rs->Get("ID"));
       if (!documento) documento = id;
       if (id != *documento) break;  // only the newest document counts

@@ -138,7 +138,7 @@ class clsFuncionesFx {
   // The value of a line of another movement (entries 2, 9, 19, 20: movement; account; project;
   // department): the line is looked up among that movement's stored lines (its side from
   // RMFAlDebe), then the newest document generated from it in the last two minutes (the clock's
-  // now less two minutes, as a database date literal) is read with SqlDocumentos. In that one
+  // now less two minutes, a bound value) is read with SqlDocumentos. In that one
   // document the rows of the same account, project and department give the value: Debe − Haber
   // for a debit line, Haber − Debe for a credit one (the document's amounts in its own currency;
   // a Null counts as 0 beside a non-Null, both Null is no value). ImporteCuenta, in the
@@ -156,10 +156,22 @@ class clsFuncionesFx {
   // Limits OtroMovimiento to the documents of the occurrence being executed (see above).
   void Ocurrencia(DocumentosOcurrencia f) { ocurrencia_ = std::move(f); }
 
-  // The statements that look for the documents generated from movement `id` since `desde`.
-  std::string SqlDocumentos(bool es_comprobante, int32_t id, Date desde) const;
+  // The statements that look for the documents generated from movement `id` since a moment,
+  // which is bound as the one value ("?").
+  std::string SqlDocumentos(bool es_comprobante, int32_t id) const;
 
  private:
+  // Runs `leer`, the reads of one element. Inside a transaction (the main job posts each
+  // occurrence in one) they run in a savepoint of their own that is always rolled back: an
+  // element only reads, and a failed statement, which the element traps and reports as "no
+  // value", must not spoil the transaction around it (PostgreSQL aborts the whole transaction
+  // after a failed statement, SQLite does not; the savepoint makes both behave alike).
+  template <class F>
+  TrazaElementoFx EnNivelPropio(F&& leer);
+  TrazaElementoFx PalabraEnNivel(std::string_view palabra, const std::vector<std::string>& args,
+                                 Date d, int32_t id_mov, std::string_view elemento);
+  TrazaElementoFx OtroMovimientoEnNivel(bool es_comprobante, const std::vector<std::string>& args,
+                                        std::string_view elemento);
   TrazaElementoFx Saldo(int cual, const std::vector<std::string>& args, Date d, TrazaElementoFx t);
   TrazaElementoFx Indice(int cual, const std::vector<std::string>& args, Date d, TrazaElementoFx t);
   TrazaElementoFx Cotizacion(int cual, const std::vector<std::string>& args, Date d,

@@ -9,7 +9,6 @@
 #include "platform/vb/dates.h"
 #include "platform/vb/format.h"
 #include "platform/vb/text.h"
-#include "storage/sql_texto.h"
 
 namespace kivmovfrec::formula {
 
@@ -122,9 +121,8 @@ Variant clsMonedas::DatosMoneda(int16_t id, int campo) {
   return {};
 }
 
-std::string clsMonedas::SqlCotizacionDirecta(int16_t a, int16_t b, int32_t t, Date fecha,
-                                             const ParametrosBD& p) {
-  const std::string d = storage::FechaSQL(fecha, p);
+std::string clsMonedas::SqlCotizacionDirecta(int16_t a, int16_t b, int32_t t) {
+  const std::string d = "?";
   auto resto = [&](int16_t x, int16_t y) {
     return std::string(" From genCotizacionesMoneda ") +
            " Where CMoFecha IN (Select MAX(CMoFecha) from genCotizacionesMoneda " +
@@ -142,7 +140,7 @@ CotizacionDirecta clsMonedas::BuscarCotizacionDirecta(int16_t a, int16_t b, int3
   CotizacionDirecta r;
   if (!cn_) return r;
   try {
-    auto rs = cn_->OpenResultset(SqlCotizacionDirecta(a, b, t, fecha, parametros_));
+    auto rs = cn_->OpenResultset(SqlCotizacionDirecta(a, b, t), {Variant(fecha), Variant(fecha)});
     if (rs->Eof()) return r;
     // Column 1 is named differently in the two branches: read it by position.
     Currency tasa = vb::CCur(rs->Get(1));

@@ -112,10 +112,9 @@ class clsMonedas {
   // used in `fecha`. Never throws.
   Currency Cotizacion(int16_t moneda, int16_t cotiza_en, int32_t tipo, Date& fecha, Currency& tasa);
 
-  // The direct look-up statement for A in B (date written as an SQL date literal with the
-  // settings `p`).
-  static std::string SqlCotizacionDirecta(int16_t moneda, int16_t cotiza_en, int32_t tipo,
-                                          Date fecha, const ParametrosBD& p);
+  // The direct look-up statement for A in B. The date D is a bound value, marked "?" in each
+  // of the two branches, so it is bound twice.
+  static std::string SqlCotizacionDirecta(int16_t moneda, int16_t cotiza_en, int32_t tipo);
 
  private:
   Date Hoy() const;

@@ -2,18 +2,9 @@
 
 #include <fmt/format.h>
 
-#include "platform/vb/format.h"
 #include "platform/vb/text.h"
 
 namespace kivmovfrec::storage {
-
-std::string FormatoFechaBD(Date d, const ParametrosBD& p) {
-  return vb::FormatDate(d, p.formato_fecha, vb::Locale::Invariant());
-}
-
-std::string FechaSQL(Date d, const ParametrosBD& p) {
-  return p.caracter_fecha + FormatoFechaBD(d, p) + p.caracter_fecha;
-}
 
 namespace {
 

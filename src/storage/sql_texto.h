@@ -1,5 +1,5 @@
-// Building blocks of SQL text: date literals, numbers, and the guard against quotes in text a
-// person typed.
+// Building blocks of SQL text: the guard against quotes in text a person typed, and literals
+// of texts being looked up. Dates in the component's own statements are bound values.
 //
 // The component writes its statements as concatenated text in the suite's dialect. Values that
 // a person typed reach SQL text only through the helpers here: names and comments holding a
@@ -17,13 +17,6 @@
 #include "kivmovfrec/variant.h"
 
 namespace kivmovfrec::storage {
-
-// `d` in the database's date format (defBDDateFormat), without delimiters.
-std::string FormatoFechaBD(Date d, const ParametrosBD& p);
-
-// A date literal: `d` formatted with defBDDateFormat between two defBDDateCharSQLs, e.g.
-// '2024-03-01 00:00:00' with the demo settings.
-std::string FechaSQL(Date d, const ParametrosBD& p);
 
 // Why a typed text was refused.
 enum class MotivoRechazo {

@@ -422,6 +422,31 @@ TEST_P(Calculo, RunawayQueriesFailTheLineAndRetriedValuesAreMarked) {
   EXPECT_EQ(t[2].reintento_tras_error, "");
 }
 
+// The main job computes inside its transaction. A read an element traps (here: the table of
+// rate types is gone) gives no value, and the work around it stays: the statements after it
+// run and the commit keeps everything, on both engines alike.
+TEST_P(Calculo, AReadThatFailsInsideATransactionLeavesTheTransactionUsable) {
+  auto calc = Evaluador();
+  Ejecutar("Drop Table genTipoCotizacionMoneda");
+  const auto fila = [](const char* nombre) {
+    return std::string("Insert Into genParametros (ParNombre, ParTexto) Values ('") + nombre +
+           "', 'x')";
+  };
+  Transaccion t(*cn);
+  Ejecutar(fila("antes"));
+  const TrazaElementoFx e =
+      calc.Funciones().Palabra("[IndiceHoy]", {"2"}, kHoy, 0, "[IndiceHoy:2]");
+  EXPECT_FALSE(e.valor.has_value());
+  EXPECT_THAT(vb::LCase(e.detalle), HasSubstr("gentipocotizacionmoneda")) << e.detalle;
+  EXPECT_EQ(cn->TransactionDepth(), 1);
+  Ejecutar(fila("despues"));
+  t.Commit();
+  EXPECT_EQ(vb::CLng(Scalar(*cn,
+                            "Select Count(*) From genParametros Where ParNombre In "
+                            "('antes', 'despues')")),
+            2);
+}
+
 TEST_P(Calculo, ConversionAndTheExchangeRatePrompt) {
   auto calc = Evaluador();
   // A movement in pesos with a dollar account: the pesos are divided by the dollar's rate.
