@@ -21,13 +21,6 @@
 
 namespace kivmovfrec::cli {
 
-// Whether a database message says that a table is missing (SQLite or PostgreSQL wording).
-bool MissingTable(const std::string& message) {
-  return message.find("no such table") != std::string::npos ||
-         (message.find("relation") != std::string::npos &&
-          message.find("does not exist") != std::string::npos);
-}
-
 // Reports an error that ended the program on stderr and, with --json, as the error object on
 // stdout; returns the exit status (1).
 int ReportError(std::exception_ptr error, Context* ctx) {
@@ -39,7 +32,7 @@ int ReportError(std::exception_ptr error, Context* ctx) {
     std::rethrow_exception(error);
   } catch (const DbError& e) {
     std::cerr << "movfrec: " << DescribirErrorDb(e) << '\n';
-    if (MissingTable(e.what())) {
+    if (e.kind() == DbErrorKind::MissingTable) {
       std::cerr << "Si la base de datos es nueva, cree las tablas con «movfrec init».\n";
     }
     json(std::nullopt, "base de datos", e.what());

@@ -15,6 +15,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "kivmovfrec/export.h"
@@ -42,15 +43,30 @@ class KMF_API DbError : public std::runtime_error {
  public:
   explicit DbError(const std::string& message, DbErrorKind kind = DbErrorKind::Other)
       : std::runtime_error(message), kind_(kind) {}
+  // A failure the engine reported for `statement`: what() is "Error de la base de datos:
+  // <engine_text> (sentencia: <statement>)", and both parts stay readable on their own.
+  DbError(DbErrorKind kind, std::string engine_text, std::string statement)
+      : std::runtime_error("Error de la base de datos: " + engine_text +
+                           " (sentencia: " + statement + ")"),
+        kind_(kind),
+        engine_text_(std::move(engine_text)),
+        statement_(std::move(statement)) {}
   DbErrorKind kind() const { return kind_; }
+  // The engine's own message and the statement it refused; both empty for errors the
+  // component raises itself (wrong use of a result set, a statement without text, ...).
+  const std::string& engine_text() const { return engine_text_; }
+  const std::string& statement() const { return statement_; }
 
  private:
   DbErrorKind kind_;
+  std::string engine_text_;
+  std::string statement_;
 };
 
 // A database failure as people are told it, in the component's one wording: what its kind
-// means in plain Spanish, then the engine's text in parentheses ("la base de datos está
-// bloqueada por otro proceso (...)"); the engine's text alone for DbErrorKind::Other.
+// means in plain Spanish, then the engine's text and the statement ("la base de datos está
+// bloqueada por otro proceso: database is locked (sentencia: ...)"); what() alone for
+// DbErrorKind::Other.
 KMF_API std::string DescribirErrorDb(const DbError& e);
 
 // Rows produced by one SELECT. A result set starts on its first row (Eof() when there is none).

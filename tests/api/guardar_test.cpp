@@ -100,8 +100,8 @@ TEST_P(Guardar, ElGuardadoConBloqueoDicePorQueFallo) {
            {"dos diferencias", "No se puede incluir la fórmula resto en más de una cuenta.", true},
            {"sin contador", "error 8000 (DBFncs): Resultado de la función get_TableCounter", false},
            // A new movement: the engine's refusal comes from drawing its key.
-           {"solo lectura, nuevo", "la base de datos es de solo lectura (", false},
-           {"solo lectura", "la base de datos es de solo lectura (", false},
+           {"solo lectura, nuevo", "la base de datos es de solo lectura: ", false},
+           {"solo lectura", "la base de datos es de solo lectura: ", false},
        }) {
     SCOPED_TRACE(c.nombre);
     const bool solo_lectura = c.nombre.starts_with("solo lectura");

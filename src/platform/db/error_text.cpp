@@ -25,7 +25,8 @@ std::string_view CausaErrorDb(DbErrorKind kind) {
 std::string DescribirErrorDb(const DbError& e) {
   const std::string_view causa = CausaErrorDb(e.kind());
   if (causa.empty()) return e.what();
-  return std::string(causa) + " (" + e.what() + ")";
+  if (e.engine_text().empty()) return std::string(causa) + " (" + e.what() + ")";
+  return std::string(causa) + ": " + e.engine_text() + " (sentencia: " + e.statement() + ")";
 }
 
 }  // namespace kivmovfrec::sql

@@ -14,7 +14,8 @@ namespace kivmovfrec::sql {
 // engine message is all there is to say.
 std::string_view CausaErrorDb(DbErrorKind kind);
 
-// The cause followed by the engine's text in parentheses, or the engine's text alone for Other.
+// "<cause>: <engine text> (sentencia: <statement>)" for an error the engine reported; the cause
+// followed by what() in parentheses for one the component raised; what() alone for Other.
 std::string DescribirErrorDb(const DbError& e);
 
 }  // namespace kivmovfrec::sql

@@ -99,9 +99,7 @@ Result Session::Send(std::string_view sql, const Params& params, std::string_vie
   Result r(PQexecParams(conn_, text.c_str(), static_cast<int>(params.size()), nullptr,
                         values.data(), nullptr, nullptr, 0));
   if (!r) {
-    throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})",
-                              Tidy(PQerrorMessage(conn_)), shown),
-                  LostOrOther());
+    throw DbError(LostOrOther(), Tidy(PQerrorMessage(conn_)), std::string(shown));
   }
   return r;
 }
@@ -122,9 +120,7 @@ Result Session::Run(std::string_view sql, const Params& params, std::string_view
 std::string Session::Command(const char* sql) {
   Result r(PQexec(conn_, sql));
   if (!r) {
-    throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})",
-                              Tidy(PQerrorMessage(conn_)), sql),
-                  LostOrOther());
+    throw DbError(LostOrOther(), Tidy(PQerrorMessage(conn_)), sql);
   }
   const ExecStatusType st = PQresultStatus(r.get());
   if (st != PGRES_COMMAND_OK && st != PGRES_TUPLES_OK) Fail(r.get(), sql);
@@ -139,7 +135,7 @@ void Session::Fail(const PGresult* result, std::string_view shown) const {
   if (detail != nullptr && *detail != '\0') msg += " (" + Tidy(detail) + ")";
   const std::string state = SqlState(result);
   const DbErrorKind kind = state.empty() ? LostOrOther() : KindOf(state);
-  throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})", msg, shown), kind);
+  throw DbError(kind, std::move(msg), std::string(shown));
 }
 
 DbErrorKind Session::LostOrOther() const {

@@ -85,7 +85,7 @@ void Database::Fail(std::string_view sql) const {
       (message.starts_with("no such table") || message.starts_with("no such column"))) {
     kind = DbErrorKind::MissingTable;
   }
-  throw DbError(fmt::format("Error de la base de datos: {} (sentencia: {})", message, sql), kind);
+  throw DbError(kind, std::string(message), std::string(sql));
 }
 
 void Database::Exec(const char* sql) const {
