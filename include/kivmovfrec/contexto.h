@@ -19,13 +19,16 @@
 namespace kivmovfrec {
 
 // The settings of one database. The façade fills them when it is connected: the language number
-// from the suite setting "Idioma" and the SQL date literal and multi-user flag from
+// from the suite setting "Idioma" and the date settings and multi-user flag from
 // genParametros. The formula members copy the company's accounting currency in before they
 // compute. A default-constructed value holds the suite's standard settings.
 struct KMF_API ParametrosBD {
-  // defBDDateCharSQLs: written before and after a date literal in SQL.
+  // defBDDateCharSQLs: the delimiter of a date literal in this database's SQL. The
+  // component's own statements bind dates as values; this is what "[prmBDDateCharSQLs]"
+  // becomes in the queries a formula holds.
   std::string caracter_fecha = "'";
-  // defBDDateFormat: the VB Format pattern of a date literal in SQL.
+  // defBDDateFormat: the VB Format pattern of a date in this database; a schedule's dates are
+  // saved to the precision it shows (no time of day, or no seconds, when it has none).
   std::string formato_fecha = "yyyy-mm-dd hh:nn:ss";
   // sis_Multiusuario: the installation is used by several users at once.
   bool multiusuario = false;

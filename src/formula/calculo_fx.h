@@ -40,7 +40,7 @@ class clsCalculoFx {
  public:
   // `cn` must not be null (std::invalid_argument). The company's parameters are read at once;
   // a database error there propagates. `parametros`: the settings of the database `cn` is on
-  // (date literal, language of the messages; copied).
+  // ("[prmBDDateCharSQLs]", language of the messages; copied).
   clsCalculoFx(std::shared_ptr<Connection> cn, const clsEmpresa& empresa, ServiciosFx servicios,
                const ParametrosBD& parametros);
 

@@ -96,7 +96,7 @@ std::string FechaCorta(Date d);
 
 class clsFuncionesFx {
  public:
-  // `parametros`: the settings of the database `cn` is on (date literals, "[prmBDDateCharSQLs]",
+  // `parametros`: the settings of the database `cn` is on ("[prmBDDateCharSQLs]",
   // the language of the messages); copied.
   clsFuncionesFx(std::shared_ptr<Connection> cn, ServiciosFx servicios,
                  const ParametrosBD& parametros);

@@ -77,7 +77,7 @@ struct CotizacionUsada {
 class clsMonedas {
  public:
   // `reloj` gives today for the empty date; null: the machine's clock. `parametros`: the
-  // settings of the database the rates are read from (its date literal, and the accounting
+  // settings of the database the rates are read from (the accounting
   // currency until MonedaContabilidad or Empresa sets one); copied.
   clsMonedas(std::shared_ptr<IClock> reloj, const ParametrosBD& parametros);
 
