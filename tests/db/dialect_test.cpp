@@ -42,6 +42,7 @@ TEST(Tokenize, RefusesUnclosedQuotesAndParentheses) {
   EXPECT_THROW(Tokenize("Select \"abc from t"), DbError);
   EXPECT_THROW(Lite("Select (1 from t"), DbError);
   EXPECT_THROW(Lite("Select 1) from t"), DbError);
+  EXPECT_THROW(Pg("Select (1"), DbError);
 }
 
 // The translation on each target; `pg` null: the same text as on SQLite.
