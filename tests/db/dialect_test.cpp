@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "kivmovfrec/db.h"
 #include "platform/db/sql_tokens.h"
@@ -17,29 +18,23 @@ std::string Pg(std::string_view s) {
   return TranslateSql(s, Target::PostgreSQL);
 }
 
-TEST(Tokenize, KeepsEveryByteAndSeesThroughQuotes) {
-  const std::string sql =
-      "Select 'It''s -- no comment', \"Col\" /* c */ , [pFindID] From t -- tail\n";
+// Each token's text with the space (comments included) before it; the list's trailing text.
+std::vector<std::string> Pieces(std::string_view sql) {
   auto list = Tokenize(sql);
-  std::string rebuilt;
-  for (const auto& t : list.tokens) rebuilt += std::string(t.space) + std::string(t.text);
-  rebuilt += list.trailing;
-  EXPECT_EQ(rebuilt, sql);
-  ASSERT_GE(list.tokens.size(), 4u);
-  EXPECT_EQ(list.tokens[1].kind, TokenKind::String);
-  EXPECT_EQ(list.tokens[1].text, "'It''s -- no comment'");
-  EXPECT_EQ(list.tokens[3].kind, TokenKind::QuotedName);
-  EXPECT_EQ(list.tokens[4].space, " /* c */ ");
-  EXPECT_EQ(list.tokens[5].kind, TokenKind::QuotedName);
-  EXPECT_EQ(list.trailing, " -- tail\n");
+  std::vector<std::string> out;
+  for (const auto& t : list.tokens) out.push_back(std::string(t.space) + std::string(t.text));
+  out.emplace_back(list.trailing);
+  return out;
+}
 
-  auto ops = Tokenize("a<>1.5e3||b<=.5");
-  ASSERT_EQ(ops.tokens.size(), 7u);
-  EXPECT_EQ(ops.tokens[1].text, "<>");
-  EXPECT_EQ(ops.tokens[2].text, "1.5e3");
-  EXPECT_EQ(ops.tokens[3].text, "||");
-  EXPECT_EQ(ops.tokens[5].text, "<=");
-  EXPECT_EQ(ops.tokens[6].kind, TokenKind::Number);
+TEST(Tokenize, KeepsEveryByteAndSeesThroughQuotes) {
+  EXPECT_EQ(Pieces("Select 'It''s -- no comment', \"Col\" /* c */ , [pFindID] From t -- tail\n"),
+            (std::vector<std::string>{"Select", " 'It''s -- no comment'", ",", " \"Col\"",
+                                      " /* c */ ,", " [pFindID]", " From", " t", " -- tail\n"}));
+  EXPECT_EQ(Pieces("a<>1.5e3||b<=.5"),
+            (std::vector<std::string>{"a", "<>", "1.5e3", "||", "b", "<=", ".5", ""}));
+  EXPECT_EQ(Tokenize("'x'").tokens[0].kind, TokenKind::String);
+  EXPECT_EQ(Tokenize("[x]").tokens[0].kind, TokenKind::QuotedName);
 }
 
 TEST(Tokenize, RefusesUnclosedQuotesAndParentheses) {
@@ -47,6 +42,7 @@ TEST(Tokenize, RefusesUnclosedQuotesAndParentheses) {
   EXPECT_THROW(Tokenize("Select \"abc from t"), DbError);
   EXPECT_THROW(Lite("Select (1 from t"), DbError);
   EXPECT_THROW(Lite("Select 1) from t"), DbError);
+  EXPECT_THROW(Pg("Select (1"), DbError);
 }
 
 // The translation on each target; `pg` null: the same text as on SQLite.

@@ -38,11 +38,6 @@ TEST(PostgresDialect, BareNumbersInAUnionTakeTheTypeOfTheOtherBranches) {
             "(Select Nombre From t LIMIT 1) Union All (Select '0' From u LIMIT 1)");
 }
 
-TEST(PostgresDialect, TextThatCannotBeTokenizedIsAnError) {
-  EXPECT_THROW(TranslateForPostgres("Select 'abc"), DbError);
-  EXPECT_THROW(TranslateForPostgres("Select (1"), DbError);
-}
-
 TEST(PostgresValues, TextIsReadByColumnType) {
   EXPECT_EQ(FromText(oid::kInt2, "7"), Variant(int32_t{7}));
   EXPECT_EQ(FromText(oid::kInt8, "2147483647"), Variant(int32_t{2147483647}));

@@ -15,14 +15,14 @@ class FormulaMF : public testing::DemoEngineTest {};
 
 TEST_P(FormulaMF, TextOutsideCatalogueReferencesIsLeftAsItIs) {
   auto f = FormulaDemo(cn, 2);
-  EXPECT_EQ(f.AVisible("450000*(1+0.02)"), "450000*(1+0.02)");
-  EXPECT_EQ(f.AVisible(""), "");
   EXPECT_EQ(f.AVisible("[99:5]+[ImpMov]+[15:]"), "[99:5]+[ImpMov]+[15:]");
-  const std::string bloques =
-      "[query]Select Count(*) From cceCuentas Where CueID = [5:101][/query]+[codescript]1+[4:"
-      "1][/codescript]";
-  EXPECT_EQ(f.AVisible(bloques), bloques);
-  EXPECT_EQ(f.AGuardada(bloques), bloques);
+  for (const std::string texto :
+       {"",
+        "[query]Select Count(*) From cceCuentas Where CueID = [5:101][/query]+[codescript]1+[4:"
+        "1][/codescript]"}) {
+    EXPECT_EQ(f.AVisible(texto), texto);
+    EXPECT_EQ(f.AGuardada(texto), texto);
+  }
 }
 
 TEST_P(FormulaMF, AccountsWithoutCodesWhenTheCompanyDoesNotShowThem) {
@@ -87,23 +87,24 @@ TEST_P(FormulaMF, ReadingBackIgnoresCaptionCaseAndAcceptsKeysAndDisplayTexts) {
 
 TEST_P(FormulaMF, FailuresGiveThePositionWhereReadingStopped) {
   auto f = FormulaDemo(cn, 2);
-  // Unknown id left as typed: fails at its bracket.
-  EXPECT_EQ(f.AGuardada("1+[99:5]"), ":e:3");
   // Positions count characters, not bytes ("í" and "ó" are two bytes each).
-  EXPECT_EQ(f.AGuardada("Saldo al día de hoy(\"No existe\")"), ":e:22");
-  EXPECT_EQ(f.AGuardada("2*Saldo al día de hoy"), ":e:22");
-  EXPECT_EQ(f.AGuardada("Diferencia(\"x\""), ":e:15");
-  EXPECT_EQ(f.AGuardada("Cotización del día(\"Oficial\")"), ":e:29");
-  EXPECT_EQ(f.AGuardada("Saldo al día de hoy(\"1.1.01 Caja\"; \"1.1.01 Caja\")"), ":e:37");
-  EXPECT_EQ(f.AGuardada("Foo(\"x\")"), ":e:5");
-  // The index type is not a rate type to choose.
-  EXPECT_EQ(f.AGuardada("Cotización del día(\"Índices\"; \"U$S\")"), ":e:21");
+  for (const auto& [texto, error] : std::initializer_list<std::pair<const char*, const char*>>{
+           {"1+[99:5]", ":e:3"},  // unknown id left as typed: fails at its bracket
+           {"Saldo al día de hoy(\"No existe\")", ":e:22"},
+           {"2*Saldo al día de hoy", ":e:22"},
+           {"Diferencia(\"x\"", ":e:15"},
+           {"Cotización del día(\"Oficial\")", ":e:29"},
+           {"Saldo al día de hoy(\"1.1.01 Caja\"; \"1.1.01 Caja\")", ":e:37"},
+           {"Foo(\"x\")", ":e:5"},
+           {"Cotización del día(\"Índices\"; \"U$S\")", ":e:21"},  // the index type
+           {"Pedir valor(\"a;b\")", ":e:14"},  // would break the stored reference
+       }) {
+    EXPECT_EQ(f.AGuardada(texto), error) << texto;
+  }
   LecturaFormula r = f.LeerVisible("Saldo al día de hoy(\"Caj'a\")");
   EXPECT_FALSE(r.ok);
   EXPECT_EQ(r.posicion, 22);
   EXPECT_NE(r.error.find("comillas simples"), std::string::npos);
-  // A prompt may not hold what would break the stored reference.
-  EXPECT_EQ(f.AGuardada("Pedir valor(\"a;b\")"), ":e:14");
 }
 
 TEST_P(FormulaMF, LinesOfTheMovementBeingEdited) {
@@ -149,13 +150,12 @@ TEST(FormulaTexto, ReferencesToALine) {
 TEST_P(FormulaMF, ArgumentChecks) {
   auto f = FormulaDemo(cn, 2);
   EXPECT_TRUE(f.ArgumentosValidos("[1:141;0;1]+[5:101]+[13:1;2]+[10:]+[11:Sueldo]"));
-  EXPECT_FALSE(f.ArgumentosValidos("[5:100]"));      // a folder
-  EXPECT_FALSE(f.ArgumentosValidos("[5:201]"));      // another company's account
-  EXPECT_FALSE(f.ArgumentosValidos("[13:3;2]"));     // the index rate type
-  EXPECT_FALSE(f.ArgumentosValidos("[1:142;0;0]"));  // 142 has department 1 on movement 2
-  EXPECT_FALSE(f.ArgumentosValidos("[2:16;142;0;0]"));
-  EXPECT_FALSE(f.ArgumentosValidos("[99:1]"));
-  EXPECT_FALSE(f.ArgumentosValidos("[5:x]"));
+  // A folder, another company's account, the index rate type, 142 without its department 1 on
+  // movement 2, a line movement 16 lacks, an unknown id, a key that is not a number.
+  for (const char* mala :
+       {"[5:100]", "[5:201]", "[13:3;2]", "[1:142;0;0]", "[2:16;142;0;0]", "[99:1]", "[5:x]"}) {
+    EXPECT_FALSE(f.ArgumentosValidos(mala)) << mala;
+  }
 }
 
 TEST(FormulaTexto, WithoutADatabaseArgumentsAreShownAsStored) {

@@ -70,10 +70,6 @@ TEST(ConsultaLookup, MarcadoresDeContextoYDeBusqueda) {
             "Select rTrim(CueCodigo) + ' ' + N From T Where E = 3 And M = 12 And P = 4 And (K  = "
             "? or I  = ?)");
   EXPECT_EQ(por_clave.valores, (DbParams{Variant("D'Angelo [pEmp]"), Variant::Null()}));
-  const auto todas = PrepararTodas(kQ, ctx);
-  EXPECT_EQ(todas.sql,
-            "Select N From T Where E = 3 And M = 12 And P = 4 And (K  = ? or I  Is Not Null)");
-  EXPECT_EQ(todas.valores, (DbParams{Variant::Null()}));
 }
 
 TEST(ContadorDeTabla, MenosUnoEsError8000DeDBFncs) {

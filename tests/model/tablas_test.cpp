@@ -186,17 +186,6 @@ TEST_P(Tablas, RenglonesOpcionalesSeGrabanNulosYSeLeenComoVacios) {
   }
 }
 
-TEST_P(Tablas, BorrarRenglonesSoloLosDelMovimiento) {
-  for (int32_t mf : {701, 701, 701, 702}) {
-    auto rs = cn->OpenResultset(SqlRenglonesDe(mf));
-    auto r = Renglon(101, true, 10.0);
-    AgregarRenglon(*rs, r, mf, 1);
-  }
-  EXPECT_EQ(BorrarRenglones(*cn, 701), 3);
-  EXPECT_EQ(BorrarRenglones(*cn, 701), 0);
-  EXPECT_EQ(CountRows(*cn, SqlRenglonesDe(702)), 1);
-}
-
 TEST_P(Tablas, OrdenDeVinculoEsElMayorMasUno) {
   FakeDBFncs dbf;
   dbf.siguiente = 800;
