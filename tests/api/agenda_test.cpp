@@ -92,11 +92,20 @@ TEST_P(Agendas, UltimaFechaEntreOcurrenciasTerminaTrasLaTercera) {
   EXPECT_EQ(calendario->inicios.at(0), suite::SerialOf(2027, 1, 10));
 }
 
-TEST_P(Agendas, SinVencimientoNoTerminaNiPasadaLaFechaFinal) {
-  // Demo movement 1: monthly, no end, next 10/11/2026.
+TEST_P(Agendas, SinVencimientoPostergadoYLoQueNoEstaPendiente) {
+  // Demo movement 1: monthly, no end, next 10/11/2026; a last date does not end it.
   cn->Execute("Update genRecurrencias Set RecFechaFinal = RecFechaProxima Where RecID = 1");
   EXPECT_FALSE(Realizar(1, 2));
   EXPECT_EQ(Agenda(1).FechaProxima(), "10/01/2027");
+  // Advancing clears a postponement (notice 8, put off one day).
+  ASSERT_TRUE(mf.DarRealizadaFechaAgenda(8));
+  EXPECT_TRUE(Scalar(*cn, "Select RecPostergado From genRecurrencias Where RecID = 5").IsNull());
+
+  // Without a schedule, already done or missing: nothing changes and nothing is shown.
+  const auto antes = Tablas();
+  for (int32_t id : {2, 21, 4242}) EXPECT_FALSE(mf.DarRealizadaFechaAgenda(id)) << id;
+  EXPECT_EQ(Tablas(), antes);
+  EXPECT_TRUE(Mensajes().empty());
 }
 
 TEST_P(Agendas, AvisoUnicoTerminaYMarcaVistosLosDeSuModalidad) {
@@ -107,20 +116,6 @@ TEST_P(Agendas, AvisoUnicoTerminaYMarcaVistosLosDeSuModalidad) {
   EXPECT_EQ(vb::CLng(Mov(8, "MFrVista")), 2);   // pending, modality 1
   EXPECT_EQ(vb::CLng(Mov(22, "MFrVista")), 0);  // modality 2
   EXPECT_EQ(vb::CLng(Mov(9, "MFrVista")), 0);   // itself
-}
-
-TEST_P(Agendas, PostergacionSeBorraAlAvanzar) {
-  ASSERT_TRUE(mf.DarRealizadaFechaAgenda(8));  // postponed one day
-  EXPECT_TRUE(Scalar(*cn, "Select RecPostergado From genRecurrencias Where RecID = 5").IsNull());
-}
-
-TEST_P(Agendas, SinAgendaONoPendienteNoHaceNada) {
-  const auto antes = Tablas();
-  EXPECT_FALSE(mf.DarRealizadaFechaAgenda(2));     // frequent entry, no schedule
-  EXPECT_FALSE(mf.DarRealizadaFechaAgenda(21));    // notice already done
-  EXPECT_FALSE(mf.DarRealizadaFechaAgenda(4242));  // does not exist
-  EXPECT_EQ(Tablas(), antes);
-  EXPECT_TRUE(Mensajes().empty());
 }
 
 TEST_P(Agendas, CadenaVinculadaAvanzaEnSuOrdenYElMiembroNoArrastraAlGrupo) {

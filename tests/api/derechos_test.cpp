@@ -27,6 +27,15 @@ TEST_P(Estados, SinLaLetraSeRechazaConElTituloDelTipo) {
   EXPECT_EQ(Estado(1), 0);
   EXPECT_EQ(Estado(6), 0);
 
+  // A linked movement is refused even with every letter.
+  sv.rights->Set(1, "PasajeAsientos", "AMEeTQ");
+  EXPECT_FALSE(mf.CambiarEstadoMF(16, enuEstadoMF::Papelera, false));
+  EXPECT_EQ(Mensajes().back().request.text,
+            "No puede eliminar un movimiento vinculado, para eliminarlo primero debe quitar los "
+            "vínculos.");
+  EXPECT_EQ(Mensajes().back().request.caption, "Asistente de Asientos");
+  EXPECT_EQ(Estado(16), 0);
+
   // The letters are compared without regard to case.
   sv.rights->Set(1, "PasajeAsientos", "am");
   EXPECT_TRUE(mf.CambiarEstadoMF(1, enuEstadoMF::Realizado, false));
@@ -43,17 +52,6 @@ TEST_P(Estados, AvisoNoNecesitaDerechosNiSiEstaVinculado) {
   // Header only: the schedule row and the lines stay.
   EXPECT_EQ(vb::CLng(Mov(8, "MFrRecurrencia")), 5);
   EXPECT_EQ(Scalar(*cn, "Select Count(*) From genRenglonMovFrecuentes"), lineas_antes);
-}
-
-TEST_P(Estados, VinculadoSeRechazaCon871) {
-  sv.rights->Set(1, "PasajeAsientos", "AMEeTQ");
-  EXPECT_FALSE(mf.CambiarEstadoMF(16, enuEstadoMF::Papelera, false));
-  ASSERT_EQ(Mensajes().size(), 1u);
-  EXPECT_EQ(Mensajes()[0].request.text,
-            "No puede eliminar un movimiento vinculado, para eliminarlo primero debe quitar los "
-            "vínculos.");
-  EXPECT_EQ(Mensajes()[0].request.caption, "Asistente de Asientos");
-  EXPECT_EQ(Estado(16), 0);
 }
 
 TEST_P(Estados, PreguntaSegunElEstadoYRespuestaNo) {

@@ -29,27 +29,18 @@ constexpr const char* kFormulaOriginal = "[1:145;1;1]*0.5";
 // A text of the corpus. `sql` set: the text is that statement inside a [query] block, and the
 // script host gets it through rdoCBase.OpenResultset.
 struct Hostil {
-  Hostil(std::string n, std::string t, bool l = false, std::optional<std::string> r = std::nullopt,
-         std::string m = "", std::string q = "")
-      : nombre(std::move(n)),
-        texto(std::move(t)),
-        lee(l),
-        script(std::move(r)),
-        motivo(std::move(m)),
-        sql(std::move(q)) {}
-
   std::optional<double> Valor() const {
     return script && !script->empty() ? std::optional(std::stod(*script)) : std::nullopt;
   }
 
   std::string nombre;
   std::string texto;
-  bool lee;  // the display-form reader accepts it (blocks are copied)
+  bool lee = false;  // the display-form reader accepts it (blocks are copied)
   // The script host's result text (nothing: an error); a number is also what the line computes
   // to, anything else leaves the line without a result.
-  std::optional<std::string> script;
-  std::string motivo;  // part of the explanation of the failing line and of the script error
-  std::string sql;
+  std::optional<std::string> script = std::nullopt;
+  std::string motivo = "";  // part of the explanation of the failing line and of the script error
+  std::string sql = "";
 };
 
 constexpr const char* kSoloLectura = "solo puede leer datos";

@@ -10,6 +10,8 @@
 #include <tuple>
 
 #include "fachada_fixture.h"
+#include "resources/catalogue.h"
+#include "resources/msg.h"
 #include "support/faulty_connection.h"
 
 namespace kivmovfrec::testing {
@@ -41,10 +43,11 @@ class Fallos : public Fachada {
   // A member that runs in a transaction (or writes a single row): fails at each statement in
   // turn until it completes. Every failed attempt must return the zero value, leave no
   // transaction open and the tables as they were; when `restaura_memoria`, the records in
-  // memory also keep their keys. `reporta`: the member shows the error it trapped (critical
-  // icon, after its own question if any); otherwise it shows nothing.
+  // memory also keep their keys. `reporta` (a catalogue number, or 0 for none): the member shows
+  // the error it trapped as that action's text with the reason below (critical icon, after its
+  // own question if any); with 0 it shows nothing.
   template <typename Miembro>
-  void Atomico(const std::string& escenario, Preparar preparar, Miembro miembro, bool reporta,
+  void Atomico(const std::string& escenario, Preparar preparar, Miembro miembro, int reporta,
                bool restaura_memoria = false) {
     const int base = Base(preparar);
     const Snapshot antes = Tablas();
@@ -70,6 +73,11 @@ class Fallos : public Fachada {
       const auto& shown = i.f->sv.messages->shown();
       const bool mostrado = !shown.empty() && shown.back().request.icon == MsgIcon::Critical;
       EXPECT_TRUE(reporta ? mostrado : shown.empty()) << donde;
+      if (reporta && mostrado) {
+        EXPECT_EQ(shown.back().request.text,
+                  std::string(resources::Texto(reporta)) + "\n" + i.f->mf.UltimoError())
+            << donde;
+      }
       EXPECT_TRUE(!restaura_memoria || claves() == claves_antes) << donde;
     }
     ADD_FAILURE() << escenario << " nunca se completó";
@@ -136,22 +144,24 @@ void ExistentePierdeSuAgenda(clsMovFrecuente& mf) {
 TEST_P(Fallos, SaveMovimientoFrecuenteConBloqueo) {
   const auto guardar = [](clsMovFrecuente& mf) { return mf.SaveMovimientoFrecuenteConBloqueo(); };
   Atomico("nuevo vinculado con agenda y líneas", NuevoVinculadoConAgendaYLineas, guardar,
-          /*reporta=*/false, /*restaura_memoria=*/true);
-  Atomico("existente modificado", ExistenteModificado, guardar, false, true);
-  Atomico("existente sin su agenda", ExistentePierdeSuAgenda, guardar, false, true);
+          /*reporta=*/0, /*restaura_memoria=*/true);
+  Atomico("existente modificado", ExistenteModificado, guardar, 0, true);
+  Atomico("existente sin su agenda", ExistentePierdeSuAgenda, guardar, 0, true);
 }
 
 TEST_P(Fallos, DeleteRegistroMFConfirmar) {
   Atomico(
       "borrado de la papelera", Nada,
-      [](clsMovFrecuente& mf) { return mf.DeleteRegistroMFConfirmar(1); }, /*reporta=*/true);
+      [](clsMovFrecuente& mf) { return mf.DeleteRegistroMFConfirmar(1); },
+      msg::kErrorEliminarMovimiento);
 }
 
 TEST_P(Fallos, DarRealizadaFechaAgenda) {
   for (int32_t id : {1, 9, 25}) {  // monthly entry, notice of its modality, head of a chain
     Atomico(
         "ocurrencia realizada de " + std::to_string(id), Nada,
-        [id](clsMovFrecuente& mf) { return mf.DarRealizadaFechaAgenda(id); }, /*reporta=*/true);
+        [id](clsMovFrecuente& mf) { return mf.DarRealizadaFechaAgenda(id); },
+        msg::kErrorDarRealizada);
   }
 }
 
@@ -159,11 +169,11 @@ TEST_P(Fallos, CambiarEstadoMF) {
   Atomico(
       "a la papelera", Nada,
       [](clsMovFrecuente& mf) { return mf.CambiarEstadoMF(1, enuEstadoMF::Papelera, false); },
-      /*reporta=*/true);
+      msg::kErrorCambiarEstado);
   Atomico(
       "aviso realizado", Nada,
       [](clsMovFrecuente& mf) { return mf.CambiarEstadoMF(9, enuEstadoMF::Realizado, false); },
-      true);
+      msg::kErrorCambiarEstado);
 }
 
 TEST_P(Fallos, SaveMovimientoFrecuenteDeleteMFYLoadMF) {

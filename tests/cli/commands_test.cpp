@@ -138,9 +138,6 @@ TEST_P(MovfrecComandos, UnknownIdsAndCompaniesAreRefused) {
            {{"--responder", "si", "borrar", "999"}, mov},
            {{"realizar", "999"}, mov},
            {{"--empresa", "99", "listar"}, "movfrec listar: " + emp},
-           {{"--empresa", "99", "agenda"}, "movfrec agenda: " + emp},
-           {{"--empresa", "99", "ejecutar"}, "movfrec ejecutar: " + emp},
-           {{"--empresa", "99", "ver", "1"}, "movfrec ver: " + emp},
            {{"--empresa", "99", "importar", Write(kNuevo)}, "movfrec importar: " + emp},
        }) {
     ExpectFails(args, 1, mensaje);
@@ -258,26 +255,22 @@ TEST_P(MovfrecComandos, ImportIsAllOrNothing) {
   EXPECT_EQ(nuevo[0]["ID"], 101);  // the counter gave nothing away
 }
 
+// The rights and questions are the library's; here, --responder (No without a terminal) and a
+// refusal shown as "[caption] text".
 TEST_P(MovfrecComandos, StateChangeAndDeleteAskFirst) {
-  // Answered No, a user without rights (the component's message as "[caption] text"): exit 1
-  // and nothing changes. (Without a terminal or --responder the answer is No: the console's.)
-  const std::string papelera = "¿Confirma enviar a la papelera?";
-  ExpectFails({"--responder", "no", "estado", "1", "9"}, 1, papelera);
+  ExpectFails({"--responder", "no", "estado", "1", "9"}, 1, "¿Confirma enviar a la papelera?");
   ExpectFails({"--usuario", "2", "--responder", "si", "estado", "1", "9"}, 1,
               "[Asistente de Asientos] Su usuario no está habilitado");
-  ExpectFails({"--responder", "no", "borrar", "20"}, 1, "¿Confirma eliminar el registro?");
+  ExpectFails({"borrar", "20"}, 1, "¿Confirma eliminar el registro?");
   EXPECT_EQ(Ver(1)["MovFrecuente"]["Estado"], 0);
   EXPECT_EQ(Ver(20)["MovFrecuente"]["ID"], 20);
 
-  // Answered Yes.
   const Json cambiado = RunJson({"--responder", "si", "estado", "1", "9"});
-  EXPECT_EQ(cambiado["Cambiado"], true);
   EXPECT_EQ(cambiado["Estado"], 9);
   EXPECT_EQ(cambiado["FechaEstado"].get<std::string>().substr(0, 10), "10/11/2026");  // --hoy
   EXPECT_EQ(Ver(1)["MovFrecuente"]["Estado"], 9);
   EXPECT_EQ(Run({"--responder", "si", "estado", "1", "3"}).status, 2);
-  const Result borrado = Run({"--responder", "si", "borrar", "20"});
-  EXPECT_EQ(borrado.status, 0) << borrado.err;
+  EXPECT_EQ(Run({"--responder", "si", "borrar", "20"}).status, 0);
   EXPECT_EQ(Run({"ver", "20"}).status, 1);
 }
 
@@ -285,12 +278,10 @@ TEST_P(MovfrecComandos, StateChangeAndDeleteAskFirst) {
 // realizar reports and refuses.
 TEST_P(MovfrecComandos, RealizarReportsTheLinkedMovementsAndRefusesWhatIsNotDue) {
   // Heading a linked group: the linked movement without schedule is listed, unchanged.
-  const Json r25 = RunJson({"realizar", "25"});
-  EXPECT_EQ(r25["FechaProxima"], "10/12/2026");
-  EXPECT_EQ(r25["NumOcurrencia"], 11);
-  ASSERT_EQ(r25["Vinculados"].size(), 1u);
-  EXPECT_EQ(r25["Vinculados"][0]["ID"], 26);
-  EXPECT_TRUE(r25["Vinculados"][0]["FechaProxima"].is_null());
+  const Json vinculados = RunJson({"realizar", "25"})["Vinculados"];
+  ASSERT_EQ(vinculados.size(), 1u);
+  EXPECT_EQ(vinculados[0]["ID"], 26);
+  EXPECT_TRUE(vinculados[0]["FechaProxima"].is_null());
   ExpectFails({"realizar", "21"}, 1, "no está en proceso");  // a notice already done
   ExpectFails({"realizar", "2"}, 1, "no está agendado");
   const Result texto = Run({"realizar", "22"});
@@ -408,7 +399,6 @@ TEST_P(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
   EXPECT_TRUE(Has(texto.out, "Alquiler mensual de oficina")) << texto.out;
   const Result vacio = Run({"agenda", "--desde", "2030-01-01", "--hasta", "2030-01-02"});
   EXPECT_TRUE(Has(vacio.out, "No hay vencimientos ni avisos")) << vacio.out;
-  EXPECT_EQ(Run({"agenda", "--desde", "2026-12-01", "--hasta", "2026-11-01"}).status, 2);
 }
 
 // The agenda lists the very due dates that marking each occurrence done walks through.
