@@ -4,10 +4,9 @@
 // the checks; here also: the company, that an ID above 0 names an existing movement of that
 // company, that no ID appears twice, and that every line's account can take it:
 // storage::ProblemaCuentaRenglon). Any problem: every problem found is listed and nothing is
-// written. Then the movements are saved, one after the other, through the façade's
-// locked save, all inside ONE transaction of the import: each save is a level inside it (a
-// savepoint), so a save that fails midway rolls back the ones before it as well, and the
-// table counters too.
+// written. Then the movements are saved, in the order of the file, by the façade's locked save
+// of a run (keys drawn in one block per table), inside ONE transaction of the import: a save
+// that fails midway rolls back the ones before it as well, and the table counters too.
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -198,27 +197,36 @@ Action Setup(CLI::App& app) {
 
     auto conexion = ctx.connection();
     auto fachada = AbrirFachada(ctx, conexion);
-    std::vector<std::pair<int32_t, bool>> guardados;
+    std::vector<std::shared_ptr<clsMFTipo>> lote;
+    std::vector<bool> nuevos;
+    for (Entrada& e : entradas) {
+      EnlazarAgenda(e);
+      nuevos.push_back(e.leido.mf->MovFrecuente()->ID() == 0);
+      lote.push_back(e.leido.mf);
+    }
+    size_t fallido = 0;
+    std::vector<int32_t> ids;
     {
       Transaccion importacion(*conexion);
-      for (Entrada& e : entradas) {
-        EnlazarAgenda(e);
-        const bool nuevo = e.leido.mf->MovFrecuente()->ID() == 0;
-        fachada->EstructuraMovFrec(e.leido.mf);
-        const int32_t id = fachada->SaveMovimientoFrecuenteConBloqueo(false);
-        if (id == 0) {
-          return Rechazo(
-              ctx, "importar",
-              fmt::format("no se pudo grabar el movimiento {} ({}); se deshizo la "
-                          "importación y no se grabó ninguno. Motivo: {}",
-                          e.ruta, vb::ShortForMessage(e.leido.mf->MovFrecuente()->Nombre()),
-                          fachada->UltimoError().empty() ? "la grabación se deshizo"
-                                                         : fachada->UltimoError()));
-        }
-        guardados.emplace_back(id, nuevo);
+      ids = fachada->SaveMovimientosFrecuentesConBloqueo(lote, &fallido);
+      if (ids.empty() && !lote.empty()) {
+        const std::string cual =
+            fallido < entradas.size()
+                ? fmt::format(
+                      "el movimiento {} ({})", entradas[fallido].ruta,
+                      vb::ShortForMessage(entradas[fallido].leido.mf->MovFrecuente()->Nombre()))
+                : std::string("la importación");
+        return Rechazo(ctx, "importar",
+                       fmt::format("no se pudo grabar {}; se deshizo la importación y no se "
+                                   "grabó ninguno. Motivo: {}",
+                                   cual,
+                                   fachada->UltimoError().empty() ? "la grabación se deshizo"
+                                                                  : fachada->UltimoError()));
       }
       importacion.Commit();
     }
+    std::vector<std::pair<int32_t, bool>> guardados;
+    for (size_t i = 0; i < ids.size(); ++i) guardados.emplace_back(ids[i], nuevos[i]);
 
     if (ctx.json()) {
       Json lista = Json::array();

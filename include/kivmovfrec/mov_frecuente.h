@@ -39,6 +39,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kivmovfrec/agenda.h"
 #include "kivmovfrec/contexto.h"
@@ -113,6 +114,20 @@ class KMF_API clsMovFrecuente {
   // line numbers); no message is shown whatever bDisplayMsgError says: the caller reports, and
   // finds why in UltimoError().
   int32_t SaveMovimientoFrecuenteConBloqueo(bool bDisplayMsgError = true);
+
+  // The locked save of several movements, all or nothing, in one transaction (a level of the
+  // caller's when one is open): each movement of `lote` is saved in order as
+  // SaveMovimientoFrecuenteConBloqueo saves the current one, with the same refusals. The new
+  // keys are drawn from the counters beforehand, one block per table, so a long run costs one
+  // counter update per table instead of one per movement. Returns the IDs in the order of `lote`.
+  // Any error rolls back every save of the run (and the keys drawn), returns nothing, puts back
+  // the records of every movement of `lote` as they were before the call, tells in `*fallido`
+  // (when given) the position in `lote` of the movement that failed (lote.size() when every
+  // save went through and the commit failed) and why in UltimoError().
+  // The current movement (EstructuraMovFrec) is not used. A null entry throws
+  // std::invalid_argument before anything is written.
+  std::vector<int32_t> SaveMovimientosFrecuentesConBloqueo(
+      const std::vector<std::shared_ptr<clsMFTipo>>& lote, size_t* fallido = nullptr);
 
   // Why the last failing call of a member that traps its errors (the locked save and the
   // members that show "Error al ...") failed: the refusal's text, "error 8000 (DBFncs): ..." for
@@ -259,6 +274,9 @@ class KMF_API clsMovFrecuente {
   // Steps 1 and 2 of the formula members; returns the calculation date.
   Date PrepararCalculoFx();
   void AvisarSinResultado(int mensaje);
+  // The body of the locked saves: `mf`'s checks and save with the keys of `dbf`, inside the
+  // caller's transaction.
+  int32_t GuardarEnTransaccion(clsMFTipo& mf, IDBFncs& dbf);
 
   // The services as the host gave them (nulls kept), completed anew at every Connect.
   SuiteServices dados_;

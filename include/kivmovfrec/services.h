@@ -81,6 +81,11 @@ class KMF_API IDBFncs {
   // value. Inside the connection's open transaction the draw belongs to that transaction (a
   // rollback gives the value back); outside one it commits on its own.
   virtual int32_t GetTableCounter(std::string_view table) = 0;
+  // Draws `count` consecutive values of the table's counter at once, under the same rules as
+  // GetTableCounter, and returns the first; the caller then hands out first .. first+count-1
+  // itself (saving many rows costs one counter update instead of one per row). -1 when no block
+  // can be drawn; this default says so, and callers then draw one value at a time.
+  virtual int32_t ReserveTableCounter(std::string_view /*table*/, int32_t /*count*/) { return -1; }
   // Value of a named suite setting: the genParametros row whose ParNombre equals `name`
   // trimmed and without regard to case. ParValor when it is not Null, else ParTexto (Null when
   // both are). Empty when there is no such row; a database failure throws its DbError.

@@ -24,6 +24,7 @@
 #include "storage/columnas.h"
 #include "storage/contador.h"
 #include "storage/tabla_cuentas.h"
+#include "storage/tabla_recurrencias.h"
 
 namespace kivmovfrec::api {
 namespace {
@@ -202,11 +203,12 @@ class Ejecutor {
       }
       r.terminada = hecho == ResultadoOcurrencia::Terminada;
       // The next due date is read before the commit: once committed, the occurrence is
-      // reported whatever happens afterwards.
-      clsMFTipo despues(ctx_.servicios.clock);
-      if (!r.terminada && despues.Load(cn_, v.id) &&
-          vb::IsDate(Variant(despues.Recurrencia()->FechaProxima()))) {
-        r.proxima = vb::CDate(Variant(despues.Recurrencia()->FechaProxima()));
+      // reported whatever happens afterwards. Only the schedule's row is read again: the
+      // advance changes nothing else this needs.
+      clsRegRecurrencia despues = *mov.Recurrencia();
+      if (!r.terminada && storage::CargarRecurrencia(cn_, despues) &&
+          vb::IsDate(Variant(despues.FechaProxima()))) {
+        r.proxima = vb::CDate(Variant(despues.FechaProxima()));
       }
       transaccion.Commit();
     } catch (const DbError& e) {

@@ -17,6 +17,7 @@
 #include "resources/catalogue.h"
 #include "resources/msg.h"
 #include "schedule/date_calculator.h"
+#include "storage/contador.h"
 #include "storage/parametros.h"
 #include "storage/tabla_movimientos.h"
 
@@ -188,22 +189,68 @@ int32_t clsMovFrecuente::SaveMovimientoFrecuenteConBloqueo(bool /*bDisplayMsgErr
   if (!ctx_.cn) return 0;
   const CopiaEstructura copia(*estructura_);
   try {
-    RechazarVariasDiferencias(*estructura_->Renglones(), Idioma());
-    clsRegRecurrencia& rec = *estructura_->Recurrencia();
-    CompletarRecurrencia(rec);
     Transaccion transaccion(*ctx_.cn);
-    if (rec.ID() == 0 && rec.CadaCuanto() == 0 && rec.CantidadVeces() == 1 &&
-        rec.NumOcurrencia() > 1) {
-      rec.NumOcurrencia(1);
-    }
-    const int16_t libro = EmpresaContexto().Libro();
-    const int32_t id = estructura_->Save(*ctx_.cn, *ctx_.servicios.db, libro, ctx_.parametros);
+    const int32_t id = GuardarEnTransaccion(*estructura_, *ctx_.servicios.db);
     transaccion.Commit();
     return id;
   } catch (const std::exception& e) {
     copia.Restaurar();
     ultimo_error_ = DescribirError(e);
     return 0;
+  }
+}
+
+int32_t clsMovFrecuente::GuardarEnTransaccion(clsMFTipo& mf, IDBFncs& dbf) {
+  RechazarVariasDiferencias(*mf.Renglones(), Idioma());
+  clsRegRecurrencia& rec = *mf.Recurrencia();
+  CompletarRecurrencia(rec);
+  if (rec.ID() == 0 && rec.CadaCuanto() == 0 && rec.CantidadVeces() == 1 &&
+      rec.NumOcurrencia() > 1) {
+    rec.NumOcurrencia(1);
+  }
+  const int16_t libro = EmpresaContexto().Libro();
+  return mf.Save(*ctx_.cn, dbf, libro, ctx_.parametros);
+}
+
+std::vector<int32_t> clsMovFrecuente::SaveMovimientosFrecuentesConBloqueo(
+    const std::vector<std::shared_ptr<clsMFTipo>>& lote, size_t* fallido) {
+  ultimo_error_.clear();
+  if (fallido) *fallido = 0;
+  if (!ctx_.cn) return {};
+  for (const auto& mf : lote) {
+    if (!mf) throw std::invalid_argument("clsMovFrecuente: movimiento nulo en el lote");
+  }
+  std::vector<CopiaEstructura> copias;
+  copias.reserve(lote.size());
+  for (const auto& mf : lote) copias.emplace_back(*mf);
+  size_t actual = 0;
+  try {
+    // One level for the whole run: a failure anywhere undoes all of it, so the saves need no
+    // level (savepoint) of their own.
+    Transaccion transaccion(*ctx_.cn);
+    // Keys the saves will draw, as clsMFTipo::Save draws them: a header without a key, and a
+    // schedule without a key that is kept. A row missing under a given key draws one more from
+    // the counter itself.
+    int32_t movimientos = 0, agendas = 0;
+    for (const auto& mf : lote) {
+      movimientos += mf->MovFrecuente()->ID() == 0;
+      const clsRegRecurrencia& rec = *mf->Recurrencia();
+      agendas += rec.ID() == 0 && !rec.FechaProxima().empty();
+    }
+    storage::ClavesReservadas claves(*ctx_.servicios.db);
+    claves.Reservar("genMovimientosFrecuentes", movimientos);
+    claves.Reservar("genRecurrencias", agendas);
+    std::vector<int32_t> ids;
+    ids.reserve(lote.size());
+    for (; actual < lote.size(); ++actual)
+      ids.push_back(GuardarEnTransaccion(*lote[actual], claves));
+    transaccion.Commit();
+    return ids;
+  } catch (const std::exception& e) {
+    for (const CopiaEstructura& c : copias) c.Restaurar();
+    if (fallido) *fallido = actual;
+    ultimo_error_ = DescribirError(e);
+    return {};
   }
 }
 

@@ -1,6 +1,6 @@
 // A database failure at every statement (commit included) of every writing member of the
 // façade, on every engine:
-//  - members that run their own transaction (the locked save, delete from the bin, occurrence
+//  - members that run their own transaction (the locked saves, delete from the bin, occurrence
 //    done) return 0 / false and leave every table as it was;
 //  - the state change writes one row outside a transaction: it reports the error, returns false
 //    and leaves every table as it was;
@@ -147,6 +147,19 @@ TEST_P(Fallos, SaveMovimientoFrecuenteConBloqueo) {
           /*reporta=*/0, /*restaura_memoria=*/true);
   Atomico("existente modificado", ExistenteModificado, guardar, 0, true);
   Atomico("existente sin su agenda", ExistentePierdeSuAgenda, guardar, 0, true);
+}
+
+// The run of saves (keys drawn in blocks beforehand) of the same movements.
+TEST_P(Fallos, SaveMovimientosFrecuentesConBloqueo) {
+  const auto guardar = [](clsMovFrecuente& mf) {
+    size_t fallido = 9;
+    const auto ids = mf.SaveMovimientosFrecuentesConBloqueo({mf.EstructuraMovFrec()}, &fallido);
+    EXPECT_LE(fallido, 1u);  // the movement, or past it: the commit
+    EXPECT_EQ(ids.empty(), !mf.UltimoError().empty());
+    return ids.empty() ? 0 : ids.front();
+  };
+  Atomico("nuevo vinculado con agenda y líneas", NuevoVinculadoConAgendaYLineas, guardar,
+          /*reporta=*/false, /*restaura_memoria=*/true);
 }
 
 TEST_P(Fallos, DeleteRegistroMFConfirmar) {

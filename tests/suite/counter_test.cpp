@@ -25,16 +25,21 @@ int64_t CounterRow(Connection& cn, const std::string& table) {
   return rs->Eof() ? -100 : vb::CLng(rs->Get(0));
 }
 
+// Each process alternates single draws with blocks of kBlock values.
 TEST_P(Counter, TwoProcessesNeverDrawTheSameValue) {
-  constexpr int kEach = 500;
+  constexpr int kEach = 500, kBlock = 7;
   const std::string uri = database().uri();
   const auto outcome = testing::RunInChildren(2, [&](int, std::ostream& out) {
     auto own = OpenConnection(uri);
     int status = 0;
-    for (int i = 0; i < kEach; ++i) {
-      const int32_t value = suite::DrawTableCounter(*own, "genRecurrencias");
-      if (value < 0) status = 3;
-      out << value << '\n';
+    for (int i = 0; i < kEach;) {
+      const bool block = i % 2 == 1 && i + kBlock <= kEach;
+      const int count = block ? kBlock : 1;
+      const int32_t first = block ? suite::ReserveTableCounter(*own, "genRecurrencias", kBlock)
+                                  : suite::DrawTableCounter(*own, "genRecurrencias");
+      if (first < 0) status = 3;
+      for (int k = 0; k < count; ++k) out << first + k << '\n';
+      i += count;
     }
     return status;
   });
@@ -81,17 +86,15 @@ TEST_P(Counter, DrawInsideTransactionFollowsIt) {
   cn->Execute("Insert Into genContadores (CntTabla, CntValor) Values ('cceAsientos', 10)");
   cn->BeginTrans();
   EXPECT_EQ(suite::DrawTableCounter(*cn, "cceAsientos"), 11);
-  EXPECT_EQ(suite::DrawTableCounter(*cn, "cceAsientos"), 12);
+  EXPECT_EQ(suite::ReserveTableCounter(*cn, "cceAsientos", 5), 12);  // 12 to 16
+  EXPECT_EQ(suite::DrawTableCounter(*cn, "cceAsientos"), 17);
   EXPECT_EQ(suite::DrawTableCounter(*cn, "genLibros"), 1);  // a row created on the way
   EXPECT_TRUE(cn->InTransaction());                         // the caller's is left open
   cn->RollbackTrans();
   EXPECT_EQ(CounterRow(*cn, "cceAsientos"), 10);
   EXPECT_EQ(CounterRow(*cn, "genLibros"), -100);
 
-  cn->BeginTrans();
-  EXPECT_EQ(suite::DrawTableCounter(*cn, "cceAsientos"), 11);
-  cn->CommitTrans();
-  EXPECT_EQ(suite::DrawTableCounter(*cn, "cceAsientos"), 12);
+  EXPECT_EQ(suite::ReserveTableCounter(*cn, "cceAsientos", 2), 11);  // committed on its own
   EXPECT_FALSE(cn->InTransaction());
   EXPECT_EQ(CounterRow(*OpenAnother(), "cceAsientos"), 12);
 }
@@ -125,6 +128,12 @@ TEST_P(CounterWithoutTables, FailuresLeaveNoTransaction) {
   cn->Execute("Insert Into genContadores (CntTabla, CntValor) Values ('lleno', 2147483647)");
   EXPECT_EQ(suite::DrawTableCounter(*cn, "lleno"), -1);
   EXPECT_EQ(CounterRow(*cn, "lleno"), 2147483647);  // the failed draw was rolled back
+  // A block must fit whole: none past the limit, the last one up to it.
+  cn->Execute("Insert Into genContadores (CntTabla, CntValor) Values ('casi', 2147483640)");
+  EXPECT_EQ(suite::ReserveTableCounter(*cn, "casi", 8), -1);
+  EXPECT_EQ(suite::ReserveTableCounter(*cn, "casi", 0), -1);
+  EXPECT_EQ(suite::ReserveTableCounter(*cn, "casi", 7), 2147483641);
+  EXPECT_EQ(CounterRow(*cn, "casi"), 2147483647);
   EXPECT_FALSE(cn->InTransaction());
 }
 

@@ -34,24 +34,27 @@ double StartValue(Connection& cn, std::string_view table) {
   return max.IsNull() || max.IsEmpty() ? 0 : vb::CDbl(max);
 }
 
-// Increments the table's counter row and reads the new value in one statement (each read of a
-// row updated many times in one transaction walks its versions); the values of the rows
+// Adds `count` to the table's counter row and reads the new value in one statement (each read
+// of a row updated many times in one transaction walks its versions); the values of the rows
 // changed (none when there is no row).
-std::vector<Variant> Increment(Connection& cn, const DbParams& name) {
-  // A counter at the largest 32-bit value is not incremented (PostgreSQL's integer column
-  // would refuse it): it gives no value, as a missing row that cannot be made does.
-  auto rs = cn.OpenResultset(
-      "Update genContadores Set CntValor = CntValor + 1 Where CntTabla = ? And CntValor < "
-      "2147483647 Returning CntValor",
-      name);
+std::vector<Variant> Increment(Connection& cn, const DbParams& name, int32_t count) {
+  // A counter that would pass the largest 32-bit value is not incremented (PostgreSQL's
+  // integer column would refuse it): it gives no value, as a missing row that cannot be made
+  // does. `count` is a positive number from this code, not from people: it goes in the text.
+  const std::string n = std::to_string(count);
+  auto rs = cn.OpenResultset("Update genContadores Set CntValor = CntValor + " + n +
+                                 " Where CntTabla = ? And CntValor <= 2147483647 - " + n +
+                                 " Returning CntValor",
+                             name);
   std::vector<Variant> values;
   for (; !rs->Eof(); rs->MoveNext()) values.push_back(rs->Get(0));
   return values;
 }
 
-int64_t Draw(Connection& cn, std::string_view table) {
+// The last value of a block of `count` values: the counter after the increment.
+int64_t Draw(Connection& cn, std::string_view table, int32_t count) {
   const DbParams name = {Variant(std::string(table))};
-  std::vector<Variant> values = Increment(cn, name);
+  std::vector<Variant> values = Increment(cn, name, count);
   if (values.empty()) {
     // No row yet. Another connection may be creating it at this very moment (PostgreSQL takes
     // no table lock), so the insert yields to an existing row instead of failing.
@@ -59,28 +62,35 @@ int64_t Draw(Connection& cn, std::string_view table) {
     cn.Execute(
         "Insert Into genContadores (CntTabla, CntValor) Values (?, ?) On Conflict Do Nothing",
         {Variant(std::string(table)), Variant(start)});
-    values = Increment(cn, name);
+    values = Increment(cn, name, count);
   }
   if (values.size() != 1) return -1;  // still none, or duplicated rows: no safe value
   const Variant& value = values.front();
   if (value.IsNull() || value.IsEmpty()) return -1;
   const double v = vb::CDbl(value);
-  if (v < 1 || v > std::numeric_limits<int32_t>::max()) return -1;
+  if (v < count || v > std::numeric_limits<int32_t>::max()) return -1;
   return static_cast<int64_t>(v);
 }
 
 }  // namespace
 
-int32_t DrawTableCounter(Connection& cn, std::string_view table) {
-  if (!IsPlainName(table)) return -1;
+int32_t ReserveTableCounter(Connection& cn, std::string_view table, int32_t count) {
+  if (!IsPlainName(table) || count < 1) return -1;
   // Inside the caller's transaction the draw is part of it (a failure there is the caller's to
   // roll back); otherwise it gets a transaction of its own, committed only with a value.
-  if (cn.InTransaction()) return static_cast<int32_t>(Draw(cn, table));
+  if (cn.InTransaction()) {
+    const int64_t last = Draw(cn, table, count);
+    return last < 0 ? -1 : static_cast<int32_t>(last - count + 1);
+  }
   Transaccion transaccion(cn);
-  const int64_t value = Draw(cn, table);
-  if (value < 0) return -1;
+  const int64_t last = Draw(cn, table, count);
+  if (last < 0) return -1;
   transaccion.Commit();
-  return static_cast<int32_t>(value);
+  return static_cast<int32_t>(last - count + 1);
+}
+
+int32_t DrawTableCounter(Connection& cn, std::string_view table) {
+  return ReserveTableCounter(cn, table, 1);
 }
 
 }  // namespace kivmovfrec::suite

@@ -25,4 +25,10 @@ namespace kivmovfrec::suite {
 // transaction is left for the caller to roll back).
 int32_t DrawTableCounter(Connection& cn, std::string_view table);
 
+// Draws `count` consecutive values of `table`'s counter at once, as DrawTableCounter draws one
+// (same transaction rules, same row creation), with a single UPDATE. Returns the first of them;
+// the caller owns first .. first + count - 1. -1 when `count` is less than 1, the name is not
+// a plain table name or the last value would not fit in 32 bits (nothing is drawn then).
+int32_t ReserveTableCounter(Connection& cn, std::string_view table, int32_t count);
+
 }  // namespace kivmovfrec::suite

@@ -108,6 +108,10 @@ int32_t DbFncs::GetTableCounter(std::string_view table) {
   return DrawTableCounter(*cn_, table);
 }
 
+int32_t DbFncs::ReserveTableCounter(std::string_view table, int32_t count) {
+  return suite::ReserveTableCounter(*cn_, table, count);
+}
+
 Variant DbFncs::GetSetting(std::string_view name) {
   return ReadSetting(*cn_, name);
 }

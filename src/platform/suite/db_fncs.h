@@ -18,7 +18,7 @@ namespace kivmovfrec::suite {
 std::optional<std::set<int32_t>> ParseUserList(std::string_view usuarios);
 
 // DBFncs over `cn`:
-//  - GetTableCounter: DrawTableCounter (counter.h).
+//  - GetTableCounter, ReserveTableCounter: DrawTableCounter, ReserveTableCounter (counter.h).
 //  - GetSetting: the genParametros row named `name` (trimmed, case ignored; the name is a bound
 //    value); ParValor when not Null, else ParTexto. So "Idioma", stored in ParValor, yields its
 //    number. A database failure throws its DbError.
@@ -37,6 +37,7 @@ class DbFncs final : public IDBFncs {
   DbFncs(std::shared_ptr<Connection> cn, std::shared_ptr<IMessages> help);
 
   int32_t GetTableCounter(std::string_view table) override;
+  int32_t ReserveTableCounter(std::string_view table, int32_t count) override;
   Variant GetSetting(std::string_view name) override;
   void ShowHelp(int context_id) override;
   bool VincularAvisos(int32_t aviso, const std::string& usuarios) override;

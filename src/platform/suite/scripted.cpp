@@ -101,6 +101,11 @@ int32_t ScriptedDBFncs::GetTableCounter(std::string_view table) {
   return DrawTableCounter(*cn_, table);
 }
 
+int32_t ScriptedDBFncs::ReserveTableCounter(std::string_view table, int32_t count) {
+  if (counters_fail_ || !IsPlainName(table)) return -1;
+  return suite::ReserveTableCounter(*cn_, table, count);
+}
+
 Variant ScriptedDBFncs::GetSetting(std::string_view name) {
   return ReadSetting(*cn_, name);
 }

@@ -98,6 +98,7 @@ class ScriptedDBFncs final : public IDBFncs {
   void CountersFail(bool fail) { counters_fail_ = fail; }
 
   int32_t GetTableCounter(std::string_view table) override;
+  int32_t ReserveTableCounter(std::string_view table, int32_t count) override;
   Variant GetSetting(std::string_view name) override;
   void ShowHelp(int context_id) override;
   bool VincularAvisos(int32_t aviso, const std::string& usuarios) override;
