@@ -134,7 +134,10 @@ class PgConnection final : public Connection {
 
   int64_t Execute(std::string_view sql, const DbParams& params) override {
     const std::string run = Prepare(sql, params.size());
-    if (MayChangeTables(run)) targets_.clear();
+    if (MayChangeTables(run)) {
+      targets_.clear();
+      tables_changed_in_transaction_ = session_->InTransaction();
+    }
     Result r = session_->Run(run, TextParams(params), run);
     const std::string_view tag = PQcmdStatus(r.get());
     for (std::string_view writer : {"INSERT", "UPDATE", "DELETE", "MERGE"}) {
@@ -144,10 +147,17 @@ class PgConnection final : public Connection {
   }
 
   void BeginTrans() override { levels_.Begin(); }
-  void CommitTrans() override { levels_.Commit(); }
+  void CommitTrans() override {
+    levels_.Commit();
+    if (!session_->InTransaction()) tables_changed_in_transaction_ = false;
+  }
   void RollbackTrans() override {
-    targets_.clear();  // a table created or changed in the level undone is as it was
+    // A table created or changed in the level undone is as it was: forget what was read of
+    // the tables since. Rolling back a level that changed no table (the common case: a
+    // savepoint around reads) keeps the answers.
+    if (tables_changed_in_transaction_) targets_.clear();
     levels_.Rollback();
+    if (!session_->InTransaction()) tables_changed_in_transaction_ = false;
   }
   int TransactionDepth() const override { return levels_.Depth(); }
   bool InTransaction() const override { return session_->InTransaction(); }
@@ -231,6 +241,9 @@ class PgConnection final : public Connection {
   std::shared_ptr<Session> session_;
   sql::TransactionLevels levels_;
   std::map<std::string, std::optional<WriteTarget>> targets_;  // by the table name as written
+  // A statement that may change tables ran in the open transaction: a rollback must forget
+  // the answers read since.
+  bool tables_changed_in_transaction_ = false;
 };
 
 }  // namespace
