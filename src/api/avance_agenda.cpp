@@ -49,11 +49,18 @@ std::string AvanceAgenda::SqlMarcarAvisosVistos(int32_t id, int16_t modalidad) {
          " And MFrEstado = 0 And MFrModalidad = " + std::to_string(modalidad);
 }
 
+bool AvanceAgenda::Reservar(int32_t id) {
+  if (const auto hecha = reservados_.find(id); hecha != reservados_.end()) return hecha->second;
+  const bool existe = cn_.Execute(SqlReservar(id)) > 0;
+  reservados_.emplace(id, existe);
+  return existe;
+}
+
 ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
   if (!hechos_.insert(id).second) return ResultadoOcurrencia::NoAplica;
 
   // The row is claimed before it is read (see the header): no row, nothing to mark.
-  if (cn_.Execute(SqlReservar(id)) == 0) return ResultadoOcurrencia::NoAplica;
+  if (!Reservar(id)) return ResultadoOcurrencia::NoAplica;
   clsRegMovimientoFrecuente mov(ctx_.Reloj());
   if (!storage::CargarMovimiento(cn_, id, mov)) return ResultadoOcurrencia::NoAplica;
   if (mov.Estado() != ToInt(enuEstadoMF::EnProceso)) return ResultadoOcurrencia::NoAplica;

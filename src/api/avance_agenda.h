@@ -24,6 +24,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -57,6 +58,11 @@ class AvanceAgenda {
   // processed by this object is not processed again (NoAplica).
   ResultadoOcurrencia Realizar(int32_t id);
 
+  // Claims the header row of movement `id` (SqlReservar) for the caller's transaction, once
+  // per object: a caller that claims the row before reading it (the main job) and then calls
+  // Realizar does not claim it twice. False when the movement has no row.
+  bool Reservar(int32_t id);
+
   // "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = " + id
   static std::string SqlReservar(int32_t id);
   // "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> " + id +
@@ -69,6 +75,7 @@ class AvanceAgenda {
   IDBFncs& dbf_;
   IDateCalculator& cal_;
   std::set<int32_t> hechos_;
+  std::map<int32_t, bool> reservados_;  // claimed rows: whether the row existed
 };
 
 }  // namespace kivmovfrec::api

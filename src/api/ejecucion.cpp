@@ -174,8 +174,9 @@ class Ejecutor {
     try {
       Transaccion transaccion(cn_);
       cn_.Execute(kSqlTomarTabla);
+      AvanceAgenda avance(ctx_, cn_, *calendario_);
       fila = true;
-      cn_.Execute(AvanceAgenda::SqlReservar(v.id));
+      avance.Reservar(v.id);
       fila = false;
       clsMFTipo mov(ctx_.servicios.clock);
       const bool existe = mov.Load(cn_, v.id);
@@ -196,7 +197,6 @@ class Ejecutor {
           }
         }
       }
-      AvanceAgenda avance(ctx_, cn_, *calendario_);
       const ResultadoOcurrencia hecho = avance.Realizar(v.id);
       if (hecho == ResultadoOcurrencia::NoAplica) {
         throw std::runtime_error("no se pudo avanzar su agenda");
