@@ -44,9 +44,7 @@ Date SoloDia(Date d) {
   return Date{static_cast<double>(Dia(d))};
 }
 
-std::string FechaCorta(Date d) {
-  return vb::FormatDate(d, "dd/mm/yyyy");
-}
+using formula::FechaCorta;
 
 // Carries the reason the run stops out of an occurrence.
 struct Detencion {

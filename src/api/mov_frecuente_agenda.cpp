@@ -11,11 +11,13 @@
 #include "api/avance_agenda.h"
 #include "api/ejecucion.h"
 #include "api/grupo_vinculado.h"
+#include "formula/funciones_fx.h"
 #include "kivmovfrec/mov_frecuente.h"
 #include "kivmovfrec/records.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
 #include "schedule/next_occurrence.h"
+#include "storage/columnas.h"
 #include "storage/tabla_recurrencias.h"
 
 namespace kivmovfrec {
@@ -32,10 +34,6 @@ struct Agendado {
   clsRegRecurrencia rec;
 };
 
-std::string Texto(const Variant& v) {
-  return v.IsNull() ? std::string() : vb::CStr(v);
-}
-
 // The company's pending movements that have a schedule row, by ID.
 std::vector<Agendado> LeerAgendados(Connection& cn, int32_t empresa) {
   std::vector<Agendado> lista;
@@ -48,18 +46,15 @@ std::vector<Agendado> LeerAgendados(Connection& cn, int32_t empresa) {
     a.id = vb::CLng(rs->Get("MFrID"));
     const Variant tipo = rs->Get("MFrTipo");
     a.tipo = tipo.IsNull() ? int16_t{0} : vb::CInt(tipo);
-    a.nombre = Texto(rs->Get("MFrNombre"));
-    a.memo = Texto(rs->Get("MFrMemo"));
+    a.nombre = storage::ATexto(rs->Get("MFrNombre"));
+    a.memo = storage::ATexto(rs->Get("MFrMemo"));
     storage::LeerRecurrencia(*rs, a.rec);
     lista.push_back(std::move(a));
   }
   return lista;
 }
 
-std::string FechaCorta(Date d) {
-  const vb::DateParts p = vb::Split(d);
-  return fmt::format("{:02}/{:02}/{:04}", p.day, p.month, p.year);
-}
+using formula::FechaCorta;
 
 // The occurrences of one schedule whose due or notice date falls in [desde, hasta] (by day).
 void Ocurrencias(const Agendado& a, Date desde, Date hasta, IDateCalculator& cal,
