@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kivmovfrec/controles.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/export.h"
 #include "kivmovfrec/variant.h"
@@ -40,6 +41,9 @@ struct KMF_API MessageRequest {
   MsgIcon icon = MsgIcon::None;
   MsgButtons buttons = MsgButtons::OK;
   int default_button = 1;  // 1 = first button, 2 = second
+  // Catalogue number of the text (of its first line when it has several); -1 for a text that
+  // is not one catalogue entry.
+  int numero = -1;
 };
 
 // Where the component's messages and help requests go. Messages are shown to a person (console,
@@ -182,6 +186,9 @@ struct KMF_API SuiteServices {
   std::shared_ptr<IClock> clock;
   std::shared_ptr<IAccountBalance> balance;
   std::shared_ptr<IDateCalculator> calendar;
+  // Where the dialogs get their forms (real windows, or a step script). Without one a dialog
+  // cannot be shown: the member that opens it says so and returns its zero value.
+  std::shared_ptr<controles::IFabricaFormularios> formularios;
 
   // Database-backed services over `cn` for user `usuario` (counters, settings, rights, balance),
   // console messages and input on stderr / stdin, the system clock (or a fixed "today"). The
