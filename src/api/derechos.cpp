@@ -35,9 +35,9 @@ bool TieneDerecho(IUserRights& derechos, int32_t empresa, std::string_view opcio
 }
 
 void MostrarSinDerechos(IMessages& mensajes, int16_t tipo, int idioma) {
-  mensajes.Show({resources::Lineas({msg::kSinDerechos, msg::kConsulteAdministrador}, idioma),
-                 std::string(resources::Texto(msg::TituloDeTipo(tipo), idioma)),
-                 MsgIcon::Exclamation, MsgButtons::OK, 1});
+  mensajes.Show(resources::Mensaje({msg::kSinDerechos, msg::kConsulteAdministrador},
+                                   msg::TituloDeTipo(tipo), MsgIcon::Exclamation, MsgButtons::OK,
+                                   idioma));
 }
 
 }  // namespace kivmovfrec::api

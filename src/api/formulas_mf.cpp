@@ -33,10 +33,9 @@ Date clsMovFrecuente::PrepararCalculoFx() {
 void clsMovFrecuente::AvisarSinResultado(int mensaje) {
   if (!ctx_.servicios.messages) return;
   try {
-    ctx_.servicios.messages->Show(
-        {std::string(resources::Texto(mensaje, Idioma())),
-         std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
-         MsgIcon::Exclamation, MsgButtons::OK, 1});
+    ctx_.servicios.messages->Show(resources::Mensaje({mensaje}, msg::kTituloMovimientosFrecuentes,
+                                                     MsgIcon::Exclamation, MsgButtons::OK,
+                                                     Idioma()));
   } catch (const std::exception&) {
   }
 }

@@ -148,10 +148,10 @@ void clsMovFrecuente::Reportar(int accion, const std::exception& e) {
   ultimo_error_ = DescribirError(e);
   if (!ctx_.servicios.messages) return;
   try {
-    ctx_.servicios.messages->Show(
-        {std::string(resources::Texto(accion, Idioma())) + "\n" + ultimo_error_,
-         std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
-         MsgIcon::Critical, MsgButtons::OK, 1});
+    MessageRequest m = resources::Mensaje({accion}, msg::kTituloMovimientosFrecuentes,
+                                          MsgIcon::Critical, MsgButtons::OK, Idioma());
+    m.text += "\n" + ultimo_error_;
+    ctx_.servicios.messages->Show(m);
   } catch (const std::exception&) {
   }
 }
@@ -270,12 +270,12 @@ bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
   if (!ctx_.cn) return false;
   try {
     const int idioma = Idioma();
-    const std::string titulo(resources::Texto(msg::kTituloMovimientosFrecuentes, idioma));
     if (bDisplayMsgQuestion) {
       const int pregunta = iEstado == enuEstadoMF::Papelera ? msg::kConfirmaEnviarPapelera
                                                             : msg::kConfirmaCambiarEstado;
-      if (ctx_.servicios.messages->Show({std::string(resources::Texto(pregunta, idioma)), titulo,
-                                         MsgIcon::Question, MsgButtons::YesNo, 1}) == kMsgNo) {
+      if (ctx_.servicios.messages->Show(
+              resources::Mensaje({pregunta}, msg::kTituloMovimientosFrecuentes, MsgIcon::Question,
+                                 MsgButtons::YesNo, idioma)) == kMsgNo) {
         return false;
       }
     }
@@ -290,9 +290,8 @@ bool clsMovFrecuente::CambiarEstadoMF(int32_t lIDMF, enuEstadoMF iEstado,
       }
       if (mov.MovVinculado() >= 1) {
         ctx_.servicios.messages->Show(
-            {std::string(resources::Texto(msg::kNoEliminarVinculado, idioma)),
-             std::string(resources::Texto(msg::TituloDeTipo(tipo), idioma)), MsgIcon::Exclamation,
-             MsgButtons::OK, 1});
+            resources::Mensaje({msg::kNoEliminarVinculado}, msg::TituloDeTipo(tipo),
+                               MsgIcon::Exclamation, MsgButtons::OK, idioma));
         return false;
       }
     }
@@ -318,9 +317,8 @@ bool clsMovFrecuente::DeleteRegistroMFConfirmar(int32_t lIDMF) {
       return false;
     }
     if (ctx_.servicios.messages->Show(
-            {std::string(resources::Texto(msg::kConfirmaEliminarRegistro, idioma)),
-             std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, idioma)),
-             MsgIcon::Question, MsgButtons::YesNo, 2}) == kMsgNo) {
+            resources::Mensaje({msg::kConfirmaEliminarRegistro}, msg::kTituloMovimientosFrecuentes,
+                               MsgIcon::Question, MsgButtons::YesNo, idioma, 2)) == kMsgNo) {
       return false;
     }
     Transaccion transaccion(*ctx_.cn);

@@ -52,4 +52,10 @@ std::string Lineas(std::initializer_list<int> numeros, int idioma) {
   return resultado;
 }
 
+MessageRequest Mensaje(std::initializer_list<int> lineas, int titulo, MsgIcon icono,
+                       MsgButtons botones, int idioma, int boton_por_defecto) {
+  return {Lineas(lineas, idioma), std::string(Texto(titulo, idioma)),  icono, botones,
+          boton_por_defecto,      lineas.size() ? *lineas.begin() : -1};
+}
+
 }  // namespace kivmovfrec::resources

@@ -42,6 +42,8 @@
 #include <string>
 #include <string_view>
 
+#include "kivmovfrec/services.h"
+
 namespace kivmovfrec::resources {
 
 // One row of the catalogue. `bordes` marks a text that begins or ends with a blank on purpose
@@ -73,5 +75,11 @@ std::string Texto(int n, int idioma, std::string_view p);
 
 // Several texts joined by "\n", for messages shown on more than one line.
 std::string Lineas(std::initializer_list<int> numeros, int idioma = 1);
+
+// A catalogue message as the message service takes it: the lines `lineas` (see Lineas) under
+// the caption numbered `titulo`, with its icon, buttons and default button; the request carries
+// the number of its first line.
+MessageRequest Mensaje(std::initializer_list<int> lineas, int titulo, MsgIcon icono,
+                       MsgButtons botones, int idioma, int boton_por_defecto = 1);
 
 }  // namespace kivmovfrec::resources

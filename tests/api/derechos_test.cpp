@@ -20,6 +20,7 @@ TEST_P(Estados, SinLaLetraSeRechazaConElTituloDelTipo) {
   EXPECT_FALSE(mf.CambiarEstadoMF(6, enuEstadoMF::Realizado, false));  // voucher: no rights
   ASSERT_EQ(Mensajes().size(), 2u);
   EXPECT_EQ(Mensajes()[0].request.text, kSinDerechos);
+  EXPECT_EQ(Mensajes()[0].request.numero, 870) << "a step script reports the catalogue number";
   EXPECT_EQ(Mensajes()[0].request.caption, "Asistente de Asientos");
   EXPECT_EQ(Mensajes()[0].request.icon, MsgIcon::Exclamation);
   EXPECT_EQ(Mensajes()[0].request.buttons, MsgButtons::OK);
