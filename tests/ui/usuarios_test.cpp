@@ -1,8 +1,10 @@
 // The user picker's data: which users are offered, how a choice ticks them, what is handed back.
 #include <gtest/gtest.h>
 
+#include "kivmovfrec/guion.h"
 #include "support/demo_engine.h"
 #include "ui/user_picker/eleccion_usuarios.h"
+#include "ui/user_picker/frm_find_user.h"
 
 namespace kivmovfrec::ui {
 namespace {
@@ -49,6 +51,42 @@ TEST_P(SelectorUsuarios, NamesAreTrimmedAndNullsReadAsEmpty) {
   EXPECT_EQ(filas[0].identificacion, "aaa");
   EXPECT_EQ(filas[0].nombre, "Ana ");
   EXPECT_EQ(Elegidos(filas).identificaciones, "aaa");
+}
+
+// The dialog, played by a step script: rows are admin, cfernandez, jperez.
+TEST_P(SelectorUsuarios, TheDialogHandsBackWhatIsTickedOnlyOnAccept) {
+  const auto correr = [&](const char* guion, std::string_view codigos) {
+    auto g = GuionDialogos::Leer(guion);
+    SuiteServices s;
+    g->Instalar(s);
+    auto r = frmFindUser(*cn, s, 1).Mostrar(codigos);
+    EXPECT_EQ(g->Informe().error, "") << guion;
+    return std::pair{r, g->Informe()};
+  };
+  auto [elegidos, informe] = correr(R"([
+      {"tildar": "vsGrid", "fila": 1, "columna": "Para"},
+      {"tildar": "vsGrid", "fila": 3, "columna": "Para", "valor": false},
+      {"pulsar": "Ayuda"}, {"pulsar": "&Aceptar"}])",
+                                    "2, 77");
+  ASSERT_TRUE(elegidos);
+  EXPECT_EQ(elegidos->codigos, "1");
+  EXPECT_EQ(elegidos->identificaciones, "admin");
+  EXPECT_EQ(informe.ayuda, std::vector<int>{330});
+
+  EXPECT_FALSE(correr(R"([{"tildar": "vsGrid", "fila": 1, "columna": "Para"},
+                          {"pulsar": "bfCancel"}])",
+                      "2")
+                   .first)
+      << "Cancelar hands nothing back";
+  EXPECT_FALSE(correr(R"([{"cerrar": true}])", "2").first);
+
+  // Only the tick can be edited.
+  auto g = GuionDialogos::Leer(R"([{"escribir": "vsGrid", "fila": 1, "columna": "Nombre",
+                                    "texto": "x"}])");
+  SuiteServices s;
+  g->Instalar(s);
+  EXPECT_FALSE(frmFindUser(*cn, s, 1).Mostrar("2"));
+  EXPECT_NE(g->Informe().error.find("no se escribe en la columna"), std::string::npos);
 }
 
 KMF_INSTANTIATE_ENGINES(SelectorUsuarios);
