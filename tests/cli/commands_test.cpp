@@ -3,10 +3,14 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <map>
 #include <regex>
+#include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -369,8 +373,8 @@ TEST_P(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
     EXPECT_FALSE(tiene(ausente)) << ausente;
   }
 
-  // The iCalendar file: one VEVENT per entry with the required properties, unique UIDs, text
-  // escaped.
+  // The iCalendar file: one VEVENT per due date with the required properties, text escaped; the
+  // notice is the event's alarm.
   const std::vector<std::string> lines = IcsLines(Slurp(ics, false));
   ASSERT_GE(lines.size(), 3u);
   EXPECT_EQ(lines.front(), "BEGIN:VCALENDAR");
@@ -381,24 +385,60 @@ TEST_P(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
     return static_cast<size_t>(std::count_if(
         lines.begin(), lines.end(), [&](const auto& l) { return std::regex_match(l, re); }));
   };
+  // Each event's UID begins with its movement and due day.
+  const auto uid = [](const Json& e) {
+    const std::string f = e["FechaVencimiento"].get<std::string>();
+    return fmt::format("mf{}-{}{}{}-e1-", e["ID"].get<int>(), f.substr(6, 4), f.substr(3, 2),
+                       f.substr(0, 2));
+  };
+  std::set<std::string> vencimientos;
+  for (const Json& e : agenda) vencimientos.insert(uid(e));
   for (const char* patron :
        {"BEGIN:VEVENT", "END:VEVENT", "UID:.+", "SUMMARY:.+", R"(DTSTAMP:\d{8}T\d{6}Z)",
         R"(DTSTART(;VALUE=DATE:\d{8}|:\d{8}T\d{6}))"}) {
-    EXPECT_EQ(cuantas(patron), agenda.size()) << patron;
+    EXPECT_EQ(cuantas(patron), vencimientos.size()) << patron;
   }
-  std::vector<std::string> uids;
-  std::copy_if(lines.begin(), lines.end(), std::back_inserter(uids),
-               [](const auto& l) { return l.starts_with("UID:"); });
-  std::sort(uids.begin(), uids.end());
-  EXPECT_EQ(std::adjacent_find(uids.begin(), uids.end()), uids.end()) << "UID repetido";
   for (const char* linea :
        {"SUMMARY:Vencimiento: Revisión de ascensores\\, escaleras\\; y montacargas \\\\ del "
         "depósito de la calle Güemes número 1234",
-        "DTSTART:20261120T100000", "DTSTART;VALUE=DATE:20261110"}) {
+        "DTSTART:20261120T100000", "DTSTART;VALUE=DATE:20261110", "ACTION:DISPLAY"}) {
     EXPECT_NE(std::find(lines.begin(), lines.end(), linea), lines.end()) << linea;
   }
-  // The comment, on its notice and its due date.
-  EXPECT_EQ(cuantas(R"(DESCRIPTION:Abono de &\[FMes-1\]\\nSegunda línea\\n.*)"), 2u);
+  EXPECT_EQ(cuantas(R"(DESCRIPTION:Abono de &\[FMes-1\]\\nSegunda línea\\n.*)"), 1u);
+
+  // python3-icalendar reads this export and a second one: the same events under the same UIDs,
+  // one alarm for each notified due date, its trigger the notice's distance from the start
+  // (mov. 1 five days, 8 postponed one day, the new one 2.5 days; 3 and 22 notify nothing).
+  ASSERT_EQ(
+      Run({"agenda", "--desde", "2026-11-10", "--hasta", "20/12/2026", "--ics", ics + "2"}).status,
+      0);
+  const int leido =
+      std::system((kmf_cli::Quote(KMF_PYTHON3) + " " +
+                   kmf_cli::Quote(std::string(KMF_SOURCE_DIR) + "/tests/cli/ics_check.py") + " " +
+                   kmf_cli::Quote(ics) + " " + kmf_cli::Quote(ics + "2") + " > " +
+                   kmf_cli::Quote(base_ + ".py") + " 2>&1")
+                      .c_str());
+  const std::string salida = Slurp(base_ + ".py");
+  ASSERT_EQ(leido, 0) << salida;
+  std::map<std::string, std::string> disparo;  // UID's movement and day -> trigger
+  std::istringstream en(salida);
+  for (std::string u, inicio, t; en >> u >> inicio >> t;)
+    disparo[u.substr(0, u.find("-e1-") + 4)] = t;
+  EXPECT_EQ(disparo.size(), vencimientos.size()) << salida;
+  for (const Json& e : agenda) {
+    if (e["Evento"] != "Vencimiento") {
+      EXPECT_NE(disparo[uid(e)], "-") << uid(e);
+    }
+  }
+  const std::pair<std::string, const char*> esperados[] = {
+      {"mf1-20261110-e1-", "-432000"},
+      {"mf1-20261210-e1-", "-432000"},
+      {"mf8-20261120-e1-", "-172800"},
+      {"mf8-20261220-e1-", "-259200"},
+      {fmt::format("mf{}-20261125-e1-", nuevo), "-216000"},
+      {"mf3-20261120-e1-", "-"},
+      {"mf22-20261113-e1-", "-"}};
+  for (const auto& [u, t] : esperados) EXPECT_EQ(disparo[u], t) << u << "\n" << salida;
 
   // Default range: today (--hoy) and the next 30 days; a text table for people.
   const Json defecto = RunJson({"agenda"});
