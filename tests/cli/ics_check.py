@@ -1,10 +1,9 @@
 """Reads iCalendar files written by movfrec agenda --ics with the icalendar package.
 
-Usage: ics_check.py FILE [FILE...]. Prints one line per event of the first file: its UID, its
-start (ISO form) and the TRIGGER of its alarm in seconds from the start ("-" when it has none).
-Exits 1, saying why on stderr, when a file does not parse, an event has no UID, a UID repeats,
-an event has more than one alarm or an alarm lacks ACTION, DESCRIPTION or a duration TRIGGER,
-or when the files do not hold the same events (UID, start and alarm).
+Usage: ics_check.py FILE [FILE...]. Prints one line per event of the first file: UID, start (ISO)
+and the TRIGGER of its alarm in seconds from the start ("-" without alarm). Exits 1, saying why,
+when a file does not parse, an event has no UID, a UID repeats, an event has two alarms, an alarm
+lacks ACTION:DISPLAY, a DESCRIPTION or a duration TRIGGER, or the files hold other events.
 """
 import datetime
 import sys
@@ -12,45 +11,32 @@ import sys
 from icalendar import Calendar
 
 
-def fail(message):
-    print(message, file=sys.stderr)
-    sys.exit(1)
-
-
 def events(path):
     with open(path, "rb") as f:
         calendar = Calendar.from_ical(f.read())
     found = []
     for event in calendar.walk("VEVENT"):
-        if "UID" not in event:
-            fail(f"{path}: an event without UID")
-        uid = str(event["UID"])
+        uid = str(event.get("UID", ""))
         alarms = [c for c in event.subcomponents if c.name == "VALARM"]
-        if len(alarms) > 1:
-            fail(f"{path}: {uid} has {len(alarms)} alarms")
+        if not uid or len(alarms) > 1:
+            sys.exit(f"{path}: an event without UID or with {len(alarms)} alarms: {uid}")
         trigger = "-"
         for alarm in alarms:
-            if str(alarm.get("ACTION")) != "DISPLAY" or not str(alarm.get("DESCRIPTION", "")):
-                fail(f"{path}: the alarm of {uid} lacks ACTION:DISPLAY or DESCRIPTION")
             delta = alarm.decoded("TRIGGER")
-            if not isinstance(delta, datetime.timedelta):
-                fail(f"{path}: the alarm of {uid} is not relative to the start")
+            if (str(alarm.get("ACTION")) != "DISPLAY" or not str(alarm.get("DESCRIPTION", ""))
+                    or not isinstance(delta, datetime.timedelta)):
+                sys.exit(f"{path}: the alarm of {uid} is incomplete or not relative to the start")
             trigger = str(int(delta.total_seconds()))
         found.append((uid, event.decoded("DTSTART").isoformat(), trigger))
-    uids = [e[0] for e in found]
-    if len(set(uids)) != len(uids):
-        fail(f"{path}: a UID repeats")
+    if len({e[0] for e in found}) != len(found):
+        sys.exit(f"{path}: a UID repeats")
     return found
 
 
-def main(paths):
-    first = events(paths[0])
-    for other in paths[1:]:
+if __name__ == "__main__":
+    first = events(sys.argv[1])
+    for other in sys.argv[2:]:
         if events(other) != first:
-            fail(f"{paths[0]} and {other} hold different events")
+            sys.exit(f"{sys.argv[1]} and {other} hold different events")
     for uid, start, trigger in first:
         print(uid, start, trigger)
-
-
-if __name__ == "__main__":
-    main(sys.argv[1:])
