@@ -2,10 +2,13 @@
 // date in a range, for every pending scheduled movement, notice and task list of the company
 // (clsMovFrecuente::Agenda, kivmovfrec/agenda.h). With --importes each due date of an entry or
 // voucher shows the debit total it would post, or "Error" when a formula has no result; JSON
-// adds the lines' amounts. Schedules the library could not step are named on stderr.
+// adds the lines' amounts. Schedules the library could not step are named on stderr. The
+// iCalendar file has one event per due date, its notice as the event's alarm.
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -46,19 +49,49 @@ Json EventoJson(const OcurrenciaAgenda& e) {
           {"FechaVencimiento", FechaTexto(e.vencimiento)}};
 }
 
-EventoIcs EventoCalendario(const OcurrenciaAgenda& e, int32_t empresa) {
-  EventoIcs ics;
-  ics.uid = fmt::format("mf{}-{}-{}-e{}@movfrec.kivmovfrec", e.movimiento, e.ocurrencia,
-                        e.aviso ? "aviso" : "vto", empresa);
-  ics.inicio = e.fecha;
-  ics.resumen =
-      e.aviso ? fmt::format("Notificación: {} (vence el {})", e.nombre, FechaTexto(e.vencimiento))
-              : fmt::format("Vencimiento: {}", e.nombre);
-  ics.descripcion = e.memo;
-  if (!ics.descripcion.empty()) ics.descripcion += "\n";
-  ics.descripcion +=
-      fmt::format("{} {}, ocurrencia {}", TipoTexto(e.tipo), e.movimiento, e.ocurrencia);
-  return ics;
+// What names the database in the events' UIDs: the SQLite file's absolute path, or the
+// PostgreSQL server and database without the user, the password or the parameters, so that a
+// changed password or another working folder keeps every UID.
+std::string IdentidadBase(const std::string& uri) {
+  if (uri.starts_with("sqlite:") && uri != "sqlite::memory:") {
+    std::error_code ec;
+    const std::filesystem::path ruta = std::filesystem::weakly_canonical(uri.substr(7), ec);
+    return "sqlite:" + (ec ? uri.substr(7) : ruta.string());
+  }
+  std::string resto = uri;
+  if (const size_t esquema = resto.find("://"); esquema != std::string::npos) {
+    const size_t arroba = resto.find('@', esquema + 3);
+    const size_t barra = resto.find('/', esquema + 3);
+    if (arroba != std::string::npos && (barra == std::string::npos || arroba < barra)) {
+      resto.erase(esquema + 3, arroba + 1 - (esquema + 3));
+    }
+  }
+  return resto.substr(0, resto.find('?'));
+}
+
+// One event per due date (the agenda lists a notified one twice, on its notice date and on its
+// due date; either may fall outside the range): the event starts at the due date, and its notice
+// is the event's alarm.
+std::vector<EventoIcs> EventosCalendario(const std::vector<OcurrenciaAgenda>& agenda,
+                                         int32_t empresa, const std::string& base) {
+  std::vector<EventoIcs> eventos;
+  std::set<std::string> vistos;
+  for (const OcurrenciaAgenda& e : agenda) {
+    EventoIcs ics;
+    ics.uid = UidVencimiento(e.movimiento, e.vencimiento, empresa, base);
+    if (!vistos.insert(ics.uid).second) continue;
+    ics.inicio = e.vencimiento;
+    ics.resumen = fmt::format("Vencimiento: {}", e.nombre);
+    ics.descripcion = e.memo;
+    if (!ics.descripcion.empty()) ics.descripcion += "\n";
+    ics.descripcion +=
+        fmt::format("{} {}, ocurrencia {}", TipoTexto(e.tipo), e.movimiento, e.ocurrencia);
+    ics.alarma = e.notificacion;
+    ics.alarma_texto =
+        fmt::format("Notificación: {} (vence el {})", e.nombre, FechaTexto(e.vencimiento));
+    eventos.push_back(std::move(ics));
+  }
+  return eventos;
 }
 
 Json ImportesJson(const ImportesAgenda& r) {
@@ -112,9 +145,8 @@ Action Setup(CLI::App& app) {
     }
     const std::vector<OcurrenciaAgenda>& eventos = agenda.ocurrencias;
     if (!args->ics.empty()) {
-      std::vector<EventoIcs> ics;
-      for (const OcurrenciaAgenda& e : eventos)
-        ics.push_back(EventoCalendario(e, ctx.options().empresa));
+      const std::vector<EventoIcs> ics =
+          EventosCalendario(eventos, ctx.options().empresa, IdentidadBase(ctx.options().db));
       std::ofstream out(args->ics, std::ios::binary | std::ios::trunc);
       out << Calendario(ics, SelloUtcAhora());
       out.close();

@@ -19,7 +19,46 @@ std::string Inicio(Date d) {
                      p.minute, p.second);
 }
 
+// Seconds since 1970-01-01 of a local date-time, read from its calendar fields.
+int64_t Segundos(Date d) {
+  const vb::DateParts p = vb::Split(d);
+  const std::chrono::sys_days dia{std::chrono::year{p.year} / p.month / p.day};
+  return int64_t{dia.time_since_epoch().count()} * 86400 + p.hour * 3600 + p.minute * 60 + p.second;
+}
+
+// FNV-1a, 64 bits: the same text gives the same value on every platform and run.
+uint64_t Huella(std::string_view texto) {
+  uint64_t h = 14695981039346656037ull;
+  for (unsigned char c : texto) {
+    h ^= c;
+    h *= 1099511628211ull;
+  }
+  return h;
+}
+
 }  // namespace
+
+std::string UidVencimiento(int32_t movimiento, Date vencimiento, int32_t empresa,
+                           std::string_view base) {
+  const vb::DateParts p = vb::Split(vencimiento);
+  return fmt::format("mf{}-{:04}{:02}{:02}-e{}-{:016x}@movfrec.kivmovfrec", movimiento, p.year,
+                     p.month, p.day, empresa, Huella(base));
+}
+
+std::string Duracion(int64_t segundos) {
+  std::string out = segundos < 0 ? "-P" : "P";
+  uint64_t resto = segundos < 0 ? -static_cast<uint64_t>(segundos) : segundos;
+  const uint64_t dias = resto / 86400;
+  resto %= 86400;
+  if (dias > 0) out += fmt::format("{}D", dias);
+  if (resto > 0 || dias == 0) {
+    out += "T";
+    if (resto >= 3600) out += fmt::format("{}H", resto / 3600);
+    if (resto % 3600 >= 60) out += fmt::format("{}M", resto % 3600 / 60);
+    if (resto % 60 > 0 || resto == 0) out += fmt::format("{}S", resto % 60);
+  }
+  return out;
+}
 
 std::string EscaparTexto(std::string_view texto) {
   std::string out;
@@ -90,6 +129,13 @@ std::string Calendario(const std::vector<EventoIcs>& eventos, std::string_view s
     out += Plegar(Inicio(e.inicio));
     out += Plegar("SUMMARY:" + EscaparTexto(e.resumen));
     if (!e.descripcion.empty()) out += Plegar("DESCRIPTION:" + EscaparTexto(e.descripcion));
+    if (e.alarma) {
+      out += Plegar("BEGIN:VALARM");
+      out += Plegar("ACTION:DISPLAY");
+      out += Plegar("DESCRIPTION:" + EscaparTexto(e.alarma_texto));
+      out += Plegar("TRIGGER:" + Duracion(Segundos(*e.alarma) - Segundos(e.inicio)));
+      out += Plegar("END:VALARM");
+    }
     out += Plegar("END:VEVENT");
   }
   out += Plegar("END:VCALENDAR");

@@ -359,7 +359,8 @@ void LeerAgenda(Lector& l, clsRegRecurrencia& r, IDateCalculator& calendario) {
     if (!frecuencia) {
       l.Error(l.Ruta("Frecuencia"),
               "se esperaba un código de frecuencia de seis dígitos (\"000000\" una vez, "
-              "\"000007\" semanal, \"200001\" mensual...), no " +
+              "\"000007\" semanal, \"200001\" mensual, \"421001\" el segundo lunes de cada "
+              "mes...), no " +
                   Lector::Describir(*f));
     }
   } else if (l.valido()) {
@@ -377,7 +378,7 @@ void LeerAgenda(Lector& l, clsRegRecurrencia& r, IDateCalculator& calendario) {
   // disagrees with them would be lost, and is refused.
   if (frecuencia) {
     r.Frecuencia(schedule::FormatFrequencyCode(frecuencia->code()));
-    const int32_t u = static_cast<int32_t>(frecuencia->unit);
+    const int32_t u = frecuencia->recordUnit();
     if (unidad && *unidad != u) {
       l.Error(l.Ruta("TipoRecurrencia"),
               fmt::format("{} no coincide con la Frecuencia {} (unidad {})", *unidad,
@@ -407,6 +408,22 @@ void LeerAgenda(Lector& l, clsRegRecurrencia& r, IDateCalculator& calendario) {
       l.Error(l.Ruta("Posponer"),
               fmt::format("{} no coincide con Postergado {} (Posponer es Postergado redondeado)",
                           *posponer, Corto(r.Postergado())));
+    }
+  }
+  // A schedule that starts on its due date must start on a date its code falls due on: with a
+  // rule or a move off the weekend the count and the last date are worked out from the first
+  // date the code gives, which would then not be the first occurrence.
+  const auto proxima = vb::ParseDate(r.FechaProxima());
+  const auto inicio = vb::ParseDate(r.FechaInicio());
+  if (frecuencia && proxima && (!inicio || vb::DateOnly(*inicio) == vb::DateOnly(*proxima))) {
+    const Date primera = schedule::FirstDueDate(*frecuencia, *proxima);
+    if (vb::DateOnly(primera) != vb::DateOnly(*proxima)) {
+      l.Error(l.Ruta("FechaProxima"),
+              fmt::format("el {} no es un vencimiento de la frecuencia {} ({}): el primero desde "
+                          "esa fecha es el {}",
+                          FechaTexto(vb::DateOnly(*proxima)), r.Frecuencia(),
+                          calendario.DescribirFrecuencia(r.Frecuencia()),
+                          FechaTexto(vb::DateOnly(primera))));
     }
   }
   if (veces && *veces > 0 && frecuencia) {
@@ -543,8 +560,7 @@ nlohmann::ordered_json MovimientoJson(const clsMFTipo& mf) {
     const auto frecuencia = schedule::ParseFrequency(r.Frecuencia());
     agenda["CantidadVeces"] = r.CantidadVeces();
     agenda["CadaCuanto"] = frecuencia ? frecuencia->step : r.CadaCuanto();
-    agenda["TipoRecurrencia"] =
-        frecuencia ? static_cast<int>(frecuencia->unit) : ToInt(r.TipoRecurrencia());
+    agenda["TipoRecurrencia"] = frecuencia ? frecuencia->recordUnit() : ToInt(r.TipoRecurrencia());
     agenda["EraNotificacion"] = FechaDeTexto(r.EraNotificacion());
     agenda["Postergado"] = Corto(r.Postergado());
     agenda["Posponer"] = r.Posponer();

@@ -16,7 +16,8 @@
 // JSON boolean; numbers as JSON numbers (single-precision fields written with their shortest
 // decimal form, so 2.6 stays 2.6); texts as strings ("" when empty, never null). The schedule's
 // members that have no column of their own are written as the stored ones give them:
-// TipoRecurrencia and CadaCuanto are the unit and step of Frecuencia, Notificar is 1 when
+// TipoRecurrencia and CadaCuanto are the unit and step of Frecuencia (for the calendar rules of
+// units 4 and 5, kivmovfrec/frecuencia.h, the unit is 2: they count months), Notificar is 1 when
 // NotificarDias is above 0, Posponer is Postergado rounded, CantidadVeces is 0 (the end of a
 // stored schedule is its FechaFinal).
 //
@@ -38,7 +39,10 @@
 //     FechaFinal that IDateCalculator::CalcularFinal gives from the first date (FechaInicio, else
 //     FechaProxima, without its time), as the screens work it out; it is refused when a given
 //     FechaFinal yields another count, when the code yields another count (once only), and
-//     with SinVencimiento 1.
+//     with SinVencimiento 1;
+//   - a schedule whose FechaProxima is its first date (no FechaInicio, or the same day) on a
+//     date its code does not fall on (schedule::FirstDueDate): a Saturday moved to Monday, the
+//     1st for the second Monday of every month.
 // Missing keys take the value of a new record (a missing FechaEstado is "now"); "Recurrencia"
 // missing is null, "Renglones" missing is []. Null is accepted for texts ("") and dates (none).
 // Ignored on input, whatever they hold (their type is still checked): the lines' joined fields

@@ -8,6 +8,7 @@ packages=(
   libfmt-dev nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev
   qt6-base-dev xvfb xauth
+  python3-icalendar
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -37,6 +37,9 @@ struct KMF_API OcurrenciaAgenda {
   std::string memo;        // MFrMemo
   int32_t ocurrencia = 0;  // the schedule's occurrence number of that due date
   Date vencimiento{};      // the due date it belongs to (= fecha for a due date)
+  // The notice moment of that due date when the schedule notifies (NotificarDias above 0), on
+  // both entries of the occurrence and whether or not it falls in the range.
+  std::optional<Date> notificacion;
   // Asked for, on due dates of entries (Tipo 1, 4) and vouchers (Tipo 2) only.
   std::optional<ImportesAgenda> importes;
 };

@@ -71,8 +71,8 @@ void Ocurrencias(const Agendado& a, Date desde, Date hasta, IDateCalculator& cal
     const Date xd = vb::DateOnly(x);
     return xd >= desde && xd <= hasta;
   };
-  auto evento = [&](Date fecha, bool aviso, int32_t n, Date vence) {
-    r.ocurrencias.push_back({fecha, aviso, a.id, a.tipo, a.nombre, a.memo, n, vence, {}});
+  auto evento = [&](Date fecha, bool aviso, int32_t n, Date vence, std::optional<Date> nota) {
+    r.ocurrencias.push_back({fecha, aviso, a.id, a.tipo, a.nombre, a.memo, n, vence, nota, {}});
   };
 
   for (int paso = 0; paso < kMaxOcurrencias; ++paso) {
@@ -83,8 +83,8 @@ void Ocurrencias(const Agendado& a, Date desde, Date hasta, IDateCalculator& cal
         antelacion > 0 ? std::optional<Date>(
                              Date{d.serial - antelacion + (paso == 0 ? rec.Postergado() : 0.0)})
                        : std::nullopt;
-    if (en_rango(d)) evento(d, false, n, d);
-    if (aviso && en_rango(*aviso)) evento(*aviso, true, n, d);
+    if (en_rango(d)) evento(d, false, n, d, aviso);
+    if (aviso && en_rango(*aviso)) evento(*aviso, true, n, d, aviso);
     if (vb::DateOnly(d) > hasta && (!aviso || vb::DateOnly(*aviso) > hasta)) break;
 
     schedule::AfterOccurrence siguiente;

@@ -11,10 +11,18 @@
 //   31/03, 30/04; from 30/01/2024 29/02, 30/03, 30/04; from 28/01/2023 28/02, 28/03; yearly
 //   from 29/02/2024 28/02/2025, 28/02/2026, 28/02/2027, 29/02/2028. A due date of a schedule
 //   started on the 31st that was moved to the 15th steps to the 15th from then on.
+// - Rule units 4 and 5 (n-th weekday, last business day of every k months): from a date on the
+//   rule, the rule's date k months on; from any other date (a start, a date moved by hand) the
+//   rule's first date after it. The start plays no part.
+// - Units 6 and 7 (a plain unit moved off the weekend): the due date's unmoved date is found
+//   among itself and the weekend days moved onto it - the earliest that belongs to the series
+//   started on the start date, or the due date itself when none does - and the plain series
+//   steps on from it until its moved date falls after the due date. Every 1 or 2 days, two
+//   unmoved dates can move onto one day; it is one due date.
 // - ProximaFecha, which is given no start, anchors on the date it steps from.
 // - A once-only code (step 0) has no next date: the date given comes back.
 // - CalcularFinal steps from its start date, anchored on it, and works on dates without their
-//   time of day.
+//   time of day. Its first occurrence is FirstDueDate(start) (kivmovfrec/frecuencia.h).
 // An unreadable code makes ProximaFecha, ProximaFechaAnclada and CalcularFinal throw
 // VbError(5); DescribirFrecuencia returns "" for it.
 #pragma once
@@ -40,7 +48,9 @@ class IFrequencyEditor {
 // the day of the month of `inicio` matters).
 Date NextDate(const Frequency& f, Date inicio, Date fecha);
 // The frequency in words: "Una sola vez", "Todos los días", "Cada 15 días", "Todas las
-// semanas", "Todos los meses", "Cada 2 meses", "Todos los años", ...
+// semanas", "Todos los meses", "Cada 2 meses", "Todos los años", "El segundo lunes de cada mes",
+// "El último día hábil de cada 3 meses", "Todos los meses, o el día hábil siguiente si cae en
+// sábado o domingo", ...
 std::string Describe(const Frequency& f);
 
 class DateCalculator : public IDateCalculator {

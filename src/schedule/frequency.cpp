@@ -32,9 +32,60 @@ std::string_view TrimBlanks(std::string_view s) {
 
 }  // namespace
 
+int32_t Frequency::code() const {
+  const int32_t u = static_cast<int32_t>(unit);
+  switch (unit) {
+    case FrequencyUnit::WeekdayOfMonth:
+      return u * 100000 + ordinal * 10000 + weekday * 1000 + step;
+    case FrequencyUnit::LastBusinessDay:
+      return u * 100000 + step;
+    default:
+      if (shift == WeekendShift::None) return u * 100000 + step;
+      return static_cast<int32_t>(shift) * 100000 + u * 10000 + step;
+  }
+}
+
+int Frequency::recordUnit() const {
+  return unit == FrequencyUnit::WeekdayOfMonth || unit == FrequencyUnit::LastBusinessDay
+             ? static_cast<int>(FrequencyUnit::Months)
+             : static_cast<int>(unit);
+}
+
 std::optional<Frequency> FrequencyFromCode(int32_t code) {
-  if (code < 0 || code > 3 * 100000 + kMaxStep) return std::nullopt;
-  return Frequency{static_cast<FrequencyUnit>(code / 100000), code % 100000};
+  if (code < 0 || code > 999999) return std::nullopt;
+  const int unit = code / 100000;
+  const int32_t rest = code % 100000;
+  Frequency f;
+  switch (unit) {
+    case 0:
+    case 1:
+    case 2:
+    case 3:
+      return Frequency{static_cast<FrequencyUnit>(unit), rest};
+    case 4:
+      f.unit = FrequencyUnit::WeekdayOfMonth;
+      f.ordinal = rest / 10000;
+      f.weekday = rest / 1000 % 10;
+      f.step = rest % 1000;
+      if ((f.ordinal < 1 || f.ordinal > 4) && f.ordinal != kLastWeekday) return std::nullopt;
+      if (f.weekday < 1 || f.weekday > 7) return std::nullopt;
+      break;
+    case 5:
+      f.unit = FrequencyUnit::LastBusinessDay;
+      f.step = rest;
+      break;
+    case 6:
+    case 7:
+      f.shift = static_cast<WeekendShift>(unit);
+      if (rest / 10000 > 3) return std::nullopt;
+      f.unit = static_cast<FrequencyUnit>(rest / 10000);
+      f.step = rest % 10000;
+      break;
+    default:
+      return std::nullopt;
+  }
+  if (f.step == 0) return std::nullopt;  // a rule or a moved date only makes sense repeated
+  return f;
 }
 
 std::optional<Frequency> ParseFrequency(std::string_view text) {

@@ -3,10 +3,14 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <map>
 #include <regex>
+#include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -125,6 +129,18 @@ TEST_P(MovfrecComandos, ImportCreatesAndReplaces) {
       {"FechaProxima", "31/01/2024"}, {"Frecuencia", "200001"}, {"CantidadVeces", 4}};
   RunJson({"importar", Write(cambio.dump())});
   EXPECT_EQ(Ver(id)["Recurrencia"]["FechaFinal"], "30/04/2024");
+
+  // Three second Mondays from 08/01/2024 end on 11/03/2024, kept as a monthly unit; a first due
+  // date the rule does not fall on is refused, naming the one it does.
+  cambio["Recurrencia"] = {
+      {"FechaProxima", "08/01/2024"}, {"Frecuencia", "421001"}, {"CantidadVeces", 3}};
+  RunJson({"importar", Write(cambio.dump())});
+  EXPECT_EQ(Ver(id)["Recurrencia"]["FechaFinal"], "11/03/2024");
+  EXPECT_EQ(Ver(id)["Recurrencia"]["TipoRecurrencia"], 2);
+  cambio["Recurrencia"]["FechaProxima"] = "01/01/2024";
+  ExpectFails({"importar", Write(cambio.dump())}, 1,
+              ".Recurrencia.FechaProxima: el 01/01/2024 no es un vencimiento de la frecuencia "
+              "421001 (El segundo lunes de cada mes): el primero desde esa fecha es el 08/01/2024");
 }
 
 // A movement or a company that does not exist: exit 1, a clear message, nothing on stdout.
@@ -357,8 +373,8 @@ TEST_P(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
     EXPECT_FALSE(tiene(ausente)) << ausente;
   }
 
-  // The iCalendar file: one VEVENT per entry with the required properties, unique UIDs, text
-  // escaped.
+  // The iCalendar file: one VEVENT per due date with the required properties, text escaped; the
+  // notice is the event's alarm.
   const std::vector<std::string> lines = IcsLines(Slurp(ics, false));
   ASSERT_GE(lines.size(), 3u);
   EXPECT_EQ(lines.front(), "BEGIN:VCALENDAR");
@@ -369,24 +385,60 @@ TEST_P(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
     return static_cast<size_t>(std::count_if(
         lines.begin(), lines.end(), [&](const auto& l) { return std::regex_match(l, re); }));
   };
+  // Each event's UID begins with its movement and due day.
+  const auto uid = [](const Json& e) {
+    const std::string f = e["FechaVencimiento"].get<std::string>();
+    return fmt::format("mf{}-{}{}{}-e1-", e["ID"].get<int>(), f.substr(6, 4), f.substr(3, 2),
+                       f.substr(0, 2));
+  };
+  std::set<std::string> vencimientos;
+  for (const Json& e : agenda) vencimientos.insert(uid(e));
   for (const char* patron :
        {"BEGIN:VEVENT", "END:VEVENT", "UID:.+", "SUMMARY:.+", R"(DTSTAMP:\d{8}T\d{6}Z)",
         R"(DTSTART(;VALUE=DATE:\d{8}|:\d{8}T\d{6}))"}) {
-    EXPECT_EQ(cuantas(patron), agenda.size()) << patron;
+    EXPECT_EQ(cuantas(patron), vencimientos.size()) << patron;
   }
-  std::vector<std::string> uids;
-  std::copy_if(lines.begin(), lines.end(), std::back_inserter(uids),
-               [](const auto& l) { return l.starts_with("UID:"); });
-  std::sort(uids.begin(), uids.end());
-  EXPECT_EQ(std::adjacent_find(uids.begin(), uids.end()), uids.end()) << "UID repetido";
   for (const char* linea :
        {"SUMMARY:Vencimiento: Revisión de ascensores\\, escaleras\\; y montacargas \\\\ del "
         "depósito de la calle Güemes número 1234",
-        "DTSTART:20261120T100000", "DTSTART;VALUE=DATE:20261110"}) {
+        "DTSTART:20261120T100000", "DTSTART;VALUE=DATE:20261110", "ACTION:DISPLAY"}) {
     EXPECT_NE(std::find(lines.begin(), lines.end(), linea), lines.end()) << linea;
   }
-  // The comment, on its notice and its due date.
-  EXPECT_EQ(cuantas(R"(DESCRIPTION:Abono de &\[FMes-1\]\\nSegunda línea\\n.*)"), 2u);
+  EXPECT_EQ(cuantas(R"(DESCRIPTION:Abono de &\[FMes-1\]\\nSegunda línea\\n.*)"), 1u);
+
+  // python3-icalendar reads this export and a second one: the same events under the same UIDs,
+  // one alarm for each notified due date, its trigger the notice's distance from the start
+  // (mov. 1 five days, 8 postponed one day, the new one 2.5 days; 3 and 22 notify nothing).
+  ASSERT_EQ(
+      Run({"agenda", "--desde", "2026-11-10", "--hasta", "20/12/2026", "--ics", ics + "2"}).status,
+      0);
+  const int leido =
+      std::system((kmf_cli::Quote(KMF_PYTHON3) + " " +
+                   kmf_cli::Quote(std::string(KMF_SOURCE_DIR) + "/tests/cli/ics_check.py") + " " +
+                   kmf_cli::Quote(ics) + " " + kmf_cli::Quote(ics + "2") + " > " +
+                   kmf_cli::Quote(base_ + ".py") + " 2>&1")
+                      .c_str());
+  const std::string salida = Slurp(base_ + ".py");
+  ASSERT_EQ(leido, 0) << salida;
+  std::map<std::string, std::string> disparo;  // UID's movement and day -> trigger
+  std::istringstream en(salida);
+  for (std::string u, inicio, t; en >> u >> inicio >> t;)
+    disparo[u.substr(0, u.find("-e1-") + 4)] = t;
+  EXPECT_EQ(disparo.size(), vencimientos.size()) << salida;
+  for (const Json& e : agenda) {
+    if (e["Evento"] != "Vencimiento") {
+      EXPECT_NE(disparo[uid(e)], "-") << uid(e);
+    }
+  }
+  const std::pair<std::string, const char*> esperados[] = {
+      {"mf1-20261110-e1-", "-432000"},
+      {"mf1-20261210-e1-", "-432000"},
+      {"mf8-20261120-e1-", "-172800"},
+      {"mf8-20261220-e1-", "-259200"},
+      {fmt::format("mf{}-20261125-e1-", nuevo), "-216000"},
+      {"mf3-20261120-e1-", "-"},
+      {"mf22-20261113-e1-", "-"}};
+  for (const auto& [u, t] : esperados) EXPECT_EQ(disparo[u], t) << u << "\n" << salida;
 
   // Default range: today (--hoy) and the next 30 days; a text table for people.
   const Json defecto = RunJson({"agenda"});
@@ -401,27 +453,45 @@ TEST_P(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
   EXPECT_TRUE(Has(vacio.out, "No hay vencimientos ni avisos")) << vacio.out;
 }
 
-// The agenda lists the very due dates that marking each occurrence done walks through.
+// The agenda lists the very due dates that marking each occurrence done walks through: monthly
+// from the 30th, and monthly on the 31st moved to Monday off the weekend (31/01/2026 is a
+// Saturday, so its Monday is after the last date).
 TEST_P(MovfrecComandos, AgendaListsTheDatesRealizarWalksThrough) {
-  Json mov = Json::parse(kNuevo);
-  Json& rec = mov["Recurrencia"];
-  rec["FechaInicio"] = rec["FechaProxima"] = "30/01/2024";
-  rec["FechaFinal"] = "30/06/2024";
-  rec["NumOcurrencia"] = 1;
-  const Json id = RunJson({"importar", Write(mov.dump())})[0]["ID"];
-  std::vector<std::string> agenda, realizadas = {"30/01/2024"};
-  for (const Json& e : RunJson({"agenda", "--desde", "2024-01-01", "--hasta", "2024-12-31"})) {
-    if (e["ID"] == id && e["Evento"] == "Vencimiento") agenda.push_back(e["Fecha"]);
+  const struct {
+    const char *code, *start, *last;
+    std::vector<std::string> due;
+  } casos[] = {
+      {"200001",
+       "30/01/2024",
+       "30/06/2024",
+       {"30/01/2024", "29/02/2024", "30/03/2024", "30/04/2024", "30/05/2024", "30/06/2024"}},
+      {"620001",
+       "31/08/2025",
+       "31/01/2026",
+       {"01/09/2025", "30/09/2025", "31/10/2025", "01/12/2025", "31/12/2025"}},
+  };
+  for (const auto& c : casos) {
+    Json mov = Json::parse(kNuevo);
+    Json& rec = mov["Recurrencia"];
+    rec["Frecuencia"] = c.code;
+    rec["FechaInicio"] = c.start;
+    rec["FechaProxima"] = c.due.front();
+    rec["FechaFinal"] = c.last;
+    rec["NumOcurrencia"] = 1;
+    const Json id = RunJson({"importar", Write(mov.dump())})[0]["ID"];
+    std::vector<std::string> agenda, realizadas = {c.due.front()};
+    for (const Json& e : RunJson({"agenda", "--desde", "2024-01-01", "--hasta", "2026-12-31"})) {
+      if (e["ID"] == id && e["Evento"] == "Vencimiento") agenda.push_back(e["Fecha"]);
+    }
+    for (int i = 0; i < 12; ++i) {  // until the last occurrence, which leaves it done
+      const Json r = RunJson({"realizar", id.dump()});
+      EXPECT_EQ(r["Estado"], r.value("UltimaOcurrencia", true) ? 1 : 0);
+      if (r.value("UltimaOcurrencia", true)) break;
+      realizadas.push_back(r["FechaProxima"]);
+    }
+    EXPECT_EQ(agenda, c.due) << c.code;
+    EXPECT_EQ(realizadas, c.due) << c.code;
   }
-  for (int i = 0; i < 12; ++i) {  // until the last occurrence, which leaves it done
-    const Json r = RunJson({"realizar", id.dump()});
-    EXPECT_EQ(r["Estado"], r.value("UltimaOcurrencia", true) ? 1 : 0);
-    if (r.value("UltimaOcurrencia", true)) break;
-    realizadas.push_back(r["FechaProxima"]);
-  }
-  EXPECT_EQ(agenda, realizadas);
-  EXPECT_EQ(agenda.size(), 6u);
-  EXPECT_EQ(agenda.at(2), "30/03/2024");  // back on the 30th after February
 }
 
 // The main job posts what falls due once, even after an old export rewinds the schedules.

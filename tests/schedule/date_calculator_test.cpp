@@ -72,12 +72,62 @@ TEST(CalcularFinal, CountGivesLastDateAndBack) {
   EXPECT_EQ(std::pair(n, Text(last)), std::pair(1, std::string("01/03/2024 00:00")));
 }
 
-TEST(DescribirFrecuencia, SpanishSentences) {
+// Every readable code is described; the refused ones ("" here) cannot be stepped either.
+TEST(DescribirFrecuencia, SpanishSentencesAndRefusedCodes) {
   DateCalculator calc;
   const std::pair<const char*, const char*> cases[] = {
-      {"000000", "Una sola vez"},      {"000014", "Cada 2 semanas"}, {"000015", "Cada 15 días"},
-      {"100001", "Todas las semanas"}, {"200002", "Cada 2 meses"},   {"xyz", ""}};
+      {"000000", "Una sola vez"},
+      {"000014", "Cada 2 semanas"},
+      {"000015", "Cada 15 días"},
+      {"100001", "Todas las semanas"},
+      {"200002", "Cada 2 meses"},
+      {"421001", "El segundo lunes de cada mes"},
+      {"495002", "El último viernes de cada 2 meses"},
+      {"437012", "El tercer domingo de cada 12 meses"},
+      {"500003", "El último día hábil de cada 3 meses"},
+      {"620001", "Todos los meses, o el día hábil siguiente si cae en sábado o domingo"},
+      {"700015", "Cada 15 días, o el día hábil anterior si cae en sábado o domingo"},
+  };
   for (const auto& [code, text] : cases) EXPECT_EQ(calc.DescribirFrecuencia(code), text) << code;
+  // No fifth Monday in most months; a weekday 0 or 8; no step; a moved rule; unit 8.
+  for (const char* code : {"451001", "402001", "418001", "410001", "412000", "500000", "600000",
+                           "640001", "800001", "xyz"}) {
+    EXPECT_EQ(calc.DescribirFrecuencia(code), "") << code;
+    EXPECT_THROW(calc.ProximaFecha(code, *D("01/01/2024")), VbError) << code;
+  }
+  // The record's TipoRecurrencia of a rule counts months; a moved unit keeps its own.
+  EXPECT_EQ(ParseFrequency("495002")->recordUnit(), 2);
+  EXPECT_EQ(ParseFrequency("730001")->recordUnit(), 3);
+  EXPECT_EQ(ParseFrequency("495002")->code(), 495002);
+  EXPECT_EQ(ParseFrequency("610002")->code(), 610002);
+}
+
+// Due dates from a start, through the calculator a schedule steps with: the first date on or
+// after the start, then ProximaFechaAnclada. The start's time of day stays on every date.
+TEST(ProximaFechaAnclada, RulesAndWeekendMovesFromTheirStart) {
+  const struct {
+    const char *code, *start;
+    std::vector<const char*> due;
+  } cases[] = {
+      {"421001", "01/01/2024 18:30", {"08/01/2024", "12/02/2024", "11/03/2024"}},
+      {"500001", "01/08/2026 18:30", {"31/08/2026", "30/09/2026", "30/10/2026"}},
+      {"500001", "01/05/2026 18:30", {"29/05/2026", "30/06/2026"}},
+      // Monthly on the 31st: moved dates do not pull the series off the 31st.
+      {"620001", "31/08/2025 18:30", {"01/09/2025", "30/09/2025", "31/10/2025", "01/12/2025"}},
+      {"720001", "31/05/2026 18:30", {"29/05/2026", "30/06/2026", "31/07/2026"}},
+      // Daily moved: Saturday and Sunday fall due with Monday, or with Friday, once.
+      {"600001", "09/01/2026 18:30", {"09/01/2026", "12/01/2026", "13/01/2026"}},
+      {"700001", "08/01/2026 18:30", {"08/01/2026", "09/01/2026", "12/01/2026"}},
+  };
+  DateCalculator calc;
+  for (const auto& c : cases) {
+    const Date start = *D(c.start);
+    Date d = FirstDueDate(*ParseFrequency(c.code), start);
+    for (const char* due : c.due) {
+      EXPECT_EQ(Text(d), std::string(due) + " 18:30") << c.code << " from " << c.start;
+      d = calc.ProximaFechaAnclada(c.code, vb::DateOnly(start), d);
+    }
+  }
 }
 
 struct ScriptedEditor : IFrequencyEditor {
@@ -112,31 +162,78 @@ year_month_day Oracle(int32_t code, year_month_day start, int n) {
   return ym / std::min(start.day(), (ym / last).day());
 }
 
-TEST(NextOccurrence, WalksMonthEndsAndLeapYearsAsTheDirectCalendarDoes) {
-  std::vector<int32_t> codes = {10, 100002, 200005, 300002};  // composed by a user
+// All due dates up to `fin`, from chrono's calendar: the plain units by Oracle above; a rule's
+// date in each month from the start's, the first on or after the start, then every k months; a
+// moved code moves each date of its plain code off the weekend and drops repeats.
+std::vector<year_month_day> Oracle(int32_t code, year_month_day start, year_month_day fin) {
+  const int unit = code / 100000;
+  std::vector<year_month_day> out;
+  if (unit <= 3 || unit >= 6) {
+    const int32_t plain = unit <= 3 ? code : code % 100000 / 10000 * 100000 + code % 10000;
+    for (int n = 0; sys_days{Oracle(plain, start, n)} <= sys_days{fin} + days{2}; ++n) {
+      sys_days d{Oracle(plain, start, n)};
+      if (unit >= 6 && weekday{d} == Saturday) d += days{unit == 6 ? 2 : -1};
+      if (unit >= 6 && weekday{d} == Sunday) d += days{unit == 6 ? 1 : -2};
+      if (d <= sys_days{fin} && (out.empty() || sys_days{out.back()} != d)) out.push_back(d);
+    }
+    return out;
+  }
+  auto rule = [&](year_month ym) {
+    if (unit == 5) {
+      sys_days d{ym / last};
+      while (weekday{d} == Saturday || weekday{d} == Sunday) d -= days{1};
+      return year_month_day{d};
+    }
+    const weekday wd{unsigned(code / 1000 % 10)};
+    const unsigned ordinal = code / 10000 % 10;
+    return ordinal == 9 ? year_month_day{ym / wd[last]} : year_month_day{ym / wd[ordinal]};
+  };
+  year_month ym = start.year() / start.month();
+  if (rule(ym) < start) ym += months{1};
+  for (const months k{unit == 4 ? code % 1000 : code % 100000}; rule(ym) <= fin; ym += k) {
+    out.push_back(rule(ym));
+  }
+  return out;
+}
+
+// A schedule walked occurrence by occurrence to its last date gives the calendar's dates over
+// month ends, leap years and weekends, and CalcularFinal agrees with the walk both ways.
+TEST(NextOccurrence, WalksAsTheDirectCalendar) {
+  std::vector<int32_t> codes = {10,     100002, 200005, 300002, 421001, 495002, 417003,
+                                443001, 500001, 500002, 620001, 720001, 600001, 700001,
+                                600007, 610002, 630001, 730001, 600010, 720003};
   for (const FrequencyEntry& e : FrequencyCatalogue()) {
     if (e.code > 0) codes.push_back(e.code);
   }
-  const year_month_day starts[] = {2023y / 1 / 28, 2023y / 1 / 31,  2024y / 1 / 29,
-                                   2024y / 1 / 30, 2024y / 1 / 31,  2024y / 2 / 29,
-                                   2023y / 8 / 31, 2023y / 11 / 30, 2025y / 5 / 15};
-  const year_month_day fin = 2030y / 12 / 31;
+  const year_month_day starts[] = {2023y / 1 / 28,  2023y / 1 / 31, 2024y / 1 / 29, 2024y / 1 / 30,
+                                   2024y / 1 / 31,  2024y / 2 / 29, 2023y / 8 / 31, 2023y / 11 / 30,
+                                   2025y / 5 / 15,  2024y / 1 / 1,  2025y / 8 / 31, 2026y / 5 / 31,
+                                   2023y / 12 / 30, 2026y / 1 / 16};
+  const year_month_day fin = 2028y / 12 / 31;
   DateCalculator calc;
   for (int32_t code : codes) {
     for (const year_month_day start : starts) {
+      const std::string codigo = FormatFrequencyCode(code);
       SCOPED_TRACE(fmt::format("{} from {}", code, Text(At(start))));
-      Schedule s{FormatFrequencyCode(code), At(start, 9, 30), At(start, 9, 30), 1, 0, At(fin)};
-      int n = 0;
-      for (;; ++n) {
-        ASSERT_EQ(Text(s.due), Text(At(Oracle(code, start, n), 9, 30))) << "occurrence " << n + 1;
+      const std::vector<year_month_day> expected = Oracle(code, start, fin);
+      const Date first = FirstDueDate(*ParseFrequency(codigo), At(start, 9, 30));
+      Schedule s{codigo, At(start, 9, 30), first, 1, 0, At(fin)};
+      for (size_t n = 0;; ++n) {
+        ASSERT_LT(n, expected.size());
+        ASSERT_EQ(Text(s.due), Text(At(expected[n], 9, 30))) << "occurrence " << n + 1;
         const AfterOccurrence r = NextOccurrence(s, calc);
-        if (r.ended) break;
+        if (r.ended) {
+          EXPECT_EQ(n + 1, expected.size());
+          break;
+        }
         s.due = r.due;
         s.occurrence = r.occurrence;
         s.count = r.count;
       }
-      // The last occurrence is the last one on or before the last date.
-      EXPECT_TRUE(Oracle(code, start, n) <= fin && Oracle(code, start, n + 1) > fin);
+      EXPECT_EQ(UltimaDe(codigo, Text(At(start)).c_str(), int32_t(expected.size())),
+                Text(At(expected.back())));
+      EXPECT_EQ(OcurrenciasHasta(codigo, Text(At(start)).c_str(), Text(At(fin)).c_str()),
+                int32_t(expected.size()));
     }
   }
 }
