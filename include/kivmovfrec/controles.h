@@ -49,6 +49,8 @@ enum class ClaseControl {
 
 using Evento = std::function<void()>;
 
+enum class Alineacion { Izquierda, Centro, Derecha };
+
 class KMF_API IControl {
  public:
   virtual ~IControl() = default;
@@ -131,7 +133,9 @@ class KMF_API IBoton : public IControl {
 class KMF_API IGrilla : public IControl {
  public:
   // Columns and their headers, as VB's FormatString: "|Ítems|" is an untitled column, a
-  // column "Ítems" and an untitled one. Replaces every column and clears the rows.
+  // column "Ítems" and an untitled one; a header beginning with "<", "^" or ">" aligns its
+  // column left, centred or right (the mark is not part of the header). Replaces every column
+  // and clears the rows.
   virtual void Columnas(std::string_view formato) = 0;
   virtual int CantidadColumnas() const = 0;
   virtual std::string Encabezado(int columna) const = 0;
@@ -143,8 +147,8 @@ class KMF_API IGrilla : public IControl {
   // A person may type into (or tick) the cells of an editable column.
   virtual void ColumnaEditable(int columna, bool editable) = 0;
   virtual bool ColumnaEditable(int columna) const = 0;
-  // Right-aligned columns (amounts).
-  virtual void ColumnaDerecha(int columna, bool derecha) = 0;
+  virtual void ColumnaAlineacion(int columna, Alineacion alineacion) = 0;
+  virtual Alineacion ColumnaAlineacion(int columna) const = 0;
 
   virtual int Filas() const = 0;
   // Appends a row and returns its index.

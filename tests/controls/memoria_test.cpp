@@ -19,7 +19,7 @@ void Controles(Formulario& g) {
   g.CrearTexto("tOtro", 2);
   g.CrearLista("cfFrecuencia", 1).Agregar("&Mensual", 200001);
   IGrilla& gr = g.CrearGrilla("vsItems");
-  gr.Columnas("|Ítems|Id");
+  gr.Columnas("|Ítems|>Id");
   gr.ColumnaCasilla(0, true);
   gr.ColumnaEditable(0, true);
   gr.ColumnaEditable(1, true);
@@ -103,6 +103,8 @@ TEST(FormularioMemoria, GridRowsOnViewListCaptionsAndButtonsByCaption) {
     gr.AlCambiarFila([&] { ++filas_cambiadas; });
     gr.AlEditarCelda([&](int f, int c) { editadas.emplace_back(f, c); });
     gr.FilaOculta(0, true);  // "uno" deleted from view
+    EXPECT_EQ(gr.Encabezado(2), "Id") << "the alignment mark is not part of the header";
+    EXPECT_EQ(gr.ColumnaAlineacion(2), Alineacion::Derecha);
     h.SeleccionarFila("vsItems", 1);
     EXPECT_EQ(gr.Celda(gr.Fila(), 1), "dos") << "row 1 is the first row on view";
     h.TildarCelda("vsItems", 2, "1", true);  // column by number

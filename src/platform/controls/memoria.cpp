@@ -216,7 +216,16 @@ class Grilla final : public ControlDe<IGrilla> {
     columnas_.clear();
     filas_.clear();
     fila_ = -1;
-    for (const std::string& h : vb::Split(formato, "|")) columnas_.push_back({h});
+    for (const std::string& h : vb::Split(formato, "|")) {
+      Columna_ c{h};
+      if (!h.empty() && (h[0] == '<' || h[0] == '^' || h[0] == '>')) {
+        c.alineacion = h[0] == '<'   ? Alineacion::Izquierda
+                       : h[0] == '^' ? Alineacion::Centro
+                                     : Alineacion::Derecha;
+        c.encabezado.erase(0, 1);
+      }
+      columnas_.push_back(std::move(c));
+    }
   }
   int CantidadColumnas() const override { return static_cast<int>(columnas_.size()); }
   std::string Encabezado(int c) const override { return Col(c).encabezado; }
@@ -226,7 +235,8 @@ class Grilla final : public ControlDe<IGrilla> {
   bool ColumnaCasilla(int c) const override { return Col(c).casilla; }
   void ColumnaEditable(int c, bool v) override { Col(c).editable = v; }
   bool ColumnaEditable(int c) const override { return Col(c).editable; }
-  void ColumnaDerecha(int c, bool v) override { Col(c).derecha = v; }
+  void ColumnaAlineacion(int c, Alineacion a) override { Col(c).alineacion = a; }
+  Alineacion ColumnaAlineacion(int c) const override { return Col(c).alineacion; }
 
   int Filas() const override { return static_cast<int>(filas_.size()); }
   int AgregarFila() override {
@@ -301,7 +311,7 @@ class Grilla final : public ControlDe<IGrilla> {
     bool oculta = false;
     bool casilla = false;
     bool editable = false;
-    bool derecha = false;
+    Alineacion alineacion = Alineacion::Izquierda;
   };
   struct Fila_ {
     std::vector<std::string> celdas;

@@ -34,8 +34,11 @@ LecturaVinculos LeerVinculos(std::string_view texto) {
       out.error = Error(msg::kVinculosParInvalido, par);
       break;
     }
-    const auto id =
-        LeerEnteroPositivo(pieza.substr(0, dos_puntos), std::numeric_limits<int32_t>::max());
+    // Id 0 stands for the movement being edited while it has no id yet.
+    const std::string_view id_texto = pieza.substr(0, dos_puntos);
+    const auto id = RecortarBlancos(id_texto) == "0"
+                        ? std::optional<int32_t>(0)
+                        : LeerEnteroPositivo(id_texto, std::numeric_limits<int32_t>::max());
     const std::string_view orden_texto = pieza.substr(dos_puntos + 1);
     const auto orden = LeerEnteroPositivo(orden_texto, std::numeric_limits<int32_t>::max());
     if (!id || !orden) {

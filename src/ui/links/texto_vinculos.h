@@ -23,7 +23,7 @@ namespace kivmovfrec::ui {
 inline constexpr int32_t kOrdenMaximo = 255;
 
 struct Vinculo {
-  int32_t id = 0;     // MFrID, ≥ 1
+  int32_t id = 0;     // MFrID; 0 only for the movement being edited while it is new
   int32_t orden = 0;  // MFrMVOrden, 1..kOrdenMaximo
   friend bool operator==(const Vinculo&, const Vinculo&) = default;
 };
