@@ -259,6 +259,12 @@ class KMF_API clsMovFrecuente {
   // dFechaMF (formula/leyenda.h); "" before Connect or on error.
   std::string InterpretarFormulaLeyenda(std::string_view sLeyenda, Date dFechaMF);
 
+  // Opens the frequency editor of the date calculator in use (the suite's own shows
+  // frmFrecuencia through the services' form factory) and returns the code composed with its
+  // description ("200002 Cada 2 meses"); "" when cancelled, before Connect, or when no dialog can
+  // be shown (the error is kept in UltimoError).
+  std::string EditarFrecuencia();
+
   // The trace of the last formula member's calculation (host wiring, not part of the type
   // library): date used, every line's elements with the origin of each value, amounts, totals.
   const TrazaCalculoFx& UltimaTrazaFx() const { return traza_fx_; }

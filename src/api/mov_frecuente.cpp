@@ -20,6 +20,7 @@
 #include "storage/contador.h"
 #include "storage/parametros.h"
 #include "storage/tabla_movimientos.h"
+#include "ui/frequency/frm_frecuencia.h"
 
 namespace kivmovfrec {
 namespace {
@@ -167,8 +168,21 @@ clsEmpresa& clsMovFrecuente::EmpresaContexto() {
 
 IDateCalculator& clsMovFrecuente::Calendario() {
   if (ctx_.servicios.calendar) return *ctx_.servicios.calendar;
-  if (!calendario_propio_) calendario_propio_ = std::make_unique<schedule::DateCalculator>();
+  if (!calendario_propio_)
+    calendario_propio_ =
+        std::make_unique<schedule::DateCalculator>(std::make_shared<ui::frmFrecuencia>(ctx_));
   return *calendario_propio_;
+}
+
+std::string clsMovFrecuente::EditarFrecuencia() {
+  ultimo_error_.clear();
+  if (!ctx_.cn) return "";
+  try {
+    return Calendario().EditarFrecuencia();
+  } catch (const std::exception& e) {
+    ultimo_error_ = e.what();
+    return "";
+  }
 }
 
 void clsMovFrecuente::CleanEstructura() {

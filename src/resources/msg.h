@@ -205,6 +205,38 @@ inline constexpr int kIngreseCaracteristica = 684;
 inline constexpr int kTituloSeleccionUsuarios = 690;
 inline constexpr int kEncabezadoUsuarios = 691;
 
+// --- Frequency editor (own numbers) ------------------------------------------------------------
+inline constexpr int kTituloFrecuencia = 700;
+inline constexpr int kCapRepetir = 701;
+inline constexpr int kUnidadDias = 702;  // list entries of kCapRepetir, in code-unit order
+inline constexpr int kUnidadSemanas = 703;
+inline constexpr int kUnidadMeses = 704;
+inline constexpr int kUnidadAnios = 705;
+inline constexpr int kUnidadDiaDeLaSemana = 706;
+inline constexpr int kUnidadUltimoDiaHabil = 707;
+inline constexpr int kCapCada = 708;
+inline constexpr int kCapOrdinal = 709;
+inline constexpr int kOrdinalPrimer = 710;  // 710-713 first to fourth, then kOrdinalUltimo
+inline constexpr int kOrdinalSegundo = 711;
+inline constexpr int kOrdinalTercer = 712;
+inline constexpr int kOrdinalCuarto = 713;
+inline constexpr int kOrdinalUltimo = 714;
+inline constexpr int kCapDiaSemana = 715;
+inline constexpr int kLunes = 716;  // 716-722 Monday to Sunday
+inline constexpr int kMartes = 717;
+inline constexpr int kMiercoles = 718;
+inline constexpr int kJueves = 719;
+inline constexpr int kViernes = 720;
+inline constexpr int kSabado = 721;
+inline constexpr int kDomingo = 722;
+inline constexpr int kCapFinDeSemana = 723;
+inline constexpr int kNoMover = 724;
+inline constexpr int kDiaHabilSiguiente = 725;
+inline constexpr int kDiaHabilAnterior = 726;
+inline constexpr int kCapDesde = 727;
+inline constexpr int kCapProximos = 728;
+inline constexpr int kAyudaCada = 729;
+
 // --- Questions ---------------------------------------------------------------------------------
 inline constexpr int kConfirmaGrabarAsiento = 801;
 inline constexpr int kConfirmaGrabarComprobante = 802;
