@@ -4,7 +4,9 @@
 // voucher shows the debit total it would post, or "Error" when a formula has no result; JSON
 // adds the lines' amounts. Schedules the library could not step are named on stderr.
 #include <fstream>
+#include <map>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -61,6 +63,28 @@ EventoIcs EventoCalendario(const OcurrenciaAgenda& e, int32_t empresa) {
   return ics;
 }
 
+// The items of the task list an occurrence belongs to, as to-dos due with it. Items in the bin
+// stay out; an item is shown done only on its list's current occurrence (marking an occurrence
+// done sets every item done, so later occurrences start open).
+void TareasDeLista(const OcurrenciaAgenda& e, const ListaTareas& lista, int32_t empresa,
+                   std::vector<TareaIcs>& tareas) {
+  for (const ItemListaTareas& it : lista.items) {
+    if (it.en_papelera && !it.realizado) continue;
+    TareaIcs t;
+    t.uid =
+        fmt::format("it{}-mf{}-{}-e{}@movfrec.kivmovfrec", it.id, lista.id, e.ocurrencia, empresa);
+    t.vence = e.fecha;
+    t.resumen = it.nombre;
+    t.descripcion = it.comentario;
+    if (!t.descripcion.empty()) t.descripcion += "\n";
+    t.descripcion += fmt::format("Lista de tareas {}: {}", lista.id, lista.nombre);
+    if (it.precede != 0) t.descripcion += fmt::format("; precede a {}", it.precede_nombre);
+    t.prioridad = 2 * it.importancia - 1;  // importance 1..5 onto PRIORITY 1, 3, 5, 7, 9
+    t.completada = it.realizado && e.ocurrencia == lista.num_ocurrencia;
+    tareas.push_back(std::move(t));
+  }
+}
+
 Json ImportesJson(const ImportesAgenda& r) {
   Json renglones = Json::array();
   for (const TrazaLineaFx& l : r.traza.lineas) {
@@ -113,10 +137,17 @@ Action Setup(CLI::App& app) {
     const std::vector<OcurrenciaAgenda>& eventos = agenda.ocurrencias;
     if (!args->ics.empty()) {
       std::vector<EventoIcs> ics;
-      for (const OcurrenciaAgenda& e : eventos)
+      std::vector<TareaIcs> tareas;
+      std::map<int32_t, std::optional<ListaTareas>> listas;
+      for (const OcurrenciaAgenda& e : eventos) {
         ics.push_back(EventoCalendario(e, ctx.options().empresa));
+        if (e.aviso || e.tipo != ToInt(enuTipoMovFrec::CheckList)) continue;
+        auto [lista, nueva] = listas.try_emplace(e.movimiento);
+        if (nueva) lista->second = fachada->CargarListaTareas(e.movimiento);
+        if (lista->second) TareasDeLista(e, *lista->second, ctx.options().empresa, tareas);
+      }
       std::ofstream out(args->ics, std::ios::binary | std::ios::trunc);
-      out << Calendario(ics, SelloUtcAhora());
+      out << Calendario(ics, SelloUtcAhora(), tareas);
       out.close();
       if (!out) return Rechazo(ctx, "agenda", "no se pudo escribir el archivo " + args->ics);
     }

@@ -1,4 +1,5 @@
-// Writing iCalendar files (RFC 5545) for the agenda: one VCALENDAR with one VEVENT per entry.
+// Writing iCalendar files (RFC 5545) for the agenda: one VCALENDAR with one VEVENT per entry
+// and one VTODO per task-list item that falls due.
 //
 // Lines end in CRLF and are folded at 75 octets (continuation lines start with one blank; a
 // UTF-8 character is never split). TEXT values escape "\", ";", "," and line breaks.
@@ -19,8 +20,20 @@ struct EventoIcs {
   std::string descripcion;  // DESCRIPTION ("" = none)
 };
 
-// The whole file. `sello` is the DTSTAMP in UTC, "aaaammddThhmmssZ".
-std::string Calendario(const std::vector<EventoIcs>& eventos, std::string_view sello);
+// One item of a task list on one due date of its list.
+struct TareaIcs {
+  std::string uid;          // unique and stable for the same item and occurrence
+  Date vence;               // DUE: a date alone at midnight, else local date and time
+  std::string resumen;      // SUMMARY
+  std::string descripcion;  // DESCRIPTION ("" = none)
+  int prioridad = 0;        // PRIORITY 1 (highest) .. 9; 0 = none
+  bool completada = false;  // STATUS:COMPLETED, otherwise NEEDS-ACTION
+};
+
+// The whole file: the events, then the to-dos. `sello` is the DTSTAMP in UTC,
+// "aaaammddThhmmssZ".
+std::string Calendario(const std::vector<EventoIcs>& eventos, std::string_view sello,
+                       const std::vector<TareaIcs>& tareas = {});
 
 // The current moment in UTC as DTSTAMP wants it.
 std::string SelloUtcAhora();
