@@ -219,6 +219,17 @@ class KMF_API clsMovFrecuente {
   // FechaEstado now.
   bool CheckListDarPorRealizado(int32_t lID);
 
+  // Opens the task-list editor (frmCheckList) modally on list IDCheckList, 0 for a new list,
+  // for user UID (the creator of a new list and its items, and whose lists the precedes search
+  // offers); with bNewItem the editor opens with a new item started. The user needs letter "A"
+  // of option "CheckList" for a new list and "M" for an existing one; without it the rights
+  // refusal is shown under the title "Lista de tareas" and the editor is not opened. Without a
+  // form factory (Servicios().formularios) the editor cannot be shown: an exclamation message
+  // says so. Returns the saved list's id, or 0 when the editor was cancelled, refused, not
+  // shown, or the list does not exist. Errors are trapped and reported like the other members
+  // (UltimoError); a failed save inside the editor is reported there and the editor stays open.
+  int32_t ShowCheckList(int32_t IDCheckList, int16_t UID, bool bNewItem = false);
+
   // Task list lID with its schedule and items, by item name (host wiring, not part of the type
   // library); nothing when there is no such list. Database errors reach the caller.
   std::optional<ListaTareas> CargarListaTareas(int32_t lID);

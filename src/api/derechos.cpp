@@ -37,7 +37,7 @@ bool TieneDerecho(IUserRights& derechos, int32_t empresa, std::string_view opcio
 void MostrarSinDerechos(IMessages& mensajes, int16_t tipo, int idioma) {
   mensajes.Show({resources::Lineas({msg::kSinDerechos, msg::kConsulteAdministrador}, idioma),
                  std::string(resources::Texto(msg::TituloDeTipo(tipo), idioma)),
-                 MsgIcon::Exclamation, MsgButtons::OK, 1});
+                 MsgIcon::Exclamation, MsgButtons::OK, 1, msg::kSinDerechos});
 }
 
 }  // namespace kivmovfrec::api

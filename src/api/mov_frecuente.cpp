@@ -151,7 +151,7 @@ void clsMovFrecuente::Reportar(int accion, const std::exception& e) {
     ctx_.servicios.messages->Show(
         {std::string(resources::Texto(accion, Idioma())) + "\n" + ultimo_error_,
          std::string(resources::Texto(msg::kTituloMovimientosFrecuentes, Idioma())),
-         MsgIcon::Critical, MsgButtons::OK, 1});
+         MsgIcon::Critical, MsgButtons::OK, 1, accion});
   } catch (const std::exception&) {
   }
 }

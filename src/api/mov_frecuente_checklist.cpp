@@ -11,6 +11,7 @@
 #include "resources/msg.h"
 #include "storage/tabla_movimientos.h"
 #include "ui/checklist/consultas_lista.h"
+#include "ui/checklist/frm_check_list.h"
 
 namespace kivmovfrec {
 namespace {
@@ -105,6 +106,39 @@ bool clsMovFrecuente::CheckListDarPorRealizado(int32_t lID) {
   } catch (const std::exception& e) {
     Reportar(msg::kErrorDarRealizada, e);
     return false;
+  }
+}
+
+int32_t clsMovFrecuente::ShowCheckList(int32_t IDCheckList, int16_t UID, bool bNewItem) {
+  ultimo_error_.clear();
+  if (!ctx_.cn) return 0;
+  try {
+    const int idioma = Idioma();
+    const int16_t tipo = ToInt(enuTipoMovFrec::CheckList);
+    IMessages& mensajes = *ctx_.servicios.messages;
+    if (!api::TieneDerecho(*ctx_.servicios.rights, empresa_, api::OpcionDeTipo(tipo),
+                           IDCheckList > 0 ? 'M' : 'A')) {
+      api::MostrarSinDerechos(mensajes, tipo, idioma);
+      return 0;
+    }
+    if (!ctx_.servicios.formularios) {
+      ultimo_error_ = "no hay dónde mostrar el editor de listas de tareas (sin formularios)";
+      mensajes.Show({"No se puede mostrar la lista de tareas: " + ultimo_error_ + ".",
+                     std::string(resources::Texto(msg::kTituloListaTareas, idioma)),
+                     MsgIcon::Exclamation, MsgButtons::OK, 1});
+      return 0;
+    }
+    checklist::frmCheckList editor(
+        ctx_, Calendario(), static_cast<int16_t>(empresa_),
+        [this](int accion, const std::exception& e) { Reportar(accion, e); });
+    const int32_t id = editor.Mostrar(IDCheckList, UID, bNewItem);
+    if (id == 0 && IDCheckList > 0 && !checklist::CargarListaTareas(*ctx_.cn, IDCheckList)) {
+      ultimo_error_ = "no existe la lista de tareas " + std::to_string(IDCheckList);
+    }
+    return id;
+  } catch (const std::exception& e) {
+    Reportar(msg::kErrorGrabarMovimiento, e);
+    return 0;
   }
 }
 
