@@ -1,7 +1,6 @@
 #include "ui/checklist/frm_check_list.h"
 
 #include <algorithm>
-#include <cctype>
 #include <stdexcept>
 
 #include "kivmovfrec/frecuencia.h"
@@ -11,6 +10,7 @@
 #include "resources/help_topics.h"
 #include "resources/msg.h"
 #include "storage/columnas.h"
+#include "ui/checklist/frm_check_list_partes.h"
 #include "ui/checklist/textos_lista.h"
 
 namespace kivmovfrec::checklist {
@@ -19,12 +19,7 @@ using namespace controles;
 
 namespace {
 
-// vsItems columns.
-enum Col { kTilde, kNombre, kComentario, kImportancia, kPrecede, kPrecedeNombre, kEstado, kID };
-constexpr int kColumnas = 8;
-
 constexpr const char* kFormulario = "frmCheckList";
-constexpr const char* kFormularioElegir = "frmElegirLista";
 constexpr const char* kEsquemaColores = "1";
 constexpr const char* kElementoColores = "checklist";
 
@@ -42,46 +37,7 @@ std::optional<Date> LeerFecha(const ITexto& t, bool& valida) {
   return d;
 }
 
-bool SoloDigitos(const std::string& s) {
-  return !s.empty() &&
-         std::all_of(s.begin(), s.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
-}
-
-int32_t ANumero(const std::string& s) {
-  try {
-    return static_cast<int32_t>(std::stol(s));
-  } catch (const std::exception&) {
-    return 0;
-  }
-}
-
 }  // namespace
-
-struct frmCheckList::Controles {
-  ITexto* nombre;
-  ITexto* memo;
-  ILista* frecuencia;
-  ITexto* vence;
-  ITexto* notificar;
-  ITexto* q_ocurre;
-  ITexto* hasta;
-  ICasilla* sin_empresa;
-  IControl* next_vto;
-  IControl* last_vto;
-  IBoton* hl_ocurre;
-  ITexto* nombre_i;
-  ITexto* memo_i;
-  ILista* importancia;
-  ITexto* precede;
-  ICasilla* realizado;
-  IGrilla* items;
-  IBoton* nuevo;
-  IBoton* editar;
-  IBoton* del_cancel;
-  IBoton* ayuda;
-  IBoton* finalizar;
-  IBoton* cancelar;
-};
 
 frmCheckList::frmCheckList(const ContextoMF& ctx, IDateCalculator& calendario, int16_t empresa,
                            ReportarError reportar)
@@ -157,9 +113,9 @@ void frmCheckList::CrearControles() {
   c.realizado = &campo(f.CrearCasilla("chRealizado"), msg::kCapRealizado, msg::kAyudaRealizado);
 
   c.items = &campo(f.CrearGrilla("vsItems"), -1, msg::kAyudaItems);
-  c.items->Columnas(texto(msg::kEncabezadoItems) + std::string(kColumnas - 3, '|'));
+  c.items->Columnas(texto(msg::kEncabezadoItems) + std::string(kColumnasItems - 3, '|'));
   c.items->ColumnaCasilla(kTilde, true);
-  for (int col = kComentario; col < kColumnas; ++col) c.items->ColumnaOculta(col, true);
+  for (int col = kComentario; col < kColumnasItems; ++col) c.items->ColumnaOculta(col, true);
 
   auto boton = [&](const char* nombre, int caption) -> IBoton& {
     IBoton& b = f.CrearBoton(nombre);
@@ -249,206 +205,6 @@ void frmCheckList::CargarCampos() {
   c.items->LimpiarFilas();
   for (const ItemListaTareas& it : lista_.items) LlenarFila(c.items->AgregarFila(), it);
   if (c.items->Filas() > 0) c.items->Fila(0);
-}
-
-void frmCheckList::LlenarFila(int fila, const ItemListaTareas& it) {
-  IGrilla& g = *c_->items;
-  g.Tilde(fila, kTilde, it.realizado);
-  g.Celda(fila, kNombre, it.nombre);
-  g.Celda(fila, kComentario, it.comentario);
-  g.Celda(fila, kImportancia, std::to_string(it.importancia));
-  g.Celda(fila, kPrecede, std::to_string(it.precede));
-  g.Celda(fila, kPrecedeNombre, it.precede_nombre);
-  g.Celda(fila, kEstado, it.realizado ? "1" : it.en_papelera ? "9" : "0");
-  g.Celda(fila, kID, std::to_string(it.id));
-}
-
-ItemListaTareas frmCheckList::LeerFila(int fila) const {
-  const IGrilla& g = *c_->items;
-  ItemListaTareas it;
-  it.id = ANumero(g.Celda(fila, kID));
-  it.nombre = g.Celda(fila, kNombre);
-  it.comentario = g.Celda(fila, kComentario);
-  it.importancia = static_cast<int16_t>(ANumero(g.Celda(fila, kImportancia)));
-  it.precede = ANumero(g.Celda(fila, kPrecede));
-  it.precede_nombre = g.Celda(fila, kPrecedeNombre);
-  it.realizado = g.Tilde(fila, kTilde);
-  it.en_papelera = g.Celda(fila, kEstado) == "9";
-  it.eliminado = g.FilaOculta(fila);
-  return it;
-}
-
-void frmCheckList::ModoItem(bool editando) {
-  editando_ = editando;
-  Controles& c = *c_;
-  for (IControl* x : std::initializer_list<IControl*>{c.nombre_i, c.memo_i, c.importancia,
-                                                      c.precede, c.realizado}) {
-    x->Enabled(editando);
-  }
-  c.nuevo->Enabled(!editando);
-  c.finalizar->Enabled(!editando);
-  c.items->Enabled(!editando);
-  c.editar->Caption(resources::Texto(editando ? msg::kCapAceptar : msg::kBotonEditar, idioma_));
-  c.del_cancel->Caption(
-      resources::Texto(editando ? msg::kCapCancelar : msg::kBotonEliminar, idioma_));
-}
-
-void frmCheckList::Nuevo() {
-  Controles& c = *c_;
-  fila_editada_ = -1;
-  ModoItem(true);
-  c.nombre_i->Text("");
-  c.memo_i->Text("");
-  c.importancia->Indice(kImportanciaInicial - kImportanciaMinima);
-  c.precede->Text("");
-  c.realizado->Marcada(false);
-  c.nombre_i->SetFocus();
-}
-
-void frmCheckList::Editar() {
-  Controles& c = *c_;
-  const int fila = c.items->Fila();
-  if (fila < 0 || c.items->FilaOculta(fila)) return;
-  const ItemListaTareas it = LeerFila(fila);
-  fila_editada_ = fila;
-  ModoItem(true);
-  c.nombre_i->Text(it.nombre);
-  c.memo_i->Text(it.comentario);
-  c.importancia->Indice(std::clamp<int>(it.importancia, kImportanciaMinima, kImportanciaMaxima) -
-                        kImportanciaMinima);
-  c.precede->Text(it.precede_nombre);
-  c.realizado->Marcada(it.realizado);
-  c.nombre_i->SetFocus();
-}
-
-void frmCheckList::CancelarItem() {
-  ModoItem(false);
-  fila_editada_ = -1;
-  c_->items->SetFocus();
-}
-
-std::optional<ItemListaTareas> frmCheckList::ItemDeCampos() {
-  Controles& c = *c_;
-  ItemListaTareas it = fila_editada_ >= 0 ? LeerFila(fila_editada_) : ItemListaTareas{};
-  it.nombre = c.nombre_i->Text();
-  it.comentario = c.memo_i->Text();
-  const int imp = c.importancia->Indice();
-  it.importancia = static_cast<int16_t>(imp < 0 ? 0 : c.importancia->Dato(imp));
-  it.realizado = c.realizado->Marcada();
-
-  // Name, quotes and importance: the library's checks on a list holding this item alone.
-  ListaTareas sola;
-  sola.nombre = "-";
-  sola.vencimiento = Date{};
-  sola.items = {it};
-  if (const auto r = RevisarLista(sola)) {
-    RechazarCampo(*r);
-    return std::nullopt;
-  }
-
-  const std::string precede = vb::Trim(c.precede->Text());
-  if (precede.empty()) {
-    it.precede = 0;
-    it.precede_nombre.clear();
-  } else if (!(it.precede != 0 && precede == it.precede_nombre)) {
-    bool cancelado = false;
-    const auto elegida = ResolverPrecede(precede, cancelado);
-    if (!elegida) {
-      if (cancelado) {
-        c.precede->SetFocus();
-        c.precede->SeleccionarTodo();
-      } else {
-        Rechazar(msg::kCampoNoValido, *c.precede);
-      }
-      return std::nullopt;
-    }
-    it.precede = elegida->first;
-    it.precede_nombre = elegida->second;
-    c.precede->Text(it.precede_nombre);
-  }
-
-  // The grid's other rows on view, then this one: a trimmed name already there is refused.
-  ListaTareas todas = sola;
-  todas.items.clear();
-  for (int f = 0; f < c.items->Filas(); ++f) {
-    if (f == fila_editada_ || c.items->FilaOculta(f)) continue;
-    todas.items.push_back(LeerFila(f));
-  }
-  todas.items.push_back(it);
-  if (const auto r = RevisarLista(todas); r && r->mensaje == msg::kItemDuplicado &&
-                                          r->item == static_cast<int>(todas.items.size()) - 1) {
-    RechazarCampo(*r);
-    return std::nullopt;
-  }
-  return it;
-}
-
-void frmCheckList::AceptarItem() {
-  const std::optional<ItemListaTareas> it = ItemDeCampos();
-  if (!it) return;
-  IGrilla& g = *c_->items;
-  const int fila = fila_editada_ >= 0 ? fila_editada_ : g.AgregarFila();
-  LlenarFila(fila, *it);
-  ModoItem(false);
-  fila_editada_ = -1;
-  g.Fila(fila);
-  g.SetFocus();
-}
-
-void frmCheckList::EliminarItem() {
-  IGrilla& g = *c_->items;
-  const int fila = g.Fila();
-  if (fila < 0 || g.FilaOculta(fila)) return;
-  if (!Preguntar(msg::kConfirmaEliminarItem, true)) return;
-  if (ANumero(g.Celda(fila, kID)) > 0) {
-    g.FilaOculta(fila, true);  // deleted from the table when the list is saved
-  } else {
-    g.QuitarFila(fila);
-  }
-  int siguiente = -1;
-  for (int f = 0; f < g.Filas(); ++f) {
-    if (!g.FilaOculta(f) && (siguiente < 0 || f <= fila)) siguiente = f;
-  }
-  g.Fila(siguiente);
-}
-
-std::optional<std::pair<int32_t, std::string>> frmCheckList::ResolverPrecede(
-    const std::string& texto, bool& cancelado) {
-  cancelado = false;
-  if (SoloDigitos(texto)) {
-    if (const auto p = BuscarListaPorID(*ctx_.cn, ANumero(texto)); p && p->id != lista_.id)
-      return std::make_pair(p->id, p->nombre);
-  }
-  const std::vector<ListaCandidata> candidatas =
-      BuscarListasPorTexto(*ctx_.cn, lista_.empresa, texto, lista_.id, usuario_);
-  if (candidatas.empty()) return std::nullopt;
-  if (candidatas.size() == 1) return std::make_pair(candidatas[0].id, candidatas[0].nombre);
-  const int i = ElegirEntre(candidatas);
-  if (i < 0) {
-    cancelado = true;
-    return std::nullopt;
-  }
-  return std::make_pair(candidatas[i].id, candidatas[i].nombre);
-}
-
-int frmCheckList::ElegirEntre(const std::vector<ListaCandidata>& candidatas) {
-  const std::string titulo(resources::Texto(msg::kTituloListaTareas, idioma_));
-  std::unique_ptr<IFormulario> f = ctx_.servicios.formularios->Crear(kFormularioElegir);
-  f->Titulo(titulo);
-  IGrilla& g = f->CrearGrilla("vsListas");
-  g.Columnas(titulo);
-  for (const ListaCandidata& l : candidatas) g.Celda(g.AgregarFila(), 0, l.nombre);
-  g.Fila(0);
-  IBoton& ok = f->CrearBoton("bfOK");
-  ok.Caption(resources::Texto(msg::kCapAceptar, idioma_));
-  ok.PorDefecto(true);
-  IBoton& cancelar = f->CrearBoton("bfCancel");
-  cancelar.Caption(resources::Texto(msg::kBotonCancelar, idioma_));
-  cancelar.Cancela(true);
-  IFormulario* form = f.get();
-  ok.AlPulsar([form, &g] { form->Cerrar(g.Fila() + 1); });
-  cancelar.AlPulsar([form] { form->Cerrar(0); });
-  return f->MostrarModal() - 1;
 }
 
 int32_t frmCheckList::FrecuenciaElegida() const {
