@@ -6,7 +6,9 @@
 // iCalendar file has one event per due date, its notice as the event's alarm.
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <set>
 #include <string>
@@ -94,6 +96,28 @@ std::vector<EventoIcs> EventosCalendario(const std::vector<OcurrenciaAgenda>& ag
   return eventos;
 }
 
+// The items of the task list an occurrence belongs to, as to-dos due with it. Items in the bin
+// stay out; an item is shown done only on its list's current occurrence (marking an occurrence
+// done sets every item done, so later occurrences start open).
+void TareasDeLista(const OcurrenciaAgenda& e, const ListaTareas& lista, int32_t empresa,
+                   std::vector<TareaIcs>& tareas) {
+  for (const ItemListaTareas& it : lista.items) {
+    if (it.en_papelera && !it.realizado) continue;
+    TareaIcs t;
+    t.uid =
+        fmt::format("it{}-mf{}-{}-e{}@movfrec.kivmovfrec", it.id, lista.id, e.ocurrencia, empresa);
+    t.vence = e.fecha;
+    t.resumen = it.nombre;
+    t.descripcion = it.comentario;
+    if (!t.descripcion.empty()) t.descripcion += "\n";
+    t.descripcion += fmt::format("Lista de tareas {}: {}", lista.id, lista.nombre);
+    if (it.precede != 0) t.descripcion += fmt::format("; precede a {}", it.precede_nombre);
+    t.prioridad = 2 * it.importancia - 1;  // importance 1..5 onto PRIORITY 1, 3, 5, 7, 9
+    t.completada = it.realizado && e.ocurrencia == lista.num_ocurrencia;
+    tareas.push_back(std::move(t));
+  }
+}
+
 Json ImportesJson(const ImportesAgenda& r) {
   Json renglones = Json::array();
   for (const TrazaLineaFx& l : r.traza.lineas) {
@@ -147,8 +171,16 @@ Action Setup(CLI::App& app) {
     if (!args->ics.empty()) {
       const std::vector<EventoIcs> ics =
           EventosCalendario(eventos, ctx.options().empresa, IdentidadBase(ctx.options().db));
+      std::vector<TareaIcs> tareas;
+      std::map<int32_t, std::optional<ListaTareas>> listas;
+      for (const OcurrenciaAgenda& e : eventos) {
+        if (e.aviso || e.tipo != ToInt(enuTipoMovFrec::CheckList)) continue;
+        auto [lista, nueva] = listas.try_emplace(e.movimiento);
+        if (nueva) lista->second = fachada->CargarListaTareas(e.movimiento);
+        if (lista->second) TareasDeLista(e, *lista->second, ctx.options().empresa, tareas);
+      }
       std::ofstream out(args->ics, std::ios::binary | std::ios::trunc);
-      out << Calendario(ics, SelloUtcAhora());
+      out << Calendario(ics, SelloUtcAhora(), tareas);
       out.close();
       if (!out) return Rechazo(ctx, "agenda", "no se pudo escribir el archivo " + args->ics);
     }

@@ -36,6 +36,30 @@ uint64_t Huella(std::string_view texto) {
   return h;
 }
 
+// DUE of a to-do: a date alone at midnight, otherwise date and local time.
+std::string Vence(Date d) {
+  const vb::DateParts p = vb::Split(d);
+  if (p.hour == 0 && p.minute == 0 && p.second == 0) {
+    return fmt::format("DUE;VALUE=DATE:{:04}{:02}{:02}", p.year, p.month, p.day);
+  }
+  return fmt::format("DUE:{:04}{:02}{:02}T{:02}{:02}{:02}", p.year, p.month, p.day, p.hour,
+                     p.minute, p.second);
+}
+
+std::string BloqueTarea(const TareaIcs& t, std::string_view sello) {
+  std::string out;
+  out += Plegar("BEGIN:VTODO");
+  out += Plegar("UID:" + t.uid);
+  out += Plegar("DTSTAMP:" + std::string(sello));
+  out += Plegar(Vence(t.vence));
+  out += Plegar("SUMMARY:" + EscaparTexto(t.resumen));
+  if (!t.descripcion.empty()) out += Plegar("DESCRIPTION:" + EscaparTexto(t.descripcion));
+  if (t.prioridad > 0) out += Plegar(fmt::format("PRIORITY:{}", t.prioridad));
+  out += Plegar(t.completada ? "STATUS:COMPLETED" : "STATUS:NEEDS-ACTION");
+  out += Plegar("END:VTODO");
+  return out;
+}
+
 }  // namespace
 
 std::string UidVencimiento(int32_t movimiento, Date vencimiento, int32_t empresa,
@@ -116,7 +140,8 @@ std::string SelloUtcAhora() {
                      utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec);
 }
 
-std::string Calendario(const std::vector<EventoIcs>& eventos, std::string_view sello) {
+std::string Calendario(const std::vector<EventoIcs>& eventos, std::string_view sello,
+                       const std::vector<TareaIcs>& tareas) {
   std::string out;
   out += Plegar("BEGIN:VCALENDAR");
   out += Plegar("VERSION:2.0");
@@ -138,6 +163,7 @@ std::string Calendario(const std::vector<EventoIcs>& eventos, std::string_view s
     }
     out += Plegar("END:VEVENT");
   }
+  for (const TareaIcs& t : tareas) out += BloqueTarea(t, sello);
   out += Plegar("END:VCALENDAR");
   return out;
 }

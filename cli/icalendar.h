@@ -1,6 +1,6 @@
 // Writing iCalendar files (RFC 5545) for the agenda: one VCALENDAR with one VEVENT per due
-// date; a notified due date carries its notice as a VALARM of its event (ACTION:DISPLAY, TRIGGER
-// a duration before the event's start).
+// date and one VTODO per task-list item that falls due; a notified due date carries its notice
+// as a VALARM of its event (ACTION:DISPLAY, TRIGGER a duration before the event's start).
 //
 // Lines end in CRLF and are folded at 75 octets (continuation lines start with one blank; a
 // UTF-8 character is never split). TEXT values escape "\", ";", "," and line breaks.
@@ -34,8 +34,20 @@ std::string UidVencimiento(int32_t movimiento, Date vencimiento, int32_t empresa
 // A TRIGGER duration: `segundos` from the event's start, "-P2DT12H", "PT0S", "PT1H".
 std::string Duracion(int64_t segundos);
 
-// The whole file. `sello` is the DTSTAMP in UTC, "aaaammddThhmmssZ".
-std::string Calendario(const std::vector<EventoIcs>& eventos, std::string_view sello);
+// One item of a task list on one due date of its list.
+struct TareaIcs {
+  std::string uid;          // unique and stable for the same item and occurrence
+  Date vence;               // DUE: a date alone at midnight, else local date and time
+  std::string resumen;      // SUMMARY
+  std::string descripcion;  // DESCRIPTION ("" = none)
+  int prioridad = 0;        // PRIORITY 1 (highest) .. 9; 0 = none
+  bool completada = false;  // STATUS:COMPLETED, otherwise NEEDS-ACTION
+};
+
+// The whole file: the events, then the to-dos. `sello` is the DTSTAMP in UTC,
+// "aaaammddThhmmssZ".
+std::string Calendario(const std::vector<EventoIcs>& eventos, std::string_view sello,
+                       const std::vector<TareaIcs>& tareas = {});
 
 // The current moment in UTC as DTSTAMP wants it.
 std::string SelloUtcAhora();

@@ -95,6 +95,9 @@
 --   10 task list, sched 7 monthly, next 2026-11-30 18:00: month-end closing, user 1; items
 --      11 (importance 1, open), 12 (2, done), 13 (4, open, precedes list 15), 14 (5, in the bin).
 --   15 task list, sched 8 once, 2026-12-31: year-end closing, no items.
+--   28 task list, sched 12 monthly from 2026-08-15, next 2026-12-15 09:00 (occurrence 5), last
+--      2027-01-15 (six occurrences), notify 2 days: income-tax advances; items 29 (importance 1,
+--      open), 30 (3, done).
 --   16 + 17 linked pair (group 16, orders 1 and 2), frequent entries: year-end bonus and its
 --      social charges; 17 refers to a line of 16 ([2:16;141;0;0]).
 --   18 entry, frequent: services split by project/department ([1:145;1;1]).
@@ -415,7 +418,9 @@ INSERT INTO genRecurrencias (RecID, RecFechaInicio, RecFechaProxima, RecFrecuenc
   (9, '2026-06-15 09:00:00', '2026-06-15 09:00:00', '000000', '2026-06-15 09:00:00', 1, NULL, 0, 1,
    NULL),
   (10, '2026-10-02 09:00:00', '2026-11-13 09:00:00', '000007', NULL, 7, NULL, 1, NULL, NULL),
-  (11, '2026-02-10 00:00:00', '2026-11-10 00:00:00', '200001', NULL, 10, NULL, 1, 2, NULL);
+  (11, '2026-02-10 00:00:00', '2026-11-10 00:00:00', '200001', NULL, 10, NULL, 1, 2, NULL),
+  (12, '2026-08-15 00:00:00', '2026-12-15 09:00:00', '200001', '2027-01-15 00:00:00', 5, NULL, 0,
+   2, NULL);
 
 -- ---- Frequent movements: entries and vouchers ----------------------------------------------
 -- Columns: id, company, type, system, name, memo/legend, contact (or list), modality (book,
@@ -480,7 +485,8 @@ INSERT INTO genMovimientosFrecuentes (MFrID, MFrEmpresa, MFrTipo, MFrDelSistema,
 
 -- ---- Frequent movements: task lists and items ----------------------------------------------
 -- List 10 with items 11-14 (MFrEnte = 10, importance in MFrModalidad, item 13 precedes list 15,
--- item 12 done, item 14 in the bin); list 15 without items.
+-- item 12 done, item 14 in the bin); list 15 without items; list 28 with items 29 and 30 (30
+-- done), ending after its sixth occurrence.
 INSERT INTO genMovimientosFrecuentes (MFrID, MFrEmpresa, MFrTipo, MFrDelSistema, MFrNombre,
                                       MFrMemo, MFrEnte, MFrModalidad, MFrTipoImporte, MFrMoneda,
                                       MFrRecurrencia, MFrMovVinculado, MFrMVOrden, MFrUsuarioAlta,
@@ -497,7 +503,13 @@ INSERT INTO genMovimientosFrecuentes (MFrID, MFrEmpresa, MFrTipo, MFrDelSistema,
   (14, 1, 6, 0, 'Archivar comprobantes', 'Carpetas del mes anterior.', 10, 5, 0, 0, NULL, NULL, 0,
    1, 0, 9, '2026-11-03 08:00:00', 0, 0),
   (15, 1, 5, 0, 'Cierre de ejercicio', 'Tareas del cierre anual.', 0, 0, 0, 0, 8, NULL, 0, 1, 0, 0,
-   '2026-11-01 09:00:00', 0, 0);
+   '2026-11-01 09:00:00', 0, 0),
+  (28, 1, 5, 0, 'Anticipos de ganancias', 'Seis anticipos del período fiscal.', 0, 0, 0, 0, 12,
+   NULL, 0, 1, 0, 0, '2026-11-15 09:00:00', 0, 0),
+  (29, 1, 6, 0, 'Calcular el anticipo', 'Según la declaración jurada anterior.', 28, 1, 0, 0, NULL,
+   NULL, 0, 1, 0, 0, '2026-11-15 09:00:00', 0, 0),
+  (30, 1, 6, 0, 'Pedir fondos a tesorería', 'Con dos días de anticipación.', 28, 3, 0, 0, NULL,
+   NULL, 0, 1, 0, 1, '2026-12-10 12:00:00', 0, 0);
 
 -- ---- Lines of the movements ----------------------------------------------------------------
 -- Formulas in stored form "[id:args]": 1 line of this movement (account;project;department),

@@ -16,6 +16,7 @@
 #include "kivmovfrec/frecuencia.h"
 #include "kivmovfrec/grupo_vinculado.h"
 #include "kivmovfrec/install.h"
+#include "kivmovfrec/lista_tareas.h"
 #include "kivmovfrec/mf_tipo.h"
 #include "kivmovfrec/mov_frecuente.h"
 #include "kivmovfrec/presentacion.h"

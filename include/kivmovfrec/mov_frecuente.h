@@ -37,6 +37,7 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,6 +50,7 @@
 #include "kivmovfrec/enums.h"
 #include "kivmovfrec/export.h"
 #include "kivmovfrec/grupo_vinculado.h"
+#include "kivmovfrec/lista_tareas.h"
 #include "kivmovfrec/mf_tipo.h"
 #include "kivmovfrec/renglones_mf.h"
 #include "kivmovfrec/services.h"
@@ -193,6 +195,47 @@ class KMF_API clsMovFrecuente {
   bool DarRealizadaFechaAgenda(int32_t lIDMF, bool& bPorUnicaVez);
   bool DarRealizadaFechaAgenda(int32_t lIDMF);
 
+  // ---- Task lists ---------------------------------------------------------------------------
+  // Both members work on a task list (MFrTipo 5) and its items (MFrTipo 6, MFrEnte = the list)
+  // in ONE transaction: any error rolls back (list and items exactly as before), is shown as the
+  // member's "Error al ..." text with the reason below and gives false. Their questions and the
+  // rights refusal ("Su usuario no está habilitado..." / "Consulte con el administrador del
+  // sistema.", exclamation) carry the caption "Movimientos Frecuentes"; the rights are the
+  // letters of option "CheckList" (without regard to case). A No, a refusal, an id that is no
+  // task list: false, nothing written.
+
+  // Sends list lCL to the bin: asks "¿Confirma enviar a la papelera?", needs "E"; the list's
+  // state becomes Papelera and each of its items not yet in the bin too, all with FechaEstado
+  // now.
+  bool CheckListAPapelera(int32_t lCL);
+
+  // Marks the current occurrence of list lID done: asks "¿Confirma dar por cumplida la lista de
+  // tareas?", needs "M"; only a list en proceso has an occurrence (otherwise false). Its row is
+  // claimed first, as DarRealizadaFechaAgenda does. The next due date and whether the schedule
+  // ends are DarRealizadaFechaAgenda's (schedule::NextOccurrence, time of day kept); a due date
+  // that is not a date has no next one. In both cases the occurrence number grows by one, the
+  // postponement is cleared and FechaEstado is now; with a next date the list stays en proceso
+  // on it, otherwise it becomes Realizado. Every item not in the bin becomes Realizado with
+  // FechaEstado now.
+  bool CheckListDarPorRealizado(int32_t lID);
+
+  // Opens the task-list editor (frmCheckList) modally on list IDCheckList, 0 for a new list,
+  // for user UID (the creator of a new list and its items, and whose lists the precedes search
+  // offers); with bNewItem the editor opens with a new item started. The user needs letter "A"
+  // of option "CheckList" for a new list and "M" for an existing one; without it the rights
+  // refusal is shown under the title "Lista de tareas" and the editor is not opened. Without a
+  // form factory (Servicios().formularios) the editor cannot be shown: an exclamation message
+  // says so. Returns the saved list's id, or 0 when the editor was cancelled, refused, not
+  // shown, or the list does not exist. Errors are trapped and reported like the other members
+  // (UltimoError); a failed save inside the editor is reported there and the editor stays open.
+  int32_t ShowCheckList(int32_t IDCheckList, int16_t UID, bool bNewItem = false);
+
+  // Task list lID with its schedule and items, by item name (host wiring, not part of the type
+  // library); nothing when there is no such list. Database errors reach the caller.
+  std::optional<ListaTareas> CargarListaTareas(int32_t lID);
+  // The company's task lists not in the bin, by id, read as CargarListaTareas reads one.
+  std::vector<ListaTareas> ListasTareas();
+
   // ---- Main job and agenda (host wiring, not members of the suite's type library) --------
 
   // The main job: posts every occurrence of the company's scheduled entries and vouchers due on
@@ -283,6 +326,9 @@ class KMF_API clsMovFrecuente {
   // The body of the locked saves: `mf`'s checks and save with the keys of `dbf`, inside the
   // caller's transaction.
   int32_t GuardarEnTransaccion(clsMFTipo& mf, IDBFncs& dbf);
+  // The two task-list members' question and rights check: false (after showing the refusal)
+  // when the user answers No or lacks `letra` on "CheckList".
+  bool ConfirmarListaTareas(int pregunta, char letra);
 
   // The services as the host gave them (nulls kept), completed anew at every Connect.
   SuiteServices dados_;

@@ -11,9 +11,7 @@
 #include "storage/tabla_recurrencias.h"
 
 namespace kivmovfrec::api {
-namespace {
 
-// The next due date as the schedule keeps it: "dd/mm/yyyy hh:nn" or, at midnight, "dd/mm/yyyy".
 std::string TextoProxima(Date proxima) {
   std::string texto = vb::FormatDate(proxima, "dd/mm/yyyy");
   const vb::DateParts hora = vb::Split(proxima);
@@ -22,8 +20,6 @@ std::string TextoProxima(Date proxima) {
   }
   return texto;
 }
-
-}  // namespace
 
 std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec) {
   const std::optional<Date> proxima = vb::ParseDate(rec.FechaProxima());

@@ -47,6 +47,9 @@ enum class ResultadoOcurrencia {
 // missing when they are not dates); nothing when FechaProxima is not a date.
 std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec);
 
+// The next due date as a schedule keeps it: "dd/mm/yyyy hh:nn", or "dd/mm/yyyy" at midnight.
+std::string TextoProxima(Date proxima);
+
 class AvanceAgenda {
  public:
   // `ctx` must have its services (a connected façade's context) and outlive this object; `cn`

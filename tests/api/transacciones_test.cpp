@@ -13,6 +13,8 @@
 #include "resources/catalogue.h"
 #include "resources/msg.h"
 #include "support/faulty_connection.h"
+#include "ui/checklist/consultas_lista.h"
+#include "ui/checklist/guardar_lista.h"
 
 namespace kivmovfrec::testing {
 namespace {
@@ -33,6 +35,7 @@ class Fallos : public Fachada {
     i.f = std::make_unique<FachadaPropia>(i.cn);
     i.f->sv.rights->Set(1, "Papelera", "e");
     i.f->sv.rights->Set(1, "PasajeAsientos", "AMEe");
+    i.f->sv.rights->Set(1, "CheckList", "ME");
     preparar(i.f->mf);
     return i;
   }
@@ -187,6 +190,35 @@ TEST_P(Fallos, CambiarEstadoMF) {
       "aviso realizado", Nada,
       [](clsMovFrecuente& mf) { return mf.CambiarEstadoMF(9, enuEstadoMF::Realizado, false); },
       msg::kErrorCambiarEstado);
+}
+
+// Task lists: both state operations (list 28 advancing, and on its last occurrence), and the
+// editor's save of list 10 with an item renamed, one deleted and one new.
+TEST_P(Fallos, ListasDeTareas) {
+  Atomico(
+      "lista a la papelera", Nada, [](clsMovFrecuente& mf) { return mf.CheckListAPapelera(10); },
+      msg::kErrorCambiarEstado);
+  const auto realizar = [](clsMovFrecuente& mf) { return mf.CheckListDarPorRealizado(28); };
+  Atomico("lista cumplida que avanza", Nada, realizar, msg::kErrorDarRealizada);
+  cn->Execute(
+      "Update genRecurrencias Set RecNumOcurrencia = 6, RecFechaProxima = ? Where RecID = 12",
+      {Variant(vb::MakeDate({2027, 1, 15, 9, 0, 0}))});
+  Atomico("última ocurrencia de la lista", Nada, realizar, msg::kErrorDarRealizada);
+  Atomico(
+      "lista guardada desde el editor", Nada,
+      [](clsMovFrecuente& mf) {
+        try {
+          auto l = checklist::CargarListaTareas(*mf.Contexto().cn, 10);
+          if (!l) return 0;
+          l->items[1].nombre = "Conciliar bancos";
+          l->items[2].eliminado = true;
+          l->items.push_back({0, "Enviar al estudio", "", 2, 15, "", false, false, false});
+          return checklist::GuardarListaTareas(mf.Contexto(), *l, 1).id;
+        } catch (const std::exception&) {
+          return 0;
+        }
+      },
+      /*reporta=*/0);
 }
 
 TEST_P(Fallos, SaveMovimientoFrecuenteDeleteMFYLoadMF) {

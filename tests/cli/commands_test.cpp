@@ -305,6 +305,28 @@ TEST_P(MovfrecComandos, RealizarReportsTheLinkedMovementsAndRefusesWhatIsNotDue)
   EXPECT_TRUE(Has(texto.out, "próximo vencimiento 20/11/2026 09:00, ocurrencia 8")) << texto.out;
 }
 
+// Task lists with their items; marking one done and sending one to the bin ask first.
+TEST_P(MovfrecComandos, TareasListsMarksDoneAndBins) {
+  const Json listas = RunJson({"tareas", "listar"});
+  ASSERT_EQ(listas.size(), 3u);
+  EXPECT_EQ(listas[0]["Items"].size(), 4u);
+  EXPECT_EQ(listas[0]["Items"][3]["PrecedeNombre"], "Cierre de ejercicio");
+  EXPECT_TRUE(listas[1]["Items"].empty());
+  ExpectFails({"tareas", "realizar", "28"}, 1, "¿Confirma dar por cumplida la lista de tareas?");
+  ExpectFails({"tareas", "papelera", "1"}, 1, "no existe la lista de tareas 1");
+  const Json hecha = RunJson({"--responder", "si", "tareas", "realizar", "28"});
+  EXPECT_EQ(hecha["FechaProxima"], "15/01/2027 09:00");
+  EXPECT_EQ(hecha["NumOcurrencia"], 6);
+  EXPECT_EQ(hecha["Items"][0]["Estado"], 1);
+  EXPECT_EQ(RunJson({"--responder", "si", "tareas", "papelera", "10"})["Estado"], 9);
+  const Result texto = Run({"tareas", "listar"});
+  EXPECT_TRUE(Has(texto.out,
+                  "Lista 28: Anticipos de ganancias (En proceso), vence 15/01/2027 "
+                  "09:00, ocurrencia 6"))
+      << texto.out;
+  EXPECT_FALSE(Has(texto.out, "Lista 10")) << texto.out;
+}
+
 // Unfolds iCalendar content lines, checking CRLF and the 75-octet limit.
 std::vector<std::string> IcsLines(const std::string& text) {
   std::vector<std::string> lines;
@@ -393,11 +415,25 @@ TEST_P(MovfrecComandos, AgendaListsDueAndNoticeDatesAndWritesICalendar) {
   };
   std::set<std::string> vencimientos;
   for (const Json& e : agenda) vencimientos.insert(uid(e));
+  // Task-list items are to-dos due with their list: list 10 on 30/11 18:00 (item 12 done) and
+  // list 28 on 15/12 09:00 (item 30 done); each has its own UID, DTSTAMP and SUMMARY.
+  const size_t tareas = cuantas("BEGIN:VTODO");
+  EXPECT_EQ(tareas, 5u);
+  EXPECT_EQ(cuantas("DUE:20261130T180000"), 3u);
+  EXPECT_EQ(cuantas("STATUS:COMPLETED"), 2u);
+  EXPECT_EQ(cuantas("PRIORITY:1"), 2u);  // importance 1: items 11 and 29
   for (const char* patron :
-       {"BEGIN:VEVENT", "END:VEVENT", "UID:.+", "SUMMARY:.+", R"(DTSTAMP:\d{8}T\d{6}Z)",
-        R"(DTSTART(;VALUE=DATE:\d{8}|:\d{8}T\d{6}))"}) {
+       {"BEGIN:VEVENT", "END:VEVENT", R"(DTSTART(;VALUE=DATE:\d{8}|:\d{8}T\d{6}))"}) {
     EXPECT_EQ(cuantas(patron), vencimientos.size()) << patron;
   }
+  for (const char* patron : {"UID:.+", "SUMMARY:.+", R"(DTSTAMP:\d{8}T\d{6}Z)"}) {
+    EXPECT_EQ(cuantas(patron), vencimientos.size() + tareas) << patron;
+  }
+  std::vector<std::string> uids;
+  std::copy_if(lines.begin(), lines.end(), std::back_inserter(uids),
+               [](const auto& l) { return l.starts_with("UID:"); });
+  std::sort(uids.begin(), uids.end());
+  EXPECT_EQ(std::adjacent_find(uids.begin(), uids.end()), uids.end()) << "UID repetido";
   for (const char* linea :
        {"SUMMARY:Vencimiento: Revisión de ascensores\\, escaleras\\; y montacargas \\\\ del "
         "depósito de la calle Güemes número 1234",

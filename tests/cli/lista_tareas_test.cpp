@@ -1,0 +1,76 @@
+// movfrec lista-tareas --guion: the task-list editor played by a script file, as a script or a
+// person at a terminal would run it.
+#include <fstream>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "cli_db.h"
+
+namespace {
+
+using kmf_cli::Has;
+using kmf_cli::Result;
+
+class MovfrecListaTareas : public kmf_cli::DemoMotorTest {
+ protected:
+  void TearDown() override { std::remove(Guion().c_str()); }
+  std::string Guion() const { return base_ + ".guion.json"; }
+  Result Correr(const std::string& pasos, const std::vector<std::string>& antes) {
+    std::ofstream(Guion(), std::ios::binary) << pasos;
+    std::vector<std::string> args = antes;
+    args.push_back("--guion");
+    args.push_back(Guion());
+    return Run(args);
+  }
+};
+
+TEST_P(MovfrecListaTareas, SavesRefusesAndReportsWhatTheEditorShowed) {
+  const std::string nueva = R"([
+    {"escribir": "tNombreC", "texto": "Compras del mes"},
+    {"escribir": "dtVence", "texto": "20/12/2026"},
+    {"pulsar": "bfNew"}, {"escribir": "tNombreI", "texto": "Pedir presupuestos"},
+    {"pulsar": "bfEdit"}, {"pulsar": "bfFinish"}, {"responder": "si"}])";
+  const Result guardada = Correr(nueva, {"--json", "lista-tareas"});
+  ASSERT_EQ(guardada.status, 0) << guardada.err << guardada.out;
+  const auto j = nlohmann::json::parse(guardada.out);
+  const int id = j["Resultado"];
+  EXPECT_GT(id, 0);
+  EXPECT_EQ(j["Mensajes"][0]["Numero"], 646);
+  EXPECT_EQ(j["Mensajes"][0]["Respuesta"], "si");
+  EXPECT_TRUE(j["Error"].is_null());
+  const auto listas = nlohmann::json::parse(Run({"--json", "tareas", "listar"}).out);
+  bool hallada = false;
+  for (const auto& l : listas) {
+    if (l["ID"] != id) continue;
+    hallada = true;
+    EXPECT_EQ(l["Nombre"], "Compras del mes");
+    ASSERT_EQ(l["Items"].size(), 1u);
+    EXPECT_EQ(l["Items"][0]["Nombre"], "Pedir presupuestos");
+  }
+  EXPECT_TRUE(hallada) << listas.dump();
+
+  // The same name again: refused with the focus on the name; exit 1, the report on stdout.
+  const Result repetida = Correr(nueva, {"lista-tareas"});
+  EXPECT_EQ(repetida.status, 1);
+  EXPECT_TRUE(Has(repetida.out, "Mensaje 641 [exclamacion] Duplicación de datos")) << repetida.out;
+  EXPECT_TRUE(Has(repetida.out, "foco en tNombreC, texto seleccionado «Compras del mes»"))
+      << repetida.out;
+  EXPECT_TRUE(Has(repetida.out, "Resultado: 0")) << repetida.out;
+
+  // A step the editor cannot take stops the run and says which.
+  const Result parada = Correr(R"([{"pulsar": "bfNada"}])", {"lista-tareas", "10"});
+  EXPECT_EQ(parada.status, 1);
+  EXPECT_TRUE(Has(parada.out, "Error del guion: paso 1 (pulsar «bfNada»)")) << parada.out;
+
+  // A script that cannot be read, or is not a script, is a usage error.
+  ExpectFails({"lista-tareas", "--guion", base_ + ".no-existe"}, 2, "no se puede leer el guion");
+  const Result malo = Correr(R"([{"pulsar": "bfFinish", "texto": 3}])", {"lista-tareas"});
+  EXPECT_EQ(malo.status, 2);
+  EXPECT_TRUE(Has(malo.err, "paso 1: «texto» debe ser un texto")) << malo.err;
+}
+
+KMF_INSTANTIATE_ENGINES(MovfrecListaTareas);
+
+}  // namespace
