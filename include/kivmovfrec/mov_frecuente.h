@@ -302,11 +302,27 @@ class KMF_API clsMovFrecuente {
   // dFechaMF (formula/leyenda.h); "" before Connect or on error.
   std::string InterpretarFormulaLeyenda(std::string_view sLeyenda, Date dFechaMF);
 
-  // Opens the frequency editor of the date calculator in use (the suite's own shows
-  // frmFrecuencia through the services' form factory) and returns the code composed with its
-  // description ("200002 Cada 2 meses"); "" when cancelled, before Connect, or when no dialog can
-  // be shown (the error is kept in UltimoError).
+  // ---- Dialogs the wizard opens, reachable on their own (host wiring) ----
+  // Each shows its dialog through the services' form factory (Servicios().formularios) and
+  // hands back what the person chose; nothing ("" for EditarFrecuencia) when cancelled, before
+  // Connect, or when no dialog can be shown (an exclamation message says so and UltimoError
+  // keeps why). Errors are trapped like the other members'.
+
+  // The frequency editor of the date calculator in use (the suite's own shows frmFrecuencia):
+  // the code composed with its description ("200002 Cada 2 meses").
   std::string EditarFrecuencia();
+
+  // The user picker (frmFindUser) on the choice sUsuarios (user codes separated by ","): the
+  // codes ticked, joined by ", "; `identificaciones`, when given, receives their
+  // identifications joined by "; ".
+  std::optional<std::string> ElegirUsuarios(std::string_view sUsuarios,
+                                            std::string* identificaciones = nullptr);
+
+  // The link dialog (frmVincular) for movement lIDMF (0 while new) of kind iTipo (1 entry,
+  // 2 voucher; its rights option opens other companies to "todas mis empresas") on the link
+  // text sVinculos ("id:orden|..."): the new link text.
+  std::optional<std::string> VincularMovimientos(int32_t lIDMF, int16_t iTipo,
+                                                 std::string_view sVinculos);
 
   // The trace of the last formula member's calculation (host wiring, not part of the type
   // library): date used, every line's elements with the origin of each value, amounts, totals.
@@ -320,6 +336,9 @@ class KMF_API clsMovFrecuente {
   clsEmpresa& EmpresaContexto();
   // The injected date calculator, or the suite's own.
   IDateCalculator& Calendario();
+  // True when dialogs can be shown; otherwise says so under the catalogue title `titulo`
+  // ("No se puede mostrar <que>: ...") and keeps the reason in UltimoError.
+  bool FormulariosDisponibles(int titulo, std::string_view que);
   // Steps 1 and 2 of the formula members; returns the calculation date.
   Date PrepararCalculoFx();
   void AvisarSinResultado(int mensaje);

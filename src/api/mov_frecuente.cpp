@@ -174,17 +174,6 @@ IDateCalculator& clsMovFrecuente::Calendario() {
   return *calendario_propio_;
 }
 
-std::string clsMovFrecuente::EditarFrecuencia() {
-  ultimo_error_.clear();
-  if (!ctx_.cn) return "";
-  try {
-    return Calendario().EditarFrecuencia();
-  } catch (const std::exception& e) {
-    ultimo_error_ = e.what();
-    return "";
-  }
-}
-
 void clsMovFrecuente::CleanEstructura() {
   if (!ctx_.cn) return;
   estructura_ = std::make_shared<clsMFTipo>(ctx_.servicios.clock);

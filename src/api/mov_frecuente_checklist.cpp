@@ -121,13 +121,7 @@ int32_t clsMovFrecuente::ShowCheckList(int32_t IDCheckList, int16_t UID, bool bN
       api::MostrarSinDerechos(mensajes, tipo, idioma);
       return 0;
     }
-    if (!ctx_.servicios.formularios) {
-      ultimo_error_ = "no hay dónde mostrar el editor de listas de tareas (sin formularios)";
-      mensajes.Show({"No se puede mostrar la lista de tareas: " + ultimo_error_ + ".",
-                     std::string(resources::Texto(msg::kTituloListaTareas, idioma)),
-                     MsgIcon::Exclamation, MsgButtons::OK, 1});
-      return 0;
-    }
+    if (!FormulariosDisponibles(msg::kTituloListaTareas, "la lista de tareas")) return 0;
     checklist::frmCheckList editor(
         ctx_, Calendario(), static_cast<int16_t>(empresa_),
         [this](int accion, const std::exception& e) { Reportar(accion, e); });

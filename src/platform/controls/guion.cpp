@@ -230,6 +230,7 @@ class Guion final : public GuionDialogos,
         Aplicar(f, p);
       } catch (const std::invalid_argument& e) {
         Detener(e.what());
+        cursor_ = actual_;  // a refused step did not run
       }
       actual_ = kNinguno;
     }

@@ -1,5 +1,5 @@
-// movfrec lista-tareas --guion: the task-list editor played by a script file, as a script or a
-// person at a terminal would run it.
+// Dialogs played by a script file (--guion), as a script or a person at a terminal would run
+// them: the task-list editor, and the frequency, user and link dialogs.
 #include <fstream>
 #include <string>
 
@@ -13,7 +13,7 @@ namespace {
 using kmf_cli::Has;
 using kmf_cli::Result;
 
-class MovfrecListaTareas : public kmf_cli::DemoMotorTest {
+class MovfrecGuion : public kmf_cli::DemoMotorTest {
  protected:
   void TearDown() override { std::remove(Guion().c_str()); }
   std::string Guion() const { return base_ + ".guion.json"; }
@@ -26,7 +26,7 @@ class MovfrecListaTareas : public kmf_cli::DemoMotorTest {
   }
 };
 
-TEST_P(MovfrecListaTareas, SavesRefusesAndReportsWhatTheEditorShowed) {
+TEST_P(MovfrecGuion, SavesRefusesAndReportsWhatTheEditorShowed) {
   const std::string nueva = R"([
     {"escribir": "tNombreC", "texto": "Compras del mes"},
     {"escribir": "dtVence", "texto": "20/12/2026"},
@@ -71,6 +71,34 @@ TEST_P(MovfrecListaTareas, SavesRefusesAndReportsWhatTheEditorShowed) {
   EXPECT_TRUE(Has(malo.err, "paso 1: «texto» debe ser un texto")) << malo.err;
 }
 
-KMF_INSTANTIATE_ENGINES(MovfrecListaTareas);
+TEST_P(MovfrecGuion, TheWizardsDialogsHandBackWhatWasChosen) {
+  const Result frecuencia = Correr(
+      R"([{"elegir": "cfUnidad", "opcion": "El último día hábil del mes"},
+          {"escribir": "tCada", "texto": "3"}, {"pulsar": "Aceptar"}])",
+      {"frecuencia"});
+  EXPECT_EQ(frecuencia.status, 0) << frecuencia.err;
+  EXPECT_TRUE(Has(frecuencia.out, "Valor: 500003 El último día hábil de cada 3 meses"))
+      << frecuencia.out;
+
+  // Demo users by identification: admin (1), cfernandez (4), jperez (2).
+  const Result usuarios = Correr(R"([{"tildar": "vsGrid", "fila": 2, "columna": "Para"},
+                                     {"pulsar": "bfFinish"}])",
+                                 {"--json", "usuarios", "2, 3"});
+  ASSERT_EQ(usuarios.status, 0) << usuarios.err;
+  EXPECT_EQ(nlohmann::json::parse(usuarios.out)["Valor"], "4, 2 (cfernandez; jperez)");
+
+  // Movement 17 is second in the group headed by 16: the dialog opens on that group.
+  const Result vinculos = Correr(R"([{"pulsar": "bfContinuar"},
+      {"escribir": "vsGrid", "fila": 1, "columna": "Orden", "texto": "3"},
+      {"pulsar": "bfContinuar"}])",
+                                 {"vincular", "17"});
+  EXPECT_EQ(vinculos.status, 0) << vinculos.err << vinculos.out;
+  EXPECT_TRUE(Has(vinculos.out, "Valor: 16:3|17:2")) << vinculos.out;
+  const Result cancelado = Correr(R"([{"pulsar": "bfCancel"}])", {"vincular", "17"});
+  EXPECT_EQ(cancelado.status, 1);
+  ExpectFails({"vincular", "9", "--guion", Guion()}, 1, "solo se vinculan asientos");
+}
+
+KMF_INSTANTIATE_ENGINES(MovfrecGuion);
 
 }  // namespace
