@@ -1,6 +1,7 @@
 #include "api/avance_agenda.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "kivmovfrec/records.h"
 #include "platform/vb/convert.h"
@@ -57,21 +58,36 @@ bool AvanceAgenda::Reservar(int32_t id) {
 }
 
 ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
-  if (!hechos_.insert(id).second) return ResultadoOcurrencia::NoAplica;
-
+  if (hechos_.count(id) != 0) return ResultadoOcurrencia::NoAplica;
   // The row is claimed before it is read (see the header): no row, nothing to mark.
-  if (!Reservar(id)) return ResultadoOcurrencia::NoAplica;
+  if (!Reservar(id)) {
+    hechos_.insert(id);
+    return ResultadoOcurrencia::NoAplica;
+  }
   clsRegMovimientoFrecuente mov(ctx_.Reloj());
-  if (!storage::CargarMovimiento(cn_, id, mov)) return ResultadoOcurrencia::NoAplica;
-  if (mov.Estado() != ToInt(enuEstadoMF::EnProceso)) return ResultadoOcurrencia::NoAplica;
-  if (mov.Recurrencia() < 1) return ResultadoOcurrencia::NoAplica;
   clsRegRecurrencia rec;
-  rec.ID(mov.Recurrencia());
-  if (!storage::CargarRecurrencia(cn_, rec)) return ResultadoOcurrencia::NoAplica;
+  if (storage::CargarMovimiento(cn_, id, mov) && mov.Estado() == ToInt(enuEstadoMF::EnProceso) &&
+      mov.Recurrencia() >= 1) {
+    rec.ID(mov.Recurrencia());
+    if (!storage::CargarRecurrencia(cn_, rec)) rec.ID(0);
+  }
+  return Realizar(id, std::move(mov), std::move(rec), nullptr);
+}
+
+ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id, clsRegMovimientoFrecuente mov,
+                                           clsRegRecurrencia rec, Date* proxima) {
+  if (!hechos_.insert(id).second) return ResultadoOcurrencia::NoAplica;
+  if (!Reservar(id)) return ResultadoOcurrencia::NoAplica;
+  if (mov.ID() != id || mov.Estado() != ToInt(enuEstadoMF::EnProceso)) {
+    return ResultadoOcurrencia::NoAplica;
+  }
+  if (mov.Recurrencia() < 1 || rec.ID() != mov.Recurrencia()) return ResultadoOcurrencia::NoAplica;
 
   const std::optional<schedule::Schedule> agenda = AgendaDe(rec);
   if (!agenda) throw VbError(13);
   const schedule::AfterOccurrence siguiente = schedule::NextOccurrence(*agenda, cal_);
+  // Both rows were read in this transaction after the claim, so they are there; should one be
+  // gone all the same, the full save puts it back as it always did.
   if (siguiente.ended) {
     mov.Estado(enuEstadoMF::Realizado);
     mov.FechaEstado(ctx_.Reloj().Now());
@@ -79,9 +95,17 @@ ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
     rec.FechaProxima(TextoProxima(siguiente.due));
     rec.NumOcurrencia(siguiente.occurrence);
     rec.Postergado(0.0f);
-    storage::GuardarRecurrencia(cn_, dbf_, rec, ctx_.parametros);
+    if (!storage::ActualizarRecurrencia(cn_, rec, ctx_.parametros)) {
+      storage::GuardarRecurrencia(cn_, dbf_, rec, ctx_.parametros);
+    }
+    if (proxima != nullptr) {
+      *proxima =
+          storage::FechaSegunFormatoBD(vb::CDate(Variant(rec.FechaProxima())), ctx_.parametros);
+    }
   }
-  storage::GuardarMovimiento(cn_, dbf_, mov, ctx_.parametros);
+  if (!storage::ActualizarMovimiento(cn_, mov)) {
+    storage::GuardarMovimiento(cn_, dbf_, mov, ctx_.parametros);
+  }
   if (mov.Tipo() == enuTipoMovFrec::Calendario) {
     cn_.Execute(SqlMarcarAvisosVistos(id, mov.Modalidad()));
   }

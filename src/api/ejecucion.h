@@ -37,6 +37,12 @@
 //     date macros expanded for the due day.
 //  5. The schedule advances (AvanceAgenda::Realizar): next due date, or Realizado after the last.
 //
+// Round trips. The scheduled movement is read once (header, schedule and lines, after the claim)
+// and serves the check of step 1, the group, the evaluator and the advance; the evaluators of a
+// run share the company's parameter items and the currencies, read by the first one; documents
+// and their lines are inserted by bound statements (the lines of one document together), and
+// the advance writes its two rows by one statement each.
+//
 // Amounts are rounded once, by the formula evaluator, to the amount format (MonRedondeo) of the
 // movement's currency (ImporteMF) and of the account's (ImporteCta); they are written as the
 // evaluator gives them. Each is first checked to be a whole number of the currency's minor units
