@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "kivmovfrec/records.h"
 #include "platform/vb/convert.h"
@@ -40,10 +41,8 @@ std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec) {
   return s;
 }
 
-std::string AvanceAgenda::SqlReservar(int32_t id) {
-  return "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = " +
-         std::to_string(id);
-}
+const char* const AvanceAgenda::kSqlReservar =
+    "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = ?";
 
 std::string AvanceAgenda::SqlMarcarAvisosVistos(int32_t id, int16_t modalidad) {
   return "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> " + std::to_string(id) +
@@ -52,7 +51,7 @@ std::string AvanceAgenda::SqlMarcarAvisosVistos(int32_t id, int16_t modalidad) {
 
 bool AvanceAgenda::Reservar(int32_t id) {
   if (const auto hecha = reservados_.find(id); hecha != reservados_.end()) return hecha->second;
-  const bool existe = cn_.Execute(SqlReservar(id)) > 0;
+  const bool existe = cn_.Execute(kSqlReservar, {Variant(id)}) > 0;
   reservados_.emplace(id, existe);
   return existe;
 }
@@ -86,8 +85,9 @@ ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id, clsRegMovimientoFrecuente
   const std::optional<schedule::Schedule> agenda = AgendaDe(rec);
   if (!agenda) throw VbError(13);
   const schedule::AfterOccurrence siguiente = schedule::NextOccurrence(*agenda, cal_);
-  // Both rows were read in this transaction after the claim, so they are there; should one be
-  // gone all the same, the full save puts it back as it always did.
+  // Both rows were read in this transaction after the claim, so they are there and are written
+  // together; should one be gone all the same, the full save puts it back as it always did.
+  std::vector<DbStatement> escribir;
   if (siguiente.ended) {
     mov.Estado(enuEstadoMF::Realizado);
     mov.FechaEstado(ctx_.Reloj().Now());
@@ -95,17 +95,18 @@ ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id, clsRegMovimientoFrecuente
     rec.FechaProxima(TextoProxima(siguiente.due));
     rec.NumOcurrencia(siguiente.occurrence);
     rec.Postergado(0.0f);
-    if (!storage::ActualizarRecurrencia(cn_, rec, ctx_.parametros)) {
-      storage::GuardarRecurrencia(cn_, dbf_, rec, ctx_.parametros);
-    }
+    escribir.push_back(storage::SentenciaActualizarRecurrencia(rec, ctx_.parametros));
     if (proxima != nullptr) {
       *proxima =
           storage::FechaSegunFormatoBD(vb::CDate(Variant(rec.FechaProxima())), ctx_.parametros);
     }
   }
-  if (!storage::ActualizarMovimiento(cn_, mov)) {
-    storage::GuardarMovimiento(cn_, dbf_, mov, ctx_.parametros);
+  escribir.push_back(storage::SentenciaActualizarMovimiento(mov));
+  const std::vector<int64_t> escritas = cn_.ExecuteAll(escribir);
+  if (!siguiente.ended && escritas.front() == 0) {
+    storage::GuardarRecurrencia(cn_, dbf_, rec, ctx_.parametros);
   }
+  if (escritas.back() == 0) storage::GuardarMovimiento(cn_, dbf_, mov, ctx_.parametros);
   if (mov.Tipo() == enuTipoMovFrec::Calendario) {
     cn_.Execute(SqlMarcarAvisosVistos(id, mov.Modalidad()));
   }

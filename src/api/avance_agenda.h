@@ -6,7 +6,7 @@
 // date, ComponentError from a counter, an unreadable frequency code from the calculator).
 //
 // Rules for one movement:
-// - Its header row is claimed first (SqlReservar, a write that changes nothing), so that two
+// - Its header row is claimed first (kSqlReservar, a write that changes nothing), so that two
 //   transactions marking the same movement run one after the other: the second waits for the
 //   first to end and then reads what it wrote. SQLite holds the whole database from BeginTrans
 //   already; PostgreSQL locks a row only when it is written, and its reads never wait, so
@@ -67,13 +67,14 @@ class AvanceAgenda {
   ResultadoOcurrencia Realizar(int32_t id, clsRegMovimientoFrecuente mov, clsRegRecurrencia rec,
                                Date* proxima);
 
-  // Claims the header row of movement `id` (SqlReservar) for the caller's transaction, once
+  // Claims the header row of movement `id` (kSqlReservar) for the caller's transaction, once
   // per object: a caller that claims the row before reading it (the main job) and then calls
   // Realizar does not claim it twice. False when the movement has no row.
   bool Reservar(int32_t id);
 
-  // "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = " + id
-  static std::string SqlReservar(int32_t id);
+  // The claim, the movement's ID bound:
+  // "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = ?"
+  static const char* const kSqlReservar;
   // "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> " + id +
   // " And MFrEstado = 0 And MFrModalidad = " + modalidad
   static std::string SqlMarcarAvisosVistos(int32_t id, int16_t modalidad);

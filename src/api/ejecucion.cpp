@@ -263,11 +263,19 @@ class Ejecutor {
 
   // The documents of the group's members dated on the day of `fecha`, in execution order.
   std::vector<DocumentoGenerado> Generados(const std::vector<MiembroGrupo>& grupo, Date fecha) {
+    // The members' IDs and the day, as a range [midnight, next midnight), bound: the text
+    // depends only on the size of the group.
     std::string ids;
-    for (const MiembroGrupo& m : grupo) ids += (ids.empty() ? "" : ", ") + std::to_string(m.id);
-    // The day as a bound range [midnight, next midnight).
-    const DbParams dia{Variant(SoloDia(fecha)), Variant(Date{SoloDia(fecha).serial + 1})};
-    const DbParams dos_dias{dia[0], dia[1], dia[0], dia[1]};
+    DbParams miembros;
+    for (const MiembroGrupo& m : grupo) {
+      ids += ids.empty() ? "?" : ", ?";
+      miembros.emplace_back(m.id);
+    }
+    const Variant desde(SoloDia(fecha)), hasta(Date{SoloDia(fecha).serial + 1});
+    DbParams dos_dias = miembros;
+    dos_dias.insert(dos_dias.end(), {desde, hasta});
+    dos_dias.insert(dos_dias.end(), miembros.begin(), miembros.end());
+    dos_dias.insert(dos_dias.end(), {desde, hasta});
     std::multimap<int32_t, int32_t> asientos, comprobantes;  // movement -> document
     for (auto rs = cn_.OpenResultset(
              "Select 1, AsiID, AsiMovFrecuente From cceAsientos Where AsiMovFrecuente In (" + ids +
@@ -420,16 +428,16 @@ class Ejecutor {
   int32_t Asiento(const clsRegMovimientoFrecuente& cab, const std::vector<Linea>& lineas,
                   Date fecha, const std::string& leyenda) {
     const int32_t id = storage::NuevoID(*dbf_, "cceAsientos", ctx_.parametros.idioma);
-    storage::InsertarFilas(cn_, "cceAsientos",
-                           {{{"AsiID", id},
-                             {"AsiEmpresa", static_cast<int32_t>(cab.Empresa())},
-                             {"AsiFecha", Variant(fecha)},
-                             {"AsiLibro", static_cast<int32_t>(cab.Modalidad())},
-                             {"AsiLeyenda", leyenda},
-                             {"AsiEstado", int32_t{1}},
-                             {"AsiMovFrecuente", cab.ID()},
-                             {"AsiUsuario", usuario_},
-                             {"AsiFechaModificado", Variant(Ahora())}}});
+    std::vector<DbStatement> insertar = storage::SentenciasInsertar(
+        "cceAsientos", {{{"AsiID", id},
+                         {"AsiEmpresa", static_cast<int32_t>(cab.Empresa())},
+                         {"AsiFecha", Variant(fecha)},
+                         {"AsiLibro", static_cast<int32_t>(cab.Modalidad())},
+                         {"AsiLeyenda", leyenda},
+                         {"AsiEstado", int32_t{1}},
+                         {"AsiMovFrecuente", cab.ID()},
+                         {"AsiUsuario", usuario_},
+                         {"AsiFechaModificado", Variant(Ahora())}}});
     std::vector<storage::ValoresFila> filas;
     int32_t orden = 0;
     for (const Linea& l : lineas) {
@@ -444,15 +452,18 @@ class Ejecutor {
                        {"ACuHaber", l.al_debe ? 0.0 : l.importe},
                        {"ACuDetalle", storage::NuloSiVacio(r.Detalle())}});
     }
-    storage::InsertarFilas(cn_, "cceAsientoCuenta", filas);
+    for (DbStatement& st : storage::SentenciasInsertar("cceAsientoCuenta", filas)) {
+      insertar.push_back(std::move(st));
+    }
+    cn_.ExecuteAll(insertar);
     return id;
   }
 
   int32_t Comprobante(const clsRegMovimientoFrecuente& cab, const std::vector<Linea>& lineas,
                       Date fecha, const std::string& leyenda) {
     const int32_t id = storage::NuevoID(*dbf_, "cceComprobantes", ctx_.parametros.idioma);
-    storage::InsertarFilas(cn_, "cceComprobantes",
-                           {{{"ComID", id},
+    std::vector<DbStatement> insertar = storage::SentenciasInsertar(
+        "cceComprobantes", {{{"ComID", id},
                              {"ComEmpresa", static_cast<int32_t>(cab.Empresa())},
                              {"ComTipoComprobante", static_cast<int32_t>(cab.Modalidad())},
                              {"ComFecha", Variant(fecha)},
@@ -480,7 +491,10 @@ class Ejecutor {
                        // per voucher unit.
                        {"CCuTipoCambio", Variant(l.importe_cta / l.importe)}});
     }
-    storage::InsertarFilas(cn_, "cceComprobanteCuenta", filas);
+    for (DbStatement& st : storage::SentenciasInsertar("cceComprobanteCuenta", filas)) {
+      insertar.push_back(std::move(st));
+    }
+    cn_.ExecuteAll(insertar);
     return id;
   }
 

@@ -10,7 +10,7 @@
 // One occurrence is one transaction:
 //  1. The movements table is taken for writing (a write that touches no row, so only a lock on
 //     the table or on the whole database can hold it up), then the scheduled movement's header
-//     row is claimed (AvanceAgenda::SqlReservar) and re-read. If it is no longer pending or its
+//     row is claimed (AvanceAgenda::kSqlReservar) and re-read. If it is no longer pending or its
 //     next due date is not the one being run, another run (or a user) got there first: the
 //     occurrence is reported as done elsewhere and nothing is written.
 //  2. Documents already generated for the occurrence (cceAsientos.AsiMovFrecuente /

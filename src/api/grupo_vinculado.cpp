@@ -15,7 +15,7 @@ constexpr const char* kColumnas =
 }  // namespace
 
 GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id) {
-  auto rs = cn.OpenResultset(kColumnas + ("MFrID = " + std::to_string(id)));
+  auto rs = cn.OpenResultset(kColumnas + std::string("MFrID = ?"), {Variant(id)});
   if (rs->Eof()) return {};
   const Variant v = rs->Get("MFrMovVinculado");
   return GrupoEnOrden(cn, id, storage::EsNulo(v) ? 0 : storage::ALong(v));
@@ -25,8 +25,8 @@ GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id, int32_t mov_vinculado) {
   GrupoVinculado grupo;
   grupo.id = mov_vinculado < 1 ? id : mov_vinculado;
   std::vector<MiembroGrupo>& miembros = grupo.miembros;
-  const std::string g = std::to_string(grupo.id);
-  auto rs = cn.OpenResultset(kColumnas + ("MFrMovVinculado = " + g + " Or MFrID = " + g));
+  auto rs = cn.OpenResultset(kColumnas + std::string("MFrMovVinculado = ? Or MFrID = ?"),
+                             {Variant(grupo.id), Variant(grupo.id)});
   for (; !rs->Eof(); rs->MoveNext()) {
     MiembroGrupo m;
     m.id = storage::ALong(rs->Get("MFrID"));

@@ -17,30 +17,32 @@ void EscribirFila(Resultset& rs, const ValoresFila& valores) {
   for (const auto& [columna, valor] : valores) rs.Set(columna, valor);
 }
 
-int64_t ActualizarFila(Connection& cn, std::string_view tabla, std::string_view clave, int32_t id,
-                       const ValoresFila& valores) {
-  std::string sql = "Update " + std::string(tabla) + " Set ";
-  DbParams params;
-  params.reserve(valores.size() + 1);
+DbStatement SentenciaActualizar(std::string_view tabla, std::string_view clave, int32_t id,
+                                const ValoresFila& valores) {
+  DbStatement st;
+  st.sql = "Update " + std::string(tabla) + " Set ";
+  st.params.reserve(valores.size() + 1);
   for (const auto& [columna, valor] : valores) {
-    sql += (params.empty() ? "" : ", ") + std::string(columna) + " = ?";
-    params.push_back(valor);
+    st.sql += (st.params.empty() ? "" : ", ") + std::string(columna) + " = ?";
+    st.params.push_back(valor);
   }
-  sql += " Where " + std::string(clave) + " = ?";
-  params.emplace_back(id);
-  return cn.Execute(sql, params);
+  st.sql += " Where " + std::string(clave) + " = ?";
+  st.params.emplace_back(id);
+  return st;
 }
 
-void InsertarFilas(Connection& cn, std::string_view tabla, const std::vector<ValoresFila>& filas) {
-  if (filas.empty()) return;
+std::vector<DbStatement> SentenciasInsertar(std::string_view tabla,
+                                            const std::vector<ValoresFila>& filas) {
+  std::vector<DbStatement> out;
+  if (filas.empty()) return out;
   const ValoresFila& primera = filas.front();
-  if (primera.empty()) throw std::invalid_argument("InsertarFilas: fila sin columnas");
+  if (primera.empty()) throw std::invalid_argument("SentenciasInsertar: fila sin columnas");
   for (const ValoresFila& f : filas) {
     const bool mismas = f.size() == primera.size() &&
                         std::equal(f.begin(), f.end(), primera.begin(), [](auto& a, auto& b) {
                           return std::strcmp(a.first, b.first) == 0;
                         });
-    if (!mismas) throw std::invalid_argument("InsertarFilas: filas con columnas distintas");
+    if (!mismas) throw std::invalid_argument("SentenciasInsertar: filas con columnas distintas");
   }
   std::string columnas, marcas;
   for (const auto& par : primera) {
@@ -51,15 +53,16 @@ void InsertarFilas(Connection& cn, std::string_view tabla, const std::vector<Val
   const size_t por_sentencia = std::max<size_t>(1, kMaxValores / primera.size());
   for (size_t desde = 0; desde < filas.size(); desde += por_sentencia) {
     const size_t hasta = std::min(filas.size(), desde + por_sentencia);
-    std::string sql = "Insert Into " + std::string(tabla) + " (" + columnas + ") Values ";
-    DbParams params;
-    params.reserve((hasta - desde) * primera.size());
+    DbStatement st;
+    st.sql = "Insert Into " + std::string(tabla) + " (" + columnas + ") Values ";
+    st.params.reserve((hasta - desde) * primera.size());
     for (size_t i = desde; i < hasta; ++i) {
-      sql += (i == desde ? "" : ", ") + marcas;
-      for (const auto& par : filas[i]) params.push_back(par.second);
+      st.sql += (i == desde ? "" : ", ") + marcas;
+      for (const auto& par : filas[i]) st.params.push_back(par.second);
     }
-    cn.Execute(sql, params);
+    out.push_back(std::move(st));
   }
+  return out;
 }
 
 }  // namespace kivmovfrec::storage

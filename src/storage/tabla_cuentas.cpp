@@ -43,14 +43,18 @@ std::map<int32_t, std::optional<std::string>> ProblemasCuentasRenglones(
     Connection& cn, int32_t empresa, const std::set<int32_t>& cuentas) {
   std::map<int32_t, std::optional<std::string>> out;
   if (cuentas.empty()) return out;
+  // The accounts bound: the text depends only on how many there are.
   std::string lista;
+  DbParams ids;
   for (int32_t c : cuentas) {
-    lista += (lista.empty() ? "" : ", ") + std::to_string(c);
+    lista += lista.empty() ? "?" : ", ?";
+    ids.emplace_back(c);
     out.emplace(c, NoExiste(c));
   }
   for (auto rs = cn.OpenResultset(
            "Select CueID, CueIDEmpresa, CueEsCarpeta From cceCuentas Where CueID In (" + lista +
-           ")");
+               ")",
+           ids);
        !rs->Eof(); rs->MoveNext()) {
     const int32_t cuenta = ALong(rs->Get("CueID"));
     out[cuenta] = Problema(*rs, empresa, cuenta);

@@ -100,10 +100,9 @@ int32_t GuardarMovimiento(Connection& cn, IDBFncs& dbf, clsRegMovimientoFrecuent
   return id;
 }
 
-bool ActualizarMovimiento(Connection& cn, const clsRegMovimientoFrecuente& mf) {
+DbStatement SentenciaActualizarMovimiento(const clsRegMovimientoFrecuente& mf) {
   RechazarTextosMovimiento(mf);
-  return ActualizarFila(cn, "genMovimientosFrecuentes", "MFrID", mf.ID(), ValoresMovimiento(mf)) >
-         0;
+  return SentenciaActualizar("genMovimientosFrecuentes", "MFrID", mf.ID(), ValoresMovimiento(mf));
 }
 
 std::string SqlMaxOrdenVinculo(int32_t mov_vinculado) {

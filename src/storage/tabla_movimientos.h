@@ -59,10 +59,10 @@ void RechazarTextosMovimiento(const clsRegMovimientoFrecuente& mf);
 int32_t GuardarMovimiento(Connection& cn, IDBFncs& dbf, clsRegMovimientoFrecuente& mf,
                           const ParametrosBD& p);
 
-// Writes every header column of row mf.ID() (the same values as GuardarMovimiento) in one
-// bound statement, after checking the texts (RechazarTextosMovimiento). For a row the caller
-// has just read in its transaction: false, writing nothing, when there is no such row.
-bool ActualizarMovimiento(Connection& cn, const clsRegMovimientoFrecuente& mf);
+// The statement that writes every header column of row mf.ID() (the same values as
+// GuardarMovimiento), after checking the texts (RechazarTextosMovimiento). For a row the
+// caller has just read in its transaction: it changes no row when there is none.
+DbStatement SentenciaActualizarMovimiento(const clsRegMovimientoFrecuente& mf);
 
 // "Select Max(MFrMVOrden) From genMovimientosFrecuentes Where MFrMovVinculado = " + id
 std::string SqlMaxOrdenVinculo(int32_t mov_vinculado);

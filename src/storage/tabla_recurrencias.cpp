@@ -7,6 +7,7 @@
 #include "platform/vb/text.h"
 #include "storage/columnas.h"
 #include "storage/contador.h"
+#include "storage/fila.h"
 
 namespace kivmovfrec::storage {
 namespace {
@@ -128,8 +129,8 @@ int32_t GuardarRecurrencia(Connection& cn, IDBFncs& dbf, clsRegRecurrencia& rec,
   return id;
 }
 
-bool ActualizarRecurrencia(Connection& cn, clsRegRecurrencia& rec, const ParametrosBD& p) {
-  return ActualizarFila(cn, "genRecurrencias", "RecID", rec.ID(), ValoresRecurrencia(rec, p)) > 0;
+DbStatement SentenciaActualizarRecurrencia(clsRegRecurrencia& rec, const ParametrosBD& p) {
+  return SentenciaActualizar("genRecurrencias", "RecID", rec.ID(), ValoresRecurrencia(rec, p));
 }
 
 void BorrarRecurrencia(Connection& cn, int32_t id) {

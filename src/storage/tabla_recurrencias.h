@@ -64,10 +64,10 @@ bool CargarRecurrencia(Connection& cn, clsRegRecurrencia& rec);
 int32_t GuardarRecurrencia(Connection& cn, IDBFncs& dbf, clsRegRecurrencia& rec,
                            const ParametrosBD& p);
 
-// Writes every column of row rec.ID() (the same values as GuardarRecurrencia) in one bound
-// statement. For a row the caller has just read in its transaction: false, writing nothing,
-// when there is no such row.
-bool ActualizarRecurrencia(Connection& cn, clsRegRecurrencia& rec, const ParametrosBD& p);
+// The statement that writes every column of row rec.ID() (the same values as
+// GuardarRecurrencia). For a row the caller has just read in its transaction: it changes no
+// row when there is none.
+DbStatement SentenciaActualizarRecurrencia(clsRegRecurrencia& rec, const ParametrosBD& p);
 
 // Delete: removes row `id` when there is one; no row is no error.
 void BorrarRecurrencia(Connection& cn, int32_t id);
