@@ -29,6 +29,12 @@ void IgnoreNotice(void*, const char*) {}
 constexpr size_t kMaxSeen = 1024;
 constexpr size_t kMaxPrepared = 256;
 
+// A prepared statement refused because a table it reads changed shape since it was prepared
+// ("cached plan must not change result type").
+bool StaleShape(const PGresult* r) {
+  return PQresultStatus(r) == PGRES_FATAL_ERROR && SqlState(r) == "0A000";
+}
+
 // Statements worth preparing: those the server plans.
 bool Plannable(std::string_view text) {
   const std::string first = sql::LeadingKeyword(text);
@@ -175,10 +181,21 @@ std::vector<Result> Session::Pipeline(const std::vector<Statement>& statements) 
   if (steps.size() == 1 && !steps[0].prepare && !deallocate_ && pending_begin_.empty()) {
     const Step& st = steps[0];
     const int n = static_cast<int>(st.values.size());
-    Result r(st.name.empty() ? PQexecParams(conn_, st.text.c_str(), n, nullptr, st.values.data(),
-                                            nullptr, nullptr, 0)
-                             : PQexecPrepared(conn_, st.name.c_str(), n, st.values.data(), nullptr,
-                                              nullptr, 0));
+    const auto unnamed = [&] {
+      return Result(
+          PQexecParams(conn_, st.text.c_str(), n, nullptr, st.values.data(), nullptr, nullptr, 0));
+    };
+    const bool idle = PQtransactionStatus(conn_) == PQTRANS_IDLE;
+    Result r = st.name.empty() ? unnamed()
+                               : Result(PQexecPrepared(conn_, st.name.c_str(), n, st.values.data(),
+                                                       nullptr, nullptr, 0));
+    if (r && !st.name.empty() && StaleShape(r.get())) {
+      // Another connection changed a table under the prepared statement: its rows no longer
+      // have the shape they were prepared with. Prepared statements start over; outside a
+      // transaction the statement runs again as it is now.
+      ForgetPrepared();
+      if (idle) r = unnamed();
+    }
     if (!r) throw lost();
     std::vector<Result> out;
     out.push_back(std::move(r));
@@ -235,6 +252,9 @@ std::vector<Result> Session::Pipeline(const std::vector<Statement>& statements) 
   std::vector<Result> out;
   size_t i = 0;
   Result failed;
+  for (const Result& r : results) {
+    if (StaleShape(r.get())) ForgetPrepared();
+  }
   if (begin) {
     if (ok(results[i]))
       pending_begin_.clear();
