@@ -121,6 +121,12 @@ enum class Engine { SQLite, PostgreSQL };
 // one, throws DbError without running.
 using DbParams = std::vector<Variant>;
 
+// One statement with its bound values, for Connection::ExecuteAll.
+struct DbStatement {
+  std::string sql;
+  DbParams params;
+};
+
 // The query limit a connection starts with (Connection::SetQueryLimit).
 inline constexpr std::chrono::milliseconds kDefaultQueryLimit{10000};
 
@@ -185,6 +191,13 @@ class KMF_API Connection {
   // placeholders; returns the number of rows it inserted, updated or deleted (0 for anything
   // else).
   virtual int64_t Execute(std::string_view sql, const DbParams& params = {}) = 0;
+
+  // Runs the statements in order, each as Execute would, and returns how many rows each one
+  // changed. The first that fails throws its DbError and those after it do not run. Outside a
+  // transaction they run in one of their own: all or nothing. PostgreSQL sends them together,
+  // in one round trip; this default calls Execute for each (a connection that forwards to
+  // another gets its Execute called once per statement).
+  virtual std::vector<int64_t> ExecuteAll(const std::vector<DbStatement>& statements);
 
   virtual void BeginTrans() = 0;
   virtual void CommitTrans() = 0;

@@ -1,6 +1,8 @@
 #include "api/avance_agenda.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "kivmovfrec/records.h"
 #include "platform/vb/convert.h"
@@ -35,10 +37,8 @@ std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec) {
   return s;
 }
 
-std::string AvanceAgenda::SqlReservar(int32_t id) {
-  return "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = " +
-         std::to_string(id);
-}
+const char* const AvanceAgenda::kSqlReservar =
+    "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = ?";
 
 std::string AvanceAgenda::SqlMarcarAvisosVistos(int32_t id, int16_t modalidad) {
   return "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> " + std::to_string(id) +
@@ -47,27 +47,43 @@ std::string AvanceAgenda::SqlMarcarAvisosVistos(int32_t id, int16_t modalidad) {
 
 bool AvanceAgenda::Reservar(int32_t id) {
   if (const auto hecha = reservados_.find(id); hecha != reservados_.end()) return hecha->second;
-  const bool existe = cn_.Execute(SqlReservar(id)) > 0;
+  const bool existe = cn_.Execute(kSqlReservar, {Variant(id)}) > 0;
   reservados_.emplace(id, existe);
   return existe;
 }
 
 ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
-  if (!hechos_.insert(id).second) return ResultadoOcurrencia::NoAplica;
-
+  if (hechos_.count(id) != 0) return ResultadoOcurrencia::NoAplica;
   // The row is claimed before it is read (see the header): no row, nothing to mark.
-  if (!Reservar(id)) return ResultadoOcurrencia::NoAplica;
+  if (!Reservar(id)) {
+    hechos_.insert(id);
+    return ResultadoOcurrencia::NoAplica;
+  }
   clsRegMovimientoFrecuente mov(ctx_.Reloj());
-  if (!storage::CargarMovimiento(cn_, id, mov)) return ResultadoOcurrencia::NoAplica;
-  if (mov.Estado() != ToInt(enuEstadoMF::EnProceso)) return ResultadoOcurrencia::NoAplica;
-  if (mov.Recurrencia() < 1) return ResultadoOcurrencia::NoAplica;
   clsRegRecurrencia rec;
-  rec.ID(mov.Recurrencia());
-  if (!storage::CargarRecurrencia(cn_, rec)) return ResultadoOcurrencia::NoAplica;
+  if (storage::CargarMovimiento(cn_, id, mov) && mov.Estado() == ToInt(enuEstadoMF::EnProceso) &&
+      mov.Recurrencia() >= 1) {
+    rec.ID(mov.Recurrencia());
+    if (!storage::CargarRecurrencia(cn_, rec)) rec.ID(0);
+  }
+  return Realizar(id, std::move(mov), std::move(rec), nullptr);
+}
+
+ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id, clsRegMovimientoFrecuente mov,
+                                           clsRegRecurrencia rec, Date* proxima) {
+  if (!hechos_.insert(id).second) return ResultadoOcurrencia::NoAplica;
+  if (!Reservar(id)) return ResultadoOcurrencia::NoAplica;
+  if (mov.ID() != id || mov.Estado() != ToInt(enuEstadoMF::EnProceso)) {
+    return ResultadoOcurrencia::NoAplica;
+  }
+  if (mov.Recurrencia() < 1 || rec.ID() != mov.Recurrencia()) return ResultadoOcurrencia::NoAplica;
 
   const std::optional<schedule::Schedule> agenda = AgendaDe(rec);
   if (!agenda) throw VbError(13);
   const schedule::AfterOccurrence siguiente = schedule::NextOccurrence(*agenda, cal_);
+  // Both rows were read in this transaction after the claim, so they are there and are written
+  // together; should one be gone all the same, the full save puts it back as it always did.
+  std::vector<DbStatement> escribir;
   if (siguiente.ended) {
     mov.Estado(enuEstadoMF::Realizado);
     mov.FechaEstado(ctx_.Reloj().Now());
@@ -75,9 +91,18 @@ ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id) {
     rec.FechaProxima(TextoProxima(siguiente.due));
     rec.NumOcurrencia(siguiente.occurrence);
     rec.Postergado(0.0f);
+    escribir.push_back(storage::SentenciaActualizarRecurrencia(rec, ctx_.parametros));
+    if (proxima != nullptr) {
+      *proxima =
+          storage::FechaSegunFormatoBD(vb::CDate(Variant(rec.FechaProxima())), ctx_.parametros);
+    }
+  }
+  escribir.push_back(storage::SentenciaActualizarMovimiento(mov));
+  const std::vector<int64_t> escritas = cn_.ExecuteAll(escribir);
+  if (!siguiente.ended && escritas.front() == 0) {
     storage::GuardarRecurrencia(cn_, dbf_, rec, ctx_.parametros);
   }
-  storage::GuardarMovimiento(cn_, dbf_, mov, ctx_.parametros);
+  if (escritas.back() == 0) storage::GuardarMovimiento(cn_, dbf_, mov, ctx_.parametros);
   if (mov.Tipo() == enuTipoMovFrec::Calendario) {
     cn_.Execute(SqlMarcarAvisosVistos(id, mov.Modalidad()));
   }

@@ -6,7 +6,7 @@
 // date, ComponentError from a counter, an unreadable frequency code from the calculator).
 //
 // Rules for one movement:
-// - Its header row is claimed first (SqlReservar, a write that changes nothing), so that two
+// - Its header row is claimed first (kSqlReservar, a write that changes nothing), so that two
 //   transactions marking the same movement run one after the other: the second waits for the
 //   first to end and then reads what it wrote. SQLite holds the whole database from BeginTrans
 //   already; PostgreSQL locks a row only when it is written, and its reads never wait, so
@@ -16,7 +16,8 @@
 //   schedule::NextOccurrence (schedule/next_occurrence.h) for the schedule row (AgendaDe). The
 //   next date is written "dd/mm/yyyy hh:nn", or "dd/mm/yyyy" when it has no time of day.
 // - Advancing: FechaProxima = the next date, occurrence number + 1, Postergado cleared (a
-//   postponement belongs to the occurrence it delayed); the schedule row is saved.
+//   postponement belongs to the occurrence it delayed); the schedule row is saved (one
+//   statement writing every column, as GuardarRecurrencia would).
 // - Ending: the schedule row is left on its last occurrence; the header becomes Realizado with
 //   FechaEstado now.
 // - The header row is saved in both cases. For a notice (Tipo 3) the other pending movements of
@@ -31,6 +32,7 @@
 
 #include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/records.h"
 #include "kivmovfrec/reg_recurrencia.h"
 #include "kivmovfrec/services.h"
 #include "schedule/next_occurrence.h"
@@ -60,14 +62,22 @@ class AvanceAgenda {
   // Marks the current occurrence of movement `id` done (rules above). A movement already
   // processed by this object is not processed again (NoAplica).
   ResultadoOcurrencia Realizar(int32_t id);
+  // The same for a caller that claimed the row (Reservar) and then read the header `mov` and
+  // its schedule row `rec` in the same transaction (the main job, which needs them before):
+  // they are used as read instead of being read again. A `rec` that is not the header's
+  // schedule (ID 0 when it has no row) is no stored schedule. `proxima`, when given, receives
+  // the next due date as written when the schedule advances.
+  ResultadoOcurrencia Realizar(int32_t id, clsRegMovimientoFrecuente mov, clsRegRecurrencia rec,
+                               Date* proxima);
 
-  // Claims the header row of movement `id` (SqlReservar) for the caller's transaction, once
+  // Claims the header row of movement `id` (kSqlReservar) for the caller's transaction, once
   // per object: a caller that claims the row before reading it (the main job) and then calls
   // Realizar does not claim it twice. False when the movement has no row.
   bool Reservar(int32_t id);
 
-  // "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = " + id
-  static std::string SqlReservar(int32_t id);
+  // The claim, the movement's ID bound:
+  // "Update genMovimientosFrecuentes Set MFrEstado = MFrEstado Where MFrID = ?"
+  static const char* const kSqlReservar;
   // "Update genMovimientosfrecuentes Set MFrVista = 2 where MFrID <> " + id +
   // " And MFrEstado = 0 And MFrModalidad = " + modalidad
   static std::string SqlMarcarAvisosVistos(int32_t id, int16_t modalidad);

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -23,6 +24,7 @@
 #include "schedule/date_calculator.h"
 #include "storage/columnas.h"
 #include "storage/contador.h"
+#include "storage/fila.h"
 #include "storage/tabla_cuentas.h"
 #include "storage/tabla_recurrencias.h"
 
@@ -158,7 +160,7 @@ class Ejecutor {
     // The currencies as the formula evaluator rounds with them (0 = the accounting currency).
     monedas_.Connect(std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn));
     monedas_.MonedaContabilidad(moneda_contable_);
-    monedas_.Load();
+    monedas_leidas_ = monedas_.Load();
   }
 
   // Runs one occurrence in its own transaction. Throws Detencion when the database cannot be
@@ -176,6 +178,9 @@ class Ejecutor {
       fila = true;
       avance.Reservar(v.id);
       fila = false;
+      // Read once, after the claim: the header and schedule decide whether the occurrence is
+      // still due and then advance, the lines are what the evaluator works out. Nothing the
+      // occurrence does before the advance writes them.
       clsMFTipo mov(ctx_.servicios.clock);
       const bool existe = mov.Load(cn_, v.id);
       if (existe) r.nombre = mov.MovFrecuente()->Nombre();
@@ -184,30 +189,30 @@ class Ejecutor {
         r.estado = EstadoOcurrencia::HechaEnOtraParte;
         return r;
       }
-      const std::vector<MiembroGrupo> grupo = GrupoEnOrden(cn_, v.id).miembros;
+      const clsRegMovimientoFrecuente cabecera = *mov.MovFrecuente();
+      const clsRegRecurrencia agenda = *mov.Recurrencia();
+      const std::vector<MiembroGrupo> grupo =
+          GrupoEnOrden(cn_, v.id, cabecera.MovVinculado()).miembros;
       r.documentos = Generados(grupo, v.fecha);
       r.estado = EstadoOcurrencia::YaGenerada;
       if (r.documentos.empty()) {
         r.estado = EstadoOcurrencia::Ejecutada;
         for (const MiembroGrupo& m : grupo) {
           if (m.id == v.id || (m.estado == 0 && EsAsientoOComprobante(m.tipo))) {
-            r.documentos.push_back(Documento(m, v.fecha, r.documentos));
+            r.documentos.push_back(
+                Documento(m, v.fecha, r.documentos, m.id == v.id ? &mov : nullptr));
           }
         }
       }
-      const ResultadoOcurrencia hecho = avance.Realizar(v.id);
+      // The next due date as written, before the commit: once committed, the occurrence is
+      // reported whatever happens afterwards.
+      Date proxima{};
+      const ResultadoOcurrencia hecho = avance.Realizar(v.id, cabecera, agenda, &proxima);
       if (hecho == ResultadoOcurrencia::NoAplica) {
         throw std::runtime_error("no se pudo avanzar su agenda");
       }
       r.terminada = hecho == ResultadoOcurrencia::Terminada;
-      // The next due date is read before the commit: once committed, the occurrence is
-      // reported whatever happens afterwards. Only the schedule's row is read again: the
-      // advance changes nothing else this needs.
-      clsRegRecurrencia despues = *mov.Recurrencia();
-      if (!r.terminada && storage::CargarRecurrencia(cn_, despues) &&
-          vb::IsDate(Variant(despues.FechaProxima()))) {
-        r.proxima = vb::CDate(Variant(despues.FechaProxima()));
-      }
+      if (!r.terminada) r.proxima = proxima;
       transaccion.Commit();
     } catch (const DbError& e) {
       const bool fila_tomada = fila && e.kind() == DbErrorKind::Busy;
@@ -258,24 +263,30 @@ class Ejecutor {
 
   // The documents of the group's members dated on the day of `fecha`, in execution order.
   std::vector<DocumentoGenerado> Generados(const std::vector<MiembroGrupo>& grupo, Date fecha) {
+    // The members' IDs and the day, as a range [midnight, next midnight), bound: the text
+    // depends only on the size of the group.
     std::string ids;
-    for (const MiembroGrupo& m : grupo) ids += (ids.empty() ? "" : ", ") + std::to_string(m.id);
-    // The day as a bound range [midnight, next midnight).
-    const DbParams dia{Variant(SoloDia(fecha)), Variant(Date{SoloDia(fecha).serial + 1})};
+    DbParams miembros;
+    for (const MiembroGrupo& m : grupo) {
+      ids += ids.empty() ? "?" : ", ?";
+      miembros.emplace_back(m.id);
+    }
+    const Variant desde(SoloDia(fecha)), hasta(Date{SoloDia(fecha).serial + 1});
+    DbParams dos_dias = miembros;
+    dos_dias.insert(dos_dias.end(), {desde, hasta});
+    dos_dias.insert(dos_dias.end(), miembros.begin(), miembros.end());
+    dos_dias.insert(dos_dias.end(), {desde, hasta});
     std::multimap<int32_t, int32_t> asientos, comprobantes;  // movement -> document
     for (auto rs = cn_.OpenResultset(
-             "Select AsiID, AsiMovFrecuente From cceAsientos Where AsiMovFrecuente In (" + ids +
-                 ") And AsiFecha >= ? And AsiFecha < ? Order By AsiID",
-             dia);
+             "Select 1, AsiID, AsiMovFrecuente From cceAsientos Where AsiMovFrecuente In (" + ids +
+                 ") And AsiFecha >= ? And AsiFecha < ? Union All "
+                 "Select 2, ComID, ComMovFrecuente From cceComprobantes Where ComMovFrecuente In "
+                 "(" +
+                 ids + ") And ComFecha >= ? And ComFecha < ? Order By 1, 2",
+             dos_dias);
          !rs->Eof(); rs->MoveNext()) {
-      asientos.emplace(storage::ALong(rs->Get(1)), storage::ALong(rs->Get(0)));
-    }
-    for (auto rs = cn_.OpenResultset(
-             "Select ComID, ComMovFrecuente From cceComprobantes Where ComMovFrecuente In (" + ids +
-                 ") And ComFecha >= ? And ComFecha < ? Order By ComID",
-             dia);
-         !rs->Eof(); rs->MoveNext()) {
-      comprobantes.emplace(storage::ALong(rs->Get(1)), storage::ALong(rs->Get(0)));
+      (storage::ALong(rs->Get(0)) == 1 ? asientos : comprobantes)
+          .emplace(storage::ALong(rs->Get(2)), storage::ALong(rs->Get(1)));
     }
     std::vector<DocumentoGenerado> out;
     for (const MiembroGrupo& m : grupo) {
@@ -301,22 +312,25 @@ class Ejecutor {
   // Computes member `m` as of `fecha` and writes its document. `previos` are the documents the
   // members before it generated in this occurrence: a value taken from another movement's
   // document ([CuentaProyectoCentroCosto]) must come from one of them.
+  // `cargado`: the member as the occurrence has just read it (the scheduled movement), not read
+  // again.
   DocumentoGenerado Documento(const MiembroGrupo& m, Date fecha,
-                              const std::vector<DocumentoGenerado>& previos) {
+                              const std::vector<DocumentoGenerado>& previos, clsMFTipo* cargado) {
     const std::string quien = Quien(m.id, m.nombre);
-    const SuiteServices& sv = ctx_.servicios;
-    formula::clsCalculoFx calculo(std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn_),
-                                  empresa_, {sv.input, sv.clock, sv.balance}, ctx_.parametros);
+    formula::clsCalculoFx calculo = Evaluador();
     calculo.Funciones().Ocurrencia([&previos](int32_t id) -> std::optional<int32_t> {
       for (const DocumentoGenerado& d : previos) {
         if (d.movimiento == id) return d.id;
       }
       return std::nullopt;
     });
-    clsMFTipo mov(ctx_.servicios.clock);
+    clsMFTipo propio(ctx_.servicios.clock);
+    clsMFTipo& mov = cargado != nullptr ? *cargado : propio;
     Date dia = SoloDia(fecha);
     // Prompts are allowed: a movement that needs a typed value cannot run unattended.
-    if (!calculo.SetCalculoFormulasMF(mov, m.id, false, dia)) {
+    const bool calculado = cargado != nullptr ? calculo.CalcularCargado(mov, false, dia)
+                                              : calculo.SetCalculoFormulasMF(mov, m.id, false, dia);
+    if (!calculado) {
       const std::string& error = calculo.Traza().error;
       throw std::runtime_error(quien + ": " + (error.empty() ? "fórmula sin resultado" : error));
     }
@@ -344,12 +358,20 @@ class Ejecutor {
     std::vector<Linea> lineas;
     int64_t debe = 0, haber = 0;
     const clsRenglonesMF& renglones = *mov.Renglones();
+    // The accounts of the lines that are written, read at once.
+    std::set<int32_t> cuentas;
+    for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+      const clsRegRenglonMF& r = *renglones.Renglon(i);
+      const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
+      if (u && *u != 0) cuentas.insert(r.Cuenta());
+    }
+    const auto problemas = storage::ProblemasCuentasRenglones(cn_, cab.Empresa(), cuentas);
     for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
       const clsRegRenglonMF& r = *renglones.Renglon(i);
       const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
       if (!u) throw no_se_expresa(i, r.ImporteMF(), moneda);
       if (*u == 0) continue;
-      if (auto problema = storage::ProblemaCuentaRenglon(cn_, cab.Empresa(), r.Cuenta())) {
+      if (const auto& problema = problemas.at(r.Cuenta())) {
         throw std::runtime_error(quien + ": línea " + std::to_string(i) + ": " + *problema);
       }
       const MonedaDocumento de_cuenta = Moneda(r.Moneda());
@@ -388,78 +410,91 @@ class Ejecutor {
 
   Date Ahora() const { return reloj_ ? reloj_->Now() : Date{}; }
 
+  // The evaluator of one member, in the company context the first one read (EmpPrms and the
+  // currencies: nothing an occurrence does changes them).
+  formula::clsCalculoFx Evaluador() {
+    const SuiteServices& sv = ctx_.servicios;
+    const auto cn = std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn_);
+    if (!contexto_fx_) {
+      formula::clsCalculoFx primero(cn, empresa_, {sv.input, sv.clock, sv.balance},
+                                    ctx_.parametros);
+      contexto_fx_ = primero.Funciones().Contexto();
+      if (monedas_leidas_) contexto_fx_->monedas = monedas_.Monedas();
+    }
+    return formula::clsCalculoFx(cn, *contexto_fx_, {sv.input, sv.clock, sv.balance},
+                                 ctx_.parametros);
+  }
+
   int32_t Asiento(const clsRegMovimientoFrecuente& cab, const std::vector<Linea>& lineas,
                   Date fecha, const std::string& leyenda) {
     const int32_t id = storage::NuevoID(*dbf_, "cceAsientos", ctx_.parametros.idioma);
-    auto rs = cn_.OpenResultset("Select * From cceAsientos Where AsiID = " + std::to_string(id));
-    rs->AddNew();
-    rs->Set("AsiID", id);
-    rs->Set("AsiEmpresa", static_cast<int32_t>(cab.Empresa()));
-    rs->Set("AsiFecha", Variant(fecha));
-    rs->Set("AsiLibro", static_cast<int32_t>(cab.Modalidad()));
-    rs->Set("AsiLeyenda", leyenda);
-    rs->Set("AsiEstado", int32_t{1});
-    rs->Set("AsiMovFrecuente", cab.ID());
-    rs->Set("AsiUsuario", usuario_);
-    rs->Set("AsiFechaModificado", Variant(Ahora()));
-    rs->Update();
-    auto ls = cn_.OpenResultset("Select * From cceAsientoCuenta Where ACuIDAsiento = " +
-                                std::to_string(id));
+    std::vector<DbStatement> insertar = storage::SentenciasInsertar(
+        "cceAsientos", {{{"AsiID", id},
+                         {"AsiEmpresa", static_cast<int32_t>(cab.Empresa())},
+                         {"AsiFecha", Variant(fecha)},
+                         {"AsiLibro", static_cast<int32_t>(cab.Modalidad())},
+                         {"AsiLeyenda", leyenda},
+                         {"AsiEstado", int32_t{1}},
+                         {"AsiMovFrecuente", cab.ID()},
+                         {"AsiUsuario", usuario_},
+                         {"AsiFechaModificado", Variant(Ahora())}}});
+    std::vector<storage::ValoresFila> filas;
     int32_t orden = 0;
     for (const Linea& l : lineas) {
       const clsRegRenglonMF& r = *l.renglon;
-      ls->AddNew();
-      ls->Set("ACuIDAsiento", id);
-      ls->Set("ACuOrden", ++orden);
-      ls->Set("ACuCuenta", r.Cuenta());
-      ls->Set("ACuProyecto", NuloSiCero(r.Proyecto()));
-      ls->Set("ACuDepartamento", NuloSiCero(r.Departamento()));
-      ls->Set("ACuImporteMC", l.importe_cta);
-      ls->Set("ACuDebe", l.al_debe ? l.importe : 0.0);
-      ls->Set("ACuHaber", l.al_debe ? 0.0 : l.importe);
-      ls->Set("ACuDetalle", storage::NuloSiVacio(r.Detalle()));
-      ls->Update();
+      filas.push_back({{"ACuIDAsiento", id},
+                       {"ACuOrden", ++orden},
+                       {"ACuCuenta", r.Cuenta()},
+                       {"ACuProyecto", NuloSiCero(r.Proyecto())},
+                       {"ACuDepartamento", NuloSiCero(r.Departamento())},
+                       {"ACuImporteMC", l.importe_cta},
+                       {"ACuDebe", l.al_debe ? l.importe : 0.0},
+                       {"ACuHaber", l.al_debe ? 0.0 : l.importe},
+                       {"ACuDetalle", storage::NuloSiVacio(r.Detalle())}});
     }
+    for (DbStatement& st : storage::SentenciasInsertar("cceAsientoCuenta", filas)) {
+      insertar.push_back(std::move(st));
+    }
+    cn_.ExecuteAll(insertar);
     return id;
   }
 
   int32_t Comprobante(const clsRegMovimientoFrecuente& cab, const std::vector<Linea>& lineas,
                       Date fecha, const std::string& leyenda) {
     const int32_t id = storage::NuevoID(*dbf_, "cceComprobantes", ctx_.parametros.idioma);
-    auto rs =
-        cn_.OpenResultset("Select * From cceComprobantes Where ComID = " + std::to_string(id));
-    rs->AddNew();
-    rs->Set("ComID", id);
-    rs->Set("ComEmpresa", static_cast<int32_t>(cab.Empresa()));
-    rs->Set("ComTipoComprobante", static_cast<int32_t>(cab.Modalidad()));
-    rs->Set("ComFecha", Variant(fecha));
-    rs->Set("ComEnte", NuloSiCero(cab.Ente()));
-    rs->Set("ComMoneda", static_cast<int32_t>(cab.Moneda()));
-    rs->Set("ComDetalle", leyenda);
-    rs->Set("ComEstado", int32_t{1});
-    rs->Set("ComMovFrecuente", cab.ID());
-    rs->Set("ComUsuario", usuario_);
-    rs->Set("ComFechaModificacion", Variant(Ahora()));
-    rs->Update();
-    auto ls = cn_.OpenResultset("Select * From cceComprobanteCuenta Where CCuIDComprobante = " +
-                                std::to_string(id));
+    std::vector<DbStatement> insertar = storage::SentenciasInsertar(
+        "cceComprobantes", {{{"ComID", id},
+                             {"ComEmpresa", static_cast<int32_t>(cab.Empresa())},
+                             {"ComTipoComprobante", static_cast<int32_t>(cab.Modalidad())},
+                             {"ComFecha", Variant(fecha)},
+                             {"ComEnte", NuloSiCero(cab.Ente())},
+                             {"ComMoneda", static_cast<int32_t>(cab.Moneda())},
+                             {"ComDetalle", leyenda},
+                             {"ComEstado", int32_t{1}},
+                             {"ComMovFrecuente", cab.ID()},
+                             {"ComUsuario", usuario_},
+                             {"ComFechaModificacion", Variant(Ahora())}}});
+    std::vector<storage::ValoresFila> filas;
     int32_t orden = 0;
     for (const Linea& l : lineas) {
       const clsRegRenglonMF& r = *l.renglon;
-      ls->AddNew();
-      ls->Set("CCuIDComprobante", id);
-      ls->Set("CCuOrden", ++orden);
-      ls->Set("CCuIDCuenta", r.Cuenta());
-      ls->Set("CCuIDProyecto", NuloSiCero(r.Proyecto()));
-      ls->Set("CCuIDDepartamento", NuloSiCero(r.Departamento()));
-      ls->Set("CCuMoneda", static_cast<int32_t>(r.Moneda()));
-      ls->Set("CCuImporteCuenta", l.importe_cta);
-      ls->Set("CCuDebe", l.al_debe ? l.importe : 0.0);
-      ls->Set("CCuHaber", l.al_debe ? 0.0 : l.importe);
-      // The rate the account's amount was worked out with, account currency per voucher unit.
-      ls->Set("CCuTipoCambio", Variant(l.importe_cta / l.importe));
-      ls->Update();
+      filas.push_back({{"CCuIDComprobante", id},
+                       {"CCuOrden", ++orden},
+                       {"CCuIDCuenta", r.Cuenta()},
+                       {"CCuIDProyecto", NuloSiCero(r.Proyecto())},
+                       {"CCuIDDepartamento", NuloSiCero(r.Departamento())},
+                       {"CCuMoneda", static_cast<int32_t>(r.Moneda())},
+                       {"CCuImporteCuenta", l.importe_cta},
+                       {"CCuDebe", l.al_debe ? l.importe : 0.0},
+                       {"CCuHaber", l.al_debe ? 0.0 : l.importe},
+                       // The rate the account's amount was worked out with, account currency
+                       // per voucher unit.
+                       {"CCuTipoCambio", Variant(l.importe_cta / l.importe)}});
     }
+    for (DbStatement& st : storage::SentenciasInsertar("cceComprobanteCuenta", filas)) {
+      insertar.push_back(std::move(st));
+    }
+    cn_.ExecuteAll(insertar);
     return id;
   }
 
@@ -472,7 +507,9 @@ class Ejecutor {
   IDateCalculator* calendario_ = nullptr;
   std::unique_ptr<IDateCalculator> propio_;
   int16_t moneda_contable_ = 0;
+  bool monedas_leidas_ = false;
   clsEmpresa empresa_;
+  std::optional<formula::ContextoEmpresaFx> contexto_fx_;
 };
 
 }  // namespace

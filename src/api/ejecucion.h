@@ -10,7 +10,7 @@
 // One occurrence is one transaction:
 //  1. The movements table is taken for writing (a write that touches no row, so only a lock on
 //     the table or on the whole database can hold it up), then the scheduled movement's header
-//     row is claimed (AvanceAgenda::SqlReservar) and re-read. If it is no longer pending or its
+//     row is claimed (AvanceAgenda::kSqlReservar) and re-read. If it is no longer pending or its
 //     next due date is not the one being run, another run (or a user) got there first: the
 //     occurrence is reported as done elsewhere and nothing is written.
 //  2. Documents already generated for the occurrence (cceAsientos.AsiMovFrecuente /
@@ -36,6 +36,12 @@
 //     (AsiLeyenda / ComDetalle) is the movement's memo, or its name when it has none, with its
 //     date macros expanded for the due day.
 //  5. The schedule advances (AvanceAgenda::Realizar): next due date, or Realizado after the last.
+//
+// Round trips. The scheduled movement is read once (header, schedule and lines, after the claim)
+// and serves the check of step 1, the group, the evaluator and the advance; the evaluators of a
+// run share the company's parameter items and the currencies, read by the first one; documents
+// and their lines are inserted by bound statements (the lines of one document together), and
+// the advance writes its two rows by one statement each.
 //
 // Amounts are rounded once, by the formula evaluator, to the amount format (MonRedondeo) of the
 // movement's currency (ImporteMF) and of the account's (ImporteCta); they are written as the

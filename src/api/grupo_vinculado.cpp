@@ -6,21 +6,27 @@
 
 namespace kivmovfrec::api {
 
+namespace {
+
+constexpr const char* kColumnas =
+    "Select MFrID, MFrNombre, MFrTipo, MFrEstado, MFrMVOrden, MFrMovVinculado "
+    "From genMovimientosFrecuentes Where ";
+
+}  // namespace
+
 GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id) {
-  const std::string columnas =
-      "Select MFrID, MFrNombre, MFrTipo, MFrEstado, MFrMVOrden, MFrMovVinculado "
-      "From genMovimientosFrecuentes Where ";
+  auto rs = cn.OpenResultset(kColumnas + std::string("MFrID = ?"), {Variant(id)});
+  if (rs->Eof()) return {};
+  const Variant v = rs->Get("MFrMovVinculado");
+  return GrupoEnOrden(cn, id, storage::EsNulo(v) ? 0 : storage::ALong(v));
+}
+
+GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id, int32_t mov_vinculado) {
   GrupoVinculado grupo;
-  {
-    auto rs = cn.OpenResultset(columnas + "MFrID = " + std::to_string(id));
-    if (rs->Eof()) return grupo;
-    const Variant v = rs->Get("MFrMovVinculado");
-    grupo.id = storage::EsNulo(v) ? 0 : storage::ALong(v);
-  }
-  if (grupo.id < 1) grupo.id = id;
+  grupo.id = mov_vinculado < 1 ? id : mov_vinculado;
   std::vector<MiembroGrupo>& miembros = grupo.miembros;
-  const std::string g = std::to_string(grupo.id);
-  auto rs = cn.OpenResultset(columnas + "MFrMovVinculado = " + g + " Or MFrID = " + g);
+  auto rs = cn.OpenResultset(kColumnas + std::string("MFrMovVinculado = ? Or MFrID = ?"),
+                             {Variant(grupo.id), Variant(grupo.id)});
   for (; !rs->Eof(); rs->MoveNext()) {
     MiembroGrupo m;
     m.id = storage::ALong(rs->Get("MFrID"));

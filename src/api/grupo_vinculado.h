@@ -26,5 +26,8 @@ using kivmovfrec::MiembroGrupo;
 // group gives just itself (heading its own group of one); one that does not exist, no member.
 // Two reads, no write; database errors propagate.
 GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id);
+// The same for a movement the caller has just read in its transaction, whose MFrMovVinculado is
+// `mov_vinculado` (0 when empty): one read.
+GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id, int32_t mov_vinculado);
 
 }  // namespace kivmovfrec::api

@@ -42,6 +42,13 @@ clsCalculoFx::clsCalculoFx(std::shared_ptr<Connection> cn, const clsEmpresa& emp
   fx_.Empresa(empresa);
 }
 
+clsCalculoFx::clsCalculoFx(std::shared_ptr<Connection> cn, const ContextoEmpresaFx& contexto,
+                           ServiciosFx servicios, const ParametrosBD& parametros)
+    : cn_(std::move(cn)), fx_(cn_, std::move(servicios), parametros) {
+  if (!cn_) throw std::invalid_argument("clsCalculoFx: falta la conexión");
+  fx_.Empresa(contexto);
+}
+
 Date clsCalculoFx::FechaEfectiva(Date fecha, std::string& origen) const {
   if (vb::DateOnly(fecha) == FechaNoIndicada()) {
     origen = "hoy (fecha no indicada)";
@@ -60,6 +67,22 @@ bool clsCalculoFx::SetCalculoFormulasMF(clsMFTipo& mf, int32_t lMovFrec, bool bN
       traza_.error = "no existe el movimiento frecuente " + std::to_string(lMovFrec);
       return false;
     }
+  } catch (const std::exception& e) {
+    traza_.ok = false;
+    traza_.error = e.what();
+    return false;
+  }
+  return Calcular(mf, lMovFrec, bNoPedirDatos, fecha);
+}
+
+bool clsCalculoFx::CalcularCargado(clsMFTipo& mf, bool bNoPedirDatos, Date& fecha) {
+  traza_ = TrazaCalculoFx{};
+  traza_.movimiento = mf.MovFrecuente()->ID();
+  return Calcular(mf, traza_.movimiento, bNoPedirDatos, fecha);
+}
+
+bool clsCalculoFx::Calcular(clsMFTipo& mf, int32_t lMovFrec, bool bNoPedirDatos, Date& fecha) {
+  try {
     Date usada = fecha;
     if (vb::DateOnly(fecha) == FechaNoIndicada()) {
       const clsRegRecurrencia& rec = *mf.Recurrencia();

@@ -43,6 +43,10 @@ class clsCalculoFx {
   // ("[prmBDDateCharSQLs]", language of the messages; copied).
   clsCalculoFx(std::shared_ptr<Connection> cn, const clsEmpresa& empresa, ServiciosFx servicios,
                const ParametrosBD& parametros);
+  // The same in a company context another evaluator on the same connection has already read
+  // (clsFuncionesFx::Contexto): nothing is read here.
+  clsCalculoFx(std::shared_ptr<Connection> cn, const ContextoEmpresaFx& contexto,
+               ServiciosFx servicios, const ParametrosBD& parametros);
 
   // Evaluates movement `lMovFrec`, loaded into `mf` (header, schedule and lines as stored; the
   // lines then receive the computed ImporteMF / ImporteCta; a new header is stamped with the
@@ -54,6 +58,9 @@ class clsCalculoFx {
   // prompt for [ImpMov] (total 0) nor [PedirDato]. False when the movement does not exist, a
   // line has no result, or a prompt was cancelled.
   bool SetCalculoFormulasMF(clsMFTipo& mf, int32_t lMovFrec, bool bNoPedirDatos, Date& fecha);
+  // The same for a movement the caller has just loaded into `mf` (clsMFTipo::Load on this
+  // connection, stamped with the evaluator's clock), which is not read again.
+  bool CalcularCargado(clsMFTipo& mf, bool bNoPedirDatos, Date& fecha);
 
   // The single open leg of the given lines, in currency iMonMF of company iEmpresaMF. The lines
   // are worked out on copies (they are not changed) without any prompt; dbImporte comes in as
@@ -94,6 +101,7 @@ class clsCalculoFx {
   clsFuncionesFx& Funciones() { return fx_; }
 
  private:
+  bool Calcular(clsMFTipo& mf, int32_t lMovFrec, bool bNoPedirDatos, Date& fecha);
   void PedirTasas(clsRenglonesMF& renglones, int16_t moneda, Date fecha);
   Date FechaEfectiva(Date fecha, std::string& origen) const;
 

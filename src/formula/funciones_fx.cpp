@@ -155,6 +155,20 @@ void clsFuncionesFx::Empresa(const clsEmpresa& empresa) {
   }
 }
 
+void clsFuncionesFx::Empresa(const ContextoEmpresaFx& contexto) {
+  empresa_ = contexto.empresa;
+  monedas_.Empresa(empresa_);
+  prms_ = contexto.prms;
+  monedas_cargadas_ = contexto.monedas.has_value();
+  if (monedas_cargadas_) monedas_.Usar(*contexto.monedas);
+}
+
+ContextoEmpresaFx clsFuncionesFx::Contexto() const {
+  ContextoEmpresaFx c{empresa_, prms_, std::nullopt};
+  if (monedas_cargadas_) c.monedas = monedas_.Monedas();
+  return c;
+}
+
 bool clsFuncionesFx::CargarEmpresa(int16_t id) {
   if (!cn_) return false;
   clsEmpresa e;

@@ -94,6 +94,17 @@ Date UltimoDiaMesAnterior(Date d);
 // "dd/mm/aaaa".
 std::string FechaCorta(Date d);
 
+// The company context an evaluator works in: the company, its parameter items (EmpPrms, name
+// and value, for the "[prm" name "]" placeholders) and, once read, the database's currencies.
+// Formulas only read (their statements run in savepoints that are rolled back), so an
+// evaluator can hand its context to the next one on the same connection and company instead of
+// both reading it (the main job runs one evaluator per member of each occurrence).
+struct ContextoEmpresaFx {
+  clsEmpresa empresa;
+  std::vector<std::pair<std::string, std::string>> prms;
+  std::optional<std::vector<MonedaFx>> monedas;  // nothing until read
+};
+
 class clsFuncionesFx {
  public:
   // `parametros`: the settings of the database `cn` is on ("[prmBDDateCharSQLs]",
@@ -104,6 +115,10 @@ class clsFuncionesFx {
   // The company context: its record and its parameter items (EmpPrms, read from cceEmpresas for
   // the "[prm" name "]" placeholders). Sets the rate service's accounting currency.
   void Empresa(const clsEmpresa& empresa);
+  // Makes `contexto` the company context without reading anything.
+  void Empresa(const ContextoEmpresaFx& contexto);
+  // The current company context, with the currencies when they have been read.
+  ContextoEmpresaFx Contexto() const;
   // Loads company `id` and makes it the context; false (context unchanged) when it does not
   // exist. Database errors propagate.
   bool CargarEmpresa(int16_t id);

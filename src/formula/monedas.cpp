@@ -89,6 +89,11 @@ bool clsMonedas::Load() {
   return true;
 }
 
+void clsMonedas::Usar(std::vector<MonedaFx> monedas) {
+  monedas_ = std::move(monedas);
+  ultima_pos_ = -1;
+}
+
 const MonedaFx* clsMonedas::Moneda(int16_t id) {
   if (id == 0) id = MonedaContabilidad();
   if (ultima_pos_ >= 0 && ultima_id_ == id) return &monedas_[static_cast<size_t>(ultima_pos_)];

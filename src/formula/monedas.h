@@ -93,6 +93,9 @@ class clsMonedas {
   // connection or the statement fails.
   bool Load();
   const std::vector<MonedaFx>& Monedas() const { return monedas_; }
+  // Takes the currencies as another instance read them from the same database (Monedas()),
+  // instead of reading them again.
+  void Usar(std::vector<MonedaFx> monedas);
 
   // The currency with that id (0 = the accounting currency); nullptr when it is not loaded.
   // Scans the array unless the id is the one found last.

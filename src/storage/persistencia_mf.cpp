@@ -16,22 +16,20 @@ namespace kivmovfrec {
 namespace {
 
 // The one query that reads a movement with its lines (and their account, project and
-// department) and its schedule.
-std::string SqlCargaCompleta(int32_t id) {
-  return "Select genMovimientosFrecuentes.*, genRenglonMovFrecuentes.*, genRecurrencias.*, "
-         "CueID, CueCodigo, CueNombre, CueMoneda, ProAbreviacion, DepAbreviacion "
-         "From (((((genMovimientosFrecuentes LEFT JOIN genRenglonMovFrecuentes ON "
-         "genMovimientosFrecuentes.MFrID = genRenglonMovFrecuentes.RMFMovimiento) "
-         "LEFT JOIN cceCuentas ON genRenglonMovFrecuentes.RMFCuenta = cceCuentas.CueID) "
-         "LEFT JOIN cceProyectos ON genRenglonMovFrecuentes.RMFIDProyecto = "
-         "cceProyectos.ProCodigo) "
-         "LEFT JOIN cceDepartamentos ON genRenglonMovFrecuentes.RMFIDDepartamento = "
-         "cceDepartamentos.DepCodigo) "
-         "LEFT JOIN genRecurrencias ON genMovimientosFrecuentes.MFrRecurrencia = "
-         "genRecurrencias.RecID) "
-         "Where MFrID = " +
-         std::to_string(id) + " Order By RMFOrden";
-}
+// department) and its schedule; the movement's ID is bound.
+constexpr const char* kSqlCargaCompleta =
+    "Select genMovimientosFrecuentes.*, genRenglonMovFrecuentes.*, genRecurrencias.*, "
+    "CueID, CueCodigo, CueNombre, CueMoneda, ProAbreviacion, DepAbreviacion "
+    "From (((((genMovimientosFrecuentes LEFT JOIN genRenglonMovFrecuentes ON "
+    "genMovimientosFrecuentes.MFrID = genRenglonMovFrecuentes.RMFMovimiento) "
+    "LEFT JOIN cceCuentas ON genRenglonMovFrecuentes.RMFCuenta = cceCuentas.CueID) "
+    "LEFT JOIN cceProyectos ON genRenglonMovFrecuentes.RMFIDProyecto = "
+    "cceProyectos.ProCodigo) "
+    "LEFT JOIN cceDepartamentos ON genRenglonMovFrecuentes.RMFIDDepartamento = "
+    "cceDepartamentos.DepCodigo) "
+    "LEFT JOIN genRecurrencias ON genMovimientosFrecuentes.MFrRecurrencia = "
+    "genRecurrencias.RecID) "
+    "Where MFrID = ? Order By RMFOrden";
 
 }  // namespace
 
@@ -40,7 +38,7 @@ bool clsMFTipo::Load(Connection& cn, int32_t id) {
 }
 
 bool clsMFTipo::Load(Connection& cn, int32_t id, IClock& reloj) {
-  auto rs = cn.OpenResultset(SqlCargaCompleta(id));
+  auto rs = cn.OpenResultset(kSqlCargaCompleta, {Variant(id)});
   if (rs->Eof()) {
     rs->Close();
     return false;

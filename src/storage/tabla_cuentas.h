@@ -7,7 +7,9 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "kivmovfrec/db.h"
@@ -20,5 +22,10 @@ std::string SqlCuentaDeRenglon(int32_t cuenta);
 // Why account `cuenta` cannot take a line of a movement of company `empresa`; hosts reach it as
 // kivmovfrec::ProblemaCuentaRenglon (kivmovfrec/cuentas.h), which states the contract.
 std::optional<std::string> ProblemaCuentaRenglon(Connection& cn, int32_t empresa, int32_t cuenta);
+
+// ProblemaCuentaRenglon for several accounts in one read: every account of `cuentas` maps to
+// its problem, or to nothing when it can take the line.
+std::map<int32_t, std::optional<std::string>> ProblemasCuentasRenglones(
+    Connection& cn, int32_t empresa, const std::set<int32_t>& cuentas);
 
 }  // namespace kivmovfrec::storage

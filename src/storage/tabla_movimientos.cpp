@@ -4,6 +4,7 @@
 
 #include "storage/columnas.h"
 #include "storage/contador.h"
+#include "storage/fila.h"
 #include "storage/sql_texto.h"
 
 namespace kivmovfrec::storage {
@@ -35,25 +36,29 @@ void LeerMovimiento(const Resultset& rs, clsRegMovimientoFrecuente& mf) {
   SiNoNulo(rs, "MFrIcono", AInteger, [&](int16_t v) { mf.Imagen(v); });
 }
 
+ValoresFila ValoresMovimiento(const clsRegMovimientoFrecuente& mf) {
+  return {{"MFrEmpresa", mf.Empresa()},
+          {"MFrTipo", ToInt(mf.Tipo())},
+          {"MFrDelSistema", ToInt(mf.DelSistema())},
+          {"MFrNombre", mf.Nombre()},
+          {"MFrMemo", mf.Memo()},
+          {"MFrEnte", mf.Ente()},
+          {"MFrModalidad", mf.Modalidad()},
+          {"MFrTipoImporte", mf.TipoImporte()},
+          {"MFrMoneda", mf.Moneda()},
+          {"MFrRecurrencia", NuloSiCero(mf.Recurrencia())},
+          {"MFrMovVinculado", NuloSiCero(mf.MovVinculado())},
+          {"MFrMVOrden", mf.OrdenMovVinculado()},
+          {"MFrUsuarioAlta", mf.UsuarioAlta()},
+          {"MFrUsuarioAutoriza", mf.UsuarioAutoriza()},
+          {"MFrEstado", mf.Estado()},
+          {"MFrFechaEstado", mf.FechaEstado()},
+          {"MFrVista", mf.Vista()},
+          {"MFrIcono", mf.Imagen()}};
+}
+
 void EscribirMovimiento(Resultset& rs, const clsRegMovimientoFrecuente& mf) {
-  rs.Set("MFrEmpresa", mf.Empresa());
-  rs.Set("MFrTipo", ToInt(mf.Tipo()));
-  rs.Set("MFrDelSistema", ToInt(mf.DelSistema()));
-  rs.Set("MFrNombre", mf.Nombre());
-  rs.Set("MFrMemo", mf.Memo());
-  rs.Set("MFrEnte", mf.Ente());
-  rs.Set("MFrModalidad", mf.Modalidad());
-  rs.Set("MFrTipoImporte", mf.TipoImporte());
-  rs.Set("MFrMoneda", mf.Moneda());
-  rs.Set("MFrRecurrencia", NuloSiCero(mf.Recurrencia()));
-  rs.Set("MFrMovVinculado", NuloSiCero(mf.MovVinculado()));
-  rs.Set("MFrMVOrden", mf.OrdenMovVinculado());
-  rs.Set("MFrUsuarioAlta", mf.UsuarioAlta());
-  rs.Set("MFrUsuarioAutoriza", mf.UsuarioAutoriza());
-  rs.Set("MFrEstado", mf.Estado());
-  rs.Set("MFrFechaEstado", mf.FechaEstado());
-  rs.Set("MFrVista", mf.Vista());
-  rs.Set("MFrIcono", mf.Imagen());
+  EscribirFila(rs, ValoresMovimiento(mf));
 }
 
 bool CargarMovimiento(Connection& cn, int32_t id, clsRegMovimientoFrecuente& mf) {
@@ -93,6 +98,11 @@ int32_t GuardarMovimiento(Connection& cn, IDBFncs& dbf, clsRegMovimientoFrecuent
   rs->Close();
   mf.ID(id);
   return id;
+}
+
+DbStatement SentenciaActualizarMovimiento(const clsRegMovimientoFrecuente& mf) {
+  RechazarTextosMovimiento(mf);
+  return SentenciaActualizar("genMovimientosFrecuentes", "MFrID", mf.ID(), ValoresMovimiento(mf));
 }
 
 std::string SqlMaxOrdenVinculo(int32_t mov_vinculado) {

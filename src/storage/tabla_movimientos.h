@@ -23,6 +23,7 @@
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/records.h"
 #include "kivmovfrec/services.h"
+#include "storage/fila.h"
 
 namespace kivmovfrec::storage {
 
@@ -32,6 +33,9 @@ std::string SqlMovimientoPorID(int32_t id);
 // Copies the header columns of the current row into `mf` (NULL columns leave the field). Works
 // on any row that carries the header columns, including the joined load of a whole movement.
 void LeerMovimiento(const Resultset& rs, clsRegMovimientoFrecuente& mf);
+
+// Every header column except MFrID with the value written for `mf`.
+ValoresFila ValoresMovimiento(const clsRegMovimientoFrecuente& mf);
 
 // Assigns every header column except MFrID on the current row being added or edited.
 void EscribirMovimiento(Resultset& rs, const clsRegMovimientoFrecuente& mf);
@@ -54,6 +58,11 @@ void RechazarTextosMovimiento(const clsRegMovimientoFrecuente& mf);
 // settings (the language of the counter's error).
 int32_t GuardarMovimiento(Connection& cn, IDBFncs& dbf, clsRegMovimientoFrecuente& mf,
                           const ParametrosBD& p);
+
+// The statement that writes every header column of row mf.ID() (the same values as
+// GuardarMovimiento), after checking the texts (RechazarTextosMovimiento). For a row the
+// caller has just read in its transaction: it changes no row when there is none.
+DbStatement SentenciaActualizarMovimiento(const clsRegMovimientoFrecuente& mf);
 
 // "Select Max(MFrMVOrden) From genMovimientosFrecuentes Where MFrMovVinculado = " + id
 std::string SqlMaxOrdenVinculo(int32_t mov_vinculado);

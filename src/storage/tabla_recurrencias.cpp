@@ -7,6 +7,7 @@
 #include "platform/vb/text.h"
 #include "storage/columnas.h"
 #include "storage/contador.h"
+#include "storage/fila.h"
 
 namespace kivmovfrec::storage {
 namespace {
@@ -68,10 +69,10 @@ void LeerRecurrencia(const Resultset& rs, clsRegRecurrencia& rec) {
            [&](std::string v) { rec.EraNotificacion(std::move(v)); });
 }
 
-void EscribirRecurrencia(Resultset& rs, clsRegRecurrencia& rec, const ParametrosBD& p) {
+ValoresFila ValoresRecurrencia(clsRegRecurrencia& rec, const ParametrosBD& p) {
   if (!EsFecha(rec.FechaInicio())) rec.FechaInicio(rec.FechaProxima());
-  // Every conversion runs before the first column is assigned, so a date that does not read
-  // leaves the pending row untouched.
+  // Every conversion runs before anything is written, so a date that does not read leaves the
+  // row untouched.
   const Date inicio = FechaSegunFormatoBD(AFechaTexto(rec.FechaInicio()), p);
   const Date proxima = FechaSegunFormatoBD(AFechaTexto(rec.FechaProxima()), p);
   const Variant final_ = EsFecha(rec.FechaFinal())
@@ -79,18 +80,22 @@ void EscribirRecurrencia(Resultset& rs, clsRegRecurrencia& rec, const Parametros
                              : Variant::Null();
   const Variant era = EsFecha(rec.EraNotificacion()) ? Variant(AFechaTexto(rec.EraNotificacion()))
                                                      : Variant::Null();
+  return {
+      {"RecNumOcurrencia", rec.NumOcurrencia() == 0 ? 1 : rec.NumOcurrencia()},
+      {"RecFrecuencia", rec.Frecuencia()},
+      {"RecFechaInicio", inicio},
+      {"RecFechaProxima", proxima},
+      {"RecFechaFinal", final_},
+      {"RecPostergado",
+       rec.Postergado() > 0 ? Variant(static_cast<double>(rec.Postergado())) : Variant::Null()},
+      {"RecSinVencimiento", rec.SinVencimiento()},
+      {"RecNotificar", rec.NotificarDias() > 0 ? Variant(static_cast<double>(rec.NotificarDias()))
+                                               : Variant::Null()},
+      {"RecEraNotificacion", era}};
+}
 
-  rs.Set("RecNumOcurrencia", rec.NumOcurrencia() == 0 ? 1 : rec.NumOcurrencia());
-  rs.Set("RecFrecuencia", rec.Frecuencia());
-  rs.Set("RecFechaInicio", inicio);
-  rs.Set("RecFechaProxima", proxima);
-  rs.Set("RecFechaFinal", final_);
-  rs.Set("RecPostergado",
-         rec.Postergado() > 0 ? Variant(static_cast<double>(rec.Postergado())) : Variant::Null());
-  rs.Set("RecSinVencimiento", rec.SinVencimiento());
-  rs.Set("RecNotificar", rec.NotificarDias() > 0 ? Variant(static_cast<double>(rec.NotificarDias()))
-                                                 : Variant::Null());
-  rs.Set("RecEraNotificacion", era);
+void EscribirRecurrencia(Resultset& rs, clsRegRecurrencia& rec, const ParametrosBD& p) {
+  EscribirFila(rs, ValoresRecurrencia(rec, p));
 }
 
 bool CargarRecurrencia(Connection& cn, clsRegRecurrencia& rec) {
@@ -122,6 +127,10 @@ int32_t GuardarRecurrencia(Connection& cn, IDBFncs& dbf, clsRegRecurrencia& rec,
   rs->Close();
   rec.ID(id);
   return id;
+}
+
+DbStatement SentenciaActualizarRecurrencia(clsRegRecurrencia& rec, const ParametrosBD& p) {
+  return SentenciaActualizar("genRecurrencias", "RecID", rec.ID(), ValoresRecurrencia(rec, p));
 }
 
 void BorrarRecurrencia(Connection& cn, int32_t id) {

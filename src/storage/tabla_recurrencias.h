@@ -35,6 +35,7 @@
 #include "kivmovfrec/records.h"
 #include "kivmovfrec/services.h"
 #include "kivmovfrec/variant.h"
+#include "storage/fila.h"
 
 namespace kivmovfrec::storage {
 
@@ -44,6 +45,10 @@ std::string SqlRecurrenciaPorID(int32_t id);
 // Copies the schedule columns of the current row into `rec` (RecID included). Works on the
 // joined load of a whole movement too.
 void LeerRecurrencia(const Resultset& rs, clsRegRecurrencia& rec);
+
+// Every column except RecID with the value written for `rec`. Fills an invalid FechaInicio from
+// FechaProxima first; dates are cut to the precision of `p`'s date format (FechaSegunFormatoBD).
+ValoresFila ValoresRecurrencia(clsRegRecurrencia& rec, const ParametrosBD& p);
 
 // Assigns every column except RecID on the row being added or edited. Fills an invalid
 // FechaInicio from FechaProxima first.
@@ -58,6 +63,11 @@ bool CargarRecurrencia(Connection& cn, clsRegRecurrencia& rec);
 // rec.ID(). `p`: the database's settings (date precision, language of the counter's error).
 int32_t GuardarRecurrencia(Connection& cn, IDBFncs& dbf, clsRegRecurrencia& rec,
                            const ParametrosBD& p);
+
+// The statement that writes every column of row rec.ID() (the same values as
+// GuardarRecurrencia). For a row the caller has just read in its transaction: it changes no
+// row when there is none.
+DbStatement SentenciaActualizarRecurrencia(clsRegRecurrencia& rec, const ParametrosBD& p);
 
 // Delete: removes row `id` when there is one; no row is no error.
 void BorrarRecurrencia(Connection& cn, int32_t id);

@@ -50,8 +50,26 @@ TEST_P(Sentencias, NingunaFallaEnNingunMotor) {
       EXPECT_FALSE(fm.BuscarConsulta(consulta, "ninguno así", 1)) << consulta;
     }
   }
+  const size_t antes = rec->statements().size();
   const auto corrida = api::EjecutarVencidos(f, *rec, 1, suite::SerialOf(2026, 12, 31));
   EXPECT_TRUE(corrida.completa()) << corrida.detenida;
+  // The run reads the company's parameters and the currencies once, and the movement of each
+  // member it executes once (the scheduled one's read serves the check and the evaluator).
+  size_t parametros = 0, monedas = 0, cargas = 0, miembros = 0;
+  for (size_t i = antes; i < rec->statements().size(); ++i) {
+    const std::string& sql = rec->statements()[i].sql;
+    parametros += sql.find("EmpPrms") != std::string::npos;
+    monedas += sql.find("From genMonedas") != std::string::npos;
+    cargas += sql.find("genRenglonMovFrecuentes.*") != std::string::npos;
+  }
+  for (const auto& o : corrida.ocurrencias) {
+    ASSERT_EQ(o.estado, EstadoOcurrencia::Ejecutada) << o.movimiento << ": " << o.error;
+    miembros += o.documentos.size();
+  }
+  EXPECT_EQ(parametros, 1u);
+  EXPECT_EQ(monedas, 1u);
+  EXPECT_EQ(cargas, miembros);
+  EXPECT_GT(miembros, corrida.ocurrencias.size());  // a linked group ran too
   for (const int32_t id : {8, 22, 10}) EXPECT_TRUE(f.DarRealizadaFechaAgenda(id)) << id;
   EXPECT_EQ(ui::CargarUsuarios(*rec, "1, 4").size(), 3u);
 

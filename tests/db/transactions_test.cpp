@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "kivmovfrec/db.h"
 #include "support/db_engines.h"
@@ -151,6 +152,47 @@ TEST_P(Transactions, AFailedStatementGoesWithItsLevel) {
   Insert(3);
   fuera.Commit();
   EXPECT_EQ(Ids(*cn), "1 2 3 ");
+}
+
+// Several writes at once count each statement in order. The first failure stops them and
+// nothing of the batch stays: outside a transaction none of it, inside one it goes with the
+// level it ran in. The same batch again (kept prepared by then) counts the same. A transaction
+// in which nothing ran ends like any other.
+TEST_P(Transactions, ExecuteAllCountsEachStatementAndAFailureKeepsNothingOfIt) {
+  const std::vector<DbStatement> bien = {
+      {"Insert Into genRecurrencias Values (?, '000001')", {Variant(int32_t{2})}},
+      {"Update genRecurrencias Set RecFrecuencia = ? Where RecID <= ?",
+       {Variant("000009"), Variant(int32_t{2})}},
+      {"Delete From genRecurrencias Where RecID = ?", {Variant(int32_t{99})}}};
+  const std::vector<DbStatement> mal = {
+      {"Insert Into genRecurrencias Values (?, '000001')", {Variant(int32_t{3})}},
+      {"Insert Into NoExiste Values (1)", {}},
+      {"Insert Into genRecurrencias Values (?, '000001')", {Variant(int32_t{4})}}};
+  EXPECT_THROW(cn->ExecuteAll(mal), DbError);
+  EXPECT_FALSE(cn->InTransaction());
+  EXPECT_EQ(Ids(*OpenAnother()), "1 ");
+  {
+    Transaccion t(*cn);
+    EXPECT_EQ(cn->ExecuteAll(bien), (std::vector<int64_t>{1, 2, 0}));
+    {
+      Transaccion intento(*cn);
+      EXPECT_THROW(cn->ExecuteAll(mal), DbError);
+    }
+    t.Commit();
+  }
+  EXPECT_EQ(Ids(*OpenAnother()), "1 2 ");
+  for (int vez = 0; vez < 3; ++vez) {
+    cn->Execute("Delete From genRecurrencias Where RecID = 2");
+    EXPECT_EQ(cn->ExecuteAll(bien), (std::vector<int64_t>{1, 2, 0})) << vez;
+  }
+  for (const bool confirmar : {true, false}) {
+    cn->BeginTrans();
+    EXPECT_TRUE(cn->InTransaction());
+    confirmar ? cn->CommitTrans() : cn->RollbackTrans();
+    EXPECT_FALSE(cn->InTransaction());
+    EXPECT_EQ(cn->TransactionDepth(), 0);
+  }
+  EXPECT_EQ(Ids(*cn), "1 2 ");
 }
 
 // A second writer waits for the first instead of failing, then writes after it. SQLite makes it

@@ -204,6 +204,12 @@ TEST_P(Updatable, ColumnsAddedOrRolledBackAreSeenByTheNextSet) {
   rs = cn->OpenResultset(todo);
   rs->Edit();
   EXPECT_THROW(rs->Set("MFrOtra", int32_t{1}), DbError);
+  // Changed by another connection after the statement was sent often enough to be kept
+  // prepared: read as the table is now.
+  for (int i = 0; i < 3; ++i) cn->OpenResultset(todo);
+  OpenAnother()->Execute("Alter Table genMovimientosFrecuentes Add Column MFrDeOtra INTEGER");
+  EXPECT_TRUE(cn->OpenResultset(todo)->HasColumn("MFrDeOtra"));
+  EXPECT_EQ(cn->OpenResultset(todo)->ColumnCount(), 6);
 }
 
 KMF_INSTANTIATE_ENGINES(Updatable);

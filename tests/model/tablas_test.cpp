@@ -4,7 +4,12 @@
 
 #include <cmath>
 #include <memory>
+#include <numeric>
+#include <set>
+#include <stdexcept>
+#include <string>
 #include <tuple>
+#include <vector>
 
 #include "fakes.h"
 #include "install/demo_db.h"
@@ -13,7 +18,9 @@
 #include "kivmovfrec/errors.h"
 #include "kivmovfrec/records.h"
 #include "platform/suite/clock.h"
+#include "platform/vb/convert.h"
 #include "storage/columnas.h"
+#include "storage/fila.h"
 #include "storage/parametros.h"
 #include "storage/sql_texto.h"
 #include "storage/tabla_cuentas.h"
@@ -229,12 +236,45 @@ TEST_P(Tablas, SoloUnaCuentaDeLaEmpresaQueNoEsCarpetaTomaUnRenglon) {
     int32_t empresa, cuenta;
     const char* problema;  // "" when the account can take the line
   };
+  // Each account alone, and read together with all the others.
+  const std::set<int32_t> todas = {101, 202, 999, 100, 201};
   for (const Caso& c : {Caso{1, 101, ""}, Caso{2, 202, ""}, Caso{1, 999, "la cuenta 999 no existe"},
                         Caso{1, 100, "la cuenta 100 es una carpeta"},
                         Caso{1, 201, "la cuenta 201 es de otra empresa (la 2)"},
                         Caso{2, 100, "la cuenta 100 es de otra empresa (la 1)"}}) {
     EXPECT_EQ(ProblemaCuentaRenglon(*cn, c.empresa, c.cuenta).value_or(""), c.problema);
+    EXPECT_EQ(ProblemasCuentasRenglones(*cn, c.empresa, todas).at(c.cuenta).value_or(""),
+              c.problema);
   }
+}
+
+// Rows inserted by bound statements: more values than one statement may bind are split across
+// statements, every row lands once with its values, and rows that do not share the first one's
+// columns are refused before anything is written.
+TEST_P(Tablas, FilasInsertadasEnVariasSentenciasLleganTodasUnaVez) {
+  std::vector<ValoresFila> filas;
+  for (int32_t i = 1; i <= 200; ++i) {
+    filas.push_back(
+        {{"ACuIDAsiento", 9000},
+         {"ACuOrden", i},
+         {"ACuCuenta", 145},
+         {"ACuDebe", i * 0.25},
+         {"ACuHaber", 0.0},
+         {"ACuDetalle", i % 2 ? Variant::Null() : Variant("par " + std::to_string(i))}});
+  }
+  const std::vector<DbStatement> sentencias = SentenciasInsertar("cceAsientoCuenta", filas);
+  ASSERT_GT(sentencias.size(), 1u);
+  for (const DbStatement& s : sentencias) EXPECT_LE(s.params.size(), 900u);
+  const std::vector<int64_t> escritas = cn->ExecuteAll(sentencias);
+  EXPECT_EQ(std::accumulate(escritas.begin(), escritas.end(), int64_t{0}), 200);
+  const std::string de = " From cceAsientoCuenta Where ACuIDAsiento = 9000";
+  EXPECT_EQ(CountRows(*cn, "Select Distinct ACuOrden" + de), 200);
+  EXPECT_DOUBLE_EQ(vb::CDbl(Scalar(*cn, "Select Sum(ACuDebe)" + de)), 0.25 * 200 * 201 / 2);
+  EXPECT_EQ(vb::CStr(Scalar(*cn, "Select ACuDetalle" + de + " And ACuOrden = 200")), "par 200");
+  EXPECT_TRUE(Scalar(*cn, "Select ACuDetalle" + de + " And ACuOrden = 199").IsNull());
+
+  filas.push_back({{"ACuIDAsiento", 9000}, {"ACuCuenta", 145}});
+  EXPECT_THROW(SentenciasInsertar("cceAsientoCuenta", filas), std::invalid_argument);
 }
 
 // A server whose text comparison ignores case and trailing blanks returns rows whose names are

@@ -1,5 +1,6 @@
-// The members of Connection that have a default: reading a limited number of rows through
-// OpenReadOnly, for connections that forward their statements to another.
+// The members of Connection that have a default, for connections that forward their statements
+// to another: reading a limited number of rows through OpenReadOnly, and running several
+// statements through Execute.
 #include <memory>
 #include <string>
 #include <vector>
@@ -43,6 +44,27 @@ std::unique_ptr<Resultset> Connection::OpenReadOnlyRows(std::string_view sql, si
   }
   if (more) *more = !all->Eof();
   return kept;
+}
+
+std::vector<int64_t> Connection::ExecuteAll(const std::vector<DbStatement>& statements) {
+  std::vector<int64_t> changed;
+  changed.reserve(statements.size());
+  const bool own = !InTransaction();
+  if (own) BeginTrans();
+  try {
+    for (const DbStatement& s : statements) changed.push_back(Execute(s.sql, s.params));
+    if (own) CommitTrans();
+  } catch (...) {
+    if (own && InTransaction()) {
+      try {
+        RollbackTrans();
+      } catch (const DbError&) {
+        // The statement's own error says more.
+      }
+    }
+    throw;
+  }
+  return changed;
 }
 
 }  // namespace kivmovfrec

@@ -60,13 +60,16 @@ class PgConnection final : public Connection {
         levels_(sql::TransactionLevels::Engine{
             [this] { return session_->InTransaction(); },
             [this](const std::string& text) { session_->Command(text.c_str()); },
-            [this] { session_->Command("BEGIN ISOLATION LEVEL READ COMMITTED"); },
+            [this] { session_->Begin("BEGIN ISOLATION LEVEL READ COMMITTED"); },
             [this] {
+              if (session_->EndUnsent()) return;
               if (session_->Command("COMMIT") == "ROLLBACK") {
                 throw DbError("La transacción había fallado y se deshizo en lugar de confirmarse");
               }
             },
-            [this] { session_->Command("ROLLBACK"); }}) {}
+            [this] {
+              if (!session_->EndUnsent()) session_->Command("ROLLBACK");
+            }}) {}
 
   Engine engine() const override { return Engine::PostgreSQL; }
 
@@ -135,15 +138,31 @@ class PgConnection final : public Connection {
   int64_t Execute(std::string_view sql, const DbParams& params) override {
     const std::string run = Prepare(sql, params.size());
     if (MayChangeTables(run)) {
-      targets_.clear();
+      ForgetTables();
       tables_changed_in_transaction_ = session_->InTransaction();
     }
     Result r = session_->Run(run, TextParams(params), run);
-    const std::string_view tag = PQcmdStatus(r.get());
-    for (std::string_view writer : {"INSERT", "UPDATE", "DELETE", "MERGE"}) {
-      if (tag.substr(0, writer.size()) == writer) return std::atoll(PQcmdTuples(r.get()));
+    return Changed(r.get());
+  }
+
+  std::vector<int64_t> ExecuteAll(const std::vector<DbStatement>& statements) override {
+    std::vector<std::string> runs;
+    std::vector<Params> values;
+    runs.reserve(statements.size());
+    values.reserve(statements.size());
+    for (const DbStatement& st : statements) {
+      runs.push_back(Prepare(st.sql, st.params.size()));
+      // Statements that may change the tables run one by one, each forgetting what was known.
+      if (MayChangeTables(runs.back())) return Connection::ExecuteAll(statements);
+      values.push_back(TextParams(st.params));
     }
-    return 0;
+    std::vector<Session::Statement> batch;
+    batch.reserve(runs.size());
+    for (size_t i = 0; i < runs.size(); ++i) batch.push_back({runs[i], values[i], runs[i]});
+    std::vector<int64_t> changed;
+    changed.reserve(runs.size());
+    for (const Result& r : session_->RunAll(batch)) changed.push_back(Changed(r.get()));
+    return changed;
   }
 
   void BeginTrans() override { levels_.Begin(); }
@@ -155,7 +174,7 @@ class PgConnection final : public Connection {
     // A table created or changed in the level undone is as it was: forget what was read of
     // the tables since. Rolling back a level that changed no table (the common case: a
     // savepoint around reads) keeps the answers.
-    if (tables_changed_in_transaction_) targets_.clear();
+    if (tables_changed_in_transaction_) ForgetTables();
     levels_.Rollback();
     if (!session_->InTransaction()) tables_changed_in_transaction_ = false;
   }
@@ -163,6 +182,21 @@ class PgConnection final : public Connection {
   bool InTransaction() const override { return session_->InTransaction(); }
 
  private:
+  // The rows a write changed; 0 for anything else.
+  static int64_t Changed(PGresult* r) {
+    const std::string_view tag = PQcmdStatus(r);
+    for (std::string_view writer : {"INSERT", "UPDATE", "DELETE", "MERGE"}) {
+      if (tag.substr(0, writer.size()) == writer) return std::atoll(PQcmdTuples(r));
+    }
+    return 0;
+  }
+
+  // What was read or prepared against the tables as they were.
+  void ForgetTables() {
+    targets_.clear();
+    session_->ForgetPrepared();
+  }
+
   // The statement in PostgreSQL's terms, its placeholders numbered; DbError unless it has
   // exactly `values` of them.
   std::string Prepare(std::string_view sql, size_t values) const {

@@ -30,6 +30,15 @@ struct Options {
 //     and after Update the set holds the row as stored (RETURNING *);
 //   * makes `?` placeholders `$1`, `$2`... and sends the values beside the text (pg_values.h
 //     ToParam); the server infers each value's type from where it stands;
+//   * prepares a statement on the server the second time its text is sent (a named statement,
+//     parsed and planned once; the values change, the text does not), so the component's own
+//     statements, which bind their values, cost the server only their execution afterwards.
+//     Statements that may change tables, and rollbacks after one, drop what was prepared; a
+//     prepared statement refused because another connection changed a table's columns is run
+//     again unprepared outside a transaction (inside one the error reaches the caller, and the
+//     next transaction prepares anew);
+//   * sends BEGIN with the transaction's first statement, not on its own, and ExecuteAll's
+//     statements together (libpq pipeline mode): one round trip for each;
 //   * asks the catalogue for a table's columns and key once per table name, not at every
 //     `Select * from T`; any statement other than SELECT/INSERT/UPDATE/DELETE/WITH/VALUES, and
 //     every rollback, make it ask again (tables changed by another connection meanwhile are not

@@ -6,6 +6,7 @@
 
 #include "kivmovfrec/db.h"
 #include "platform/db/dialect.h"
+#include "platform/db/sql_tokens.h"
 
 namespace kivmovfrec::postgres {
 
@@ -22,6 +23,24 @@ std::string Tidy(const char* message) {
 }
 
 void IgnoreNotice(void*, const char*) {}
+
+// Texts remembered as sent once, and statements kept prepared, at most: a session that keeps
+// sending new texts starts over rather than growing without end.
+constexpr size_t kMaxSeen = 1024;
+constexpr size_t kMaxPrepared = 256;
+
+// A prepared statement refused because a table it reads changed shape since it was prepared
+// ("cached plan must not change result type").
+bool StaleShape(const PGresult* r) {
+  return PQresultStatus(r) == PGRES_FATAL_ERROR && SqlState(r) == "0A000";
+}
+
+// Statements worth preparing: those the server plans.
+bool Plannable(std::string_view text) {
+  const std::string first = sql::LeadingKeyword(text);
+  return first == "SELECT" || first == "INSERT" || first == "UPDATE" || first == "DELETE" ||
+         first == "WITH" || first == "VALUES";
+}
 
 // The kind of failure behind a SQLSTATE (its class is the first two characters).
 DbErrorKind KindOf(const std::string& state) {
@@ -70,11 +89,50 @@ Session::~Session() {
 }
 
 bool Session::InTransaction() const {
+  if (!pending_begin_.empty()) return true;
   const PGTransactionStatusType st = PQtransactionStatus(conn_);
   return st == PQTRANS_INTRANS || st == PQTRANS_INERROR || st == PQTRANS_ACTIVE;
 }
 
-Result Session::Send(std::string_view sql, const Params& params, std::string_view shown) {
+void Session::Begin(std::string begin) {
+  pending_begin_ = std::move(begin);
+}
+
+bool Session::EndUnsent() {
+  if (pending_begin_.empty()) return false;
+  pending_begin_.clear();
+  return true;
+}
+
+void Session::ForgetPrepared() {
+  seen_.clear();
+  if (!prepared_.empty()) deallocate_ = true;
+}
+
+std::string Session::PreparedName(const std::string& text, bool& prepare) {
+  prepare = false;
+  // Until the pending DEALLOCATE ALL has gone nothing prepared is used, nor prepared anew.
+  if (deallocate_) return "";
+  if (const auto known = prepared_.find(text); known != prepared_.end()) return known->second;
+  if (seen_.insert(text).second) {
+    if (seen_.size() > kMaxSeen) seen_.clear();
+    return "";
+  }
+  if (!Plannable(text)) return "";
+  if (prepared_.size() >= kMaxPrepared) {
+    ForgetPrepared();
+    return "";
+  }
+  // Known from now on, so the same text later in the same pipeline runs under this name; a
+  // failed Parse takes it back.
+  prepare = true;
+  std::string name = fmt::format("kmf_s{}", ++serial_);
+  prepared_.emplace(text, name);
+  seen_.erase(text);
+  return name;
+}
+
+void Session::Validate(std::string_view sql, const Params& params, std::string_view shown) const {
   if (sql::IsBlankSql(sql)) throw DbError("La sentencia SQL está vacía");
   if (sql::SplitStatements(sql).size() > 1) {
     throw DbError(fmt::format("Se admite una sola sentencia SQL por llamada: {}", shown));
@@ -92,16 +150,150 @@ Result Session::Send(std::string_view sql, const Params& params, std::string_vie
           "PostgreSQL no admite el carácter nulo dentro de un texto (sentencia: {})", shown));
     }
   }
-  std::vector<const char*> values;
-  values.reserve(params.size());
-  for (const auto& p : params) values.push_back(p ? p->c_str() : nullptr);
-  const std::string text(sql);
-  Result r(PQexecParams(conn_, text.c_str(), static_cast<int>(params.size()), nullptr,
-                        values.data(), nullptr, nullptr, 0));
-  if (!r) {
-    throw DbError(LostOrOther(), Tidy(PQerrorMessage(conn_)), std::string(shown));
+}
+
+std::vector<Result> Session::Pipeline(const std::vector<Statement>& statements) {
+  struct Step {
+    std::string text;
+    std::vector<const char*> values;
+    std::string name;  // "" = the unnamed statement
+    bool prepare = false;
+  };
+  std::vector<Step> steps;
+  steps.reserve(statements.size());
+  for (const Statement& st : statements) {
+    Validate(st.sql, st.params, st.shown);
+    Step step;
+    step.text = std::string(st.sql);
+    step.values.reserve(st.params.size());
+    for (const auto& p : st.params) step.values.push_back(p ? p->c_str() : nullptr);
+    step.name = PreparedName(step.text, step.prepare);
+    steps.push_back(std::move(step));
   }
-  return r;
+  const std::string_view shown = statements.empty() ? std::string_view() : statements[0].shown;
+  const auto lost = [&] {
+    // What the server holds is unknown now: prepare anew under other names.
+    prepared_.clear();
+    return DbError(LostOrOther(), Tidy(PQerrorMessage(conn_)), std::string(shown));
+  };
+
+  // Alone and with nothing pending: the plain call.
+  if (steps.size() == 1 && !steps[0].prepare && !deallocate_ && pending_begin_.empty()) {
+    const Step& st = steps[0];
+    const int n = static_cast<int>(st.values.size());
+    const auto unnamed = [&] {
+      return Result(
+          PQexecParams(conn_, st.text.c_str(), n, nullptr, st.values.data(), nullptr, nullptr, 0));
+    };
+    const bool idle = PQtransactionStatus(conn_) == PQTRANS_IDLE;
+    Result r = st.name.empty() ? unnamed()
+                               : Result(PQexecPrepared(conn_, st.name.c_str(), n, st.values.data(),
+                                                       nullptr, nullptr, 0));
+    if (r && !st.name.empty() && StaleShape(r.get())) {
+      // Another connection changed a table under the prepared statement: its rows no longer
+      // have the shape they were prepared with. Prepared statements start over; outside a
+      // transaction the statement runs again as it is now.
+      ForgetPrepared();
+      if (idle) r = unnamed();
+    }
+    if (!r) throw lost();
+    std::vector<Result> out;
+    out.push_back(std::move(r));
+    return out;
+  }
+
+  // Otherwise in one round trip: the pending BEGIN and DEALLOCATE ALL, then each statement
+  // (its Parse first when it is being prepared), then one Sync. The server answers each with
+  // one result, PGRES_PIPELINE_ABORTED for those after a failure.
+  if (PQenterPipelineMode(conn_) != 1) throw lost();
+  const bool begin = !pending_begin_.empty();
+  const bool deallocate = deallocate_;
+  size_t expected = 0;
+  const auto send_plain = [&](const char* text) {
+    ++expected;
+    return PQsendQueryParams(conn_, text, 0, nullptr, nullptr, nullptr, nullptr, 0) == 1;
+  };
+  bool sent = true;
+  if (begin) sent = sent && send_plain(pending_begin_.c_str());
+  if (deallocate) sent = sent && send_plain("DEALLOCATE ALL");
+  for (const Step& st : steps) {
+    const int n = static_cast<int>(st.values.size());
+    if (st.prepare) {
+      ++expected;
+      sent = sent && PQsendPrepare(conn_, st.name.c_str(), st.text.c_str(), n, nullptr) == 1;
+    }
+    ++expected;
+    sent =
+        sent && (st.name.empty() ? PQsendQueryParams(conn_, st.text.c_str(), n, nullptr,
+                                                     st.values.data(), nullptr, nullptr, 0)
+                                 : PQsendQueryPrepared(conn_, st.name.c_str(), n, st.values.data(),
+                                                       nullptr, nullptr, 0)) == 1;
+  }
+  sent = sent && PQpipelineSync(conn_) == 1;
+  std::vector<Result> results;  // each followed by a NULL, then the Sync's own
+  for (size_t nulls = 0; sent && nulls <= expected;) {
+    Result r(PQgetResult(conn_));
+    if (!r) {
+      if (PQstatus(conn_) == CONNECTION_BAD) break;
+      ++nulls;
+      continue;
+    }
+    if (PQresultStatus(r.get()) == PGRES_PIPELINE_SYNC) break;
+    results.push_back(std::move(r));
+  }
+  if (PQexitPipelineMode(conn_) != 1 || !sent || results.size() != expected) throw lost();
+
+  // What the session knows of the server follows the steps that succeeded; a failed step's
+  // result stands for the statement it came before.
+  const auto ok = [](const Result& r) {
+    const ExecStatusType st = PQresultStatus(r.get());
+    return st == PGRES_COMMAND_OK || st == PGRES_TUPLES_OK;
+  };
+  std::vector<Result> out;
+  size_t i = 0;
+  Result failed;
+  for (const Result& r : results) {
+    if (StaleShape(r.get())) ForgetPrepared();
+  }
+  if (begin) {
+    if (ok(results[i]))
+      pending_begin_.clear();
+    else
+      failed = std::move(results[i]);
+    ++i;
+  }
+  if (deallocate) {
+    if (failed || !ok(results[i])) {
+      if (!failed) failed = std::move(results[i]);
+    } else {
+      deallocate_ = false;
+      prepared_.clear();
+    }
+    ++i;
+  }
+  for (const Step& st : steps) {
+    if (st.prepare) {
+      if (failed || !ok(results[i])) {
+        if (!failed) failed = std::move(results[i]);
+        prepared_.erase(st.text);
+      }
+      ++i;
+    }
+    out.push_back(failed ? std::move(failed) : std::move(results[i]));
+    ++i;
+  }
+  return out;
+}
+
+Result Session::Send(std::string_view sql, const Params& params, std::string_view shown) {
+  std::vector<Result> r = Pipeline({Statement{sql, params, shown}});
+  return std::move(r.front());
+}
+
+std::vector<Result> Session::RunAll(const std::vector<Statement>& statements) {
+  std::vector<Result> results = Pipeline(statements);
+  for (size_t i = 0; i < results.size(); ++i) Check(results[i].get(), statements[i].shown);
+  return results;
 }
 
 void Session::Check(const PGresult* result, std::string_view shown) const {
@@ -118,10 +310,14 @@ Result Session::Run(std::string_view sql, const Params& params, std::string_view
 }
 
 std::string Session::Command(const char* sql) {
-  Result r(PQexec(conn_, sql));
+  // A BEGIN not sent yet goes first, in the same round trip.
+  std::string text;
+  if (!pending_begin_.empty()) text = pending_begin_ + "; " + sql;
+  Result r(PQexec(conn_, text.empty() ? sql : text.c_str()));
   if (!r) {
     throw DbError(LostOrOther(), Tidy(PQerrorMessage(conn_)), sql);
   }
+  if (!text.empty() && PQtransactionStatus(conn_) != PQTRANS_IDLE) pending_begin_.clear();
   const ExecStatusType st = PQresultStatus(r.get());
   if (st != PGRES_COMMAND_OK && st != PGRES_TUPLES_OK) Fail(r.get(), sql);
   return PQcmdStatus(r.get());

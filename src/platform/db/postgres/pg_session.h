@@ -4,10 +4,13 @@
 
 #include <libpq-fe.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "kivmovfrec/db.h"
@@ -37,14 +40,41 @@ class Session {
 
   PGconn* get() const { return conn_; }
 
-  // True inside a transaction block (also when the server considers it failed).
+  // True inside a transaction block (also when the server considers it failed), including one
+  // begun (Begin) whose BEGIN has not been sent yet.
   bool InTransaction() const;
 
+  // Starts a transaction with `begin` ("BEGIN ..."), sent together with the next statement
+  // (Send, Run, Command) rather than on its own: one round trip less per transaction.
+  void Begin(std::string begin);
+  // True, forgetting it, when the transaction begun has not reached the server: nothing ran in
+  // it, so committing or rolling it back has nothing to send.
+  bool EndUnsent();
+
+  // Forgets the statements prepared so far (DEALLOCATE ALL, sent with the next statement):
+  // after the tables may have changed, a `Select *` prepared before would no longer describe
+  // them.
+  void ForgetPrepared();
+
   // Runs exactly one statement with parameters (extended protocol); `shown` is the statement
-  // as reported in error messages. More than one statement, or none, throws DbError. A failed
-  // statement inside a transaction leaves the transaction failed until its innermost level is
-  // rolled back (the server refuses every other statement meanwhile).
+  // as reported in error messages. A text sent a second time is prepared on the server (named
+  // statement, parsed and planned once) and executed as such from then on, so statements the
+  // component repeats with other values cost the server only their execution. More than one
+  // statement, or none, throws DbError. A failed statement inside a transaction leaves the
+  // transaction failed until its innermost level is rolled back (the server refuses every other
+  // statement meanwhile).
   Result Run(std::string_view sql, const Params& params, std::string_view shown);
+
+  // One statement with its parameters; `shown` is the statement as reported in error messages.
+  struct Statement {
+    std::string_view sql;
+    const Params& params;
+    std::string_view shown;
+  };
+  // Runs the statements in order in one round trip and checks each: the first that failed
+  // throws its DbError (the ones after it did not run). Outside a transaction they form one
+  // implicit transaction: all or nothing.
+  std::vector<Result> RunAll(const std::vector<Statement>& statements);
 
   // Sends one statement without checking the outcome: the result may be
   // a failed one (see Check). For callers that manage the transaction state themselves (the
@@ -61,11 +91,26 @@ class Session {
   std::string Command(const char* sql);
 
  private:
+  // DbError for what cannot be sent: no statement, two, a NUL in the text or in a value.
+  void Validate(std::string_view sql, const Params& params, std::string_view shown) const;
+  // Sends the statements, after what is pending (BEGIN, DEALLOCATE ALL), in one round trip;
+  // one result per statement, unchecked. A failure before a statement (its BEGIN, its Parse)
+  // is given as that statement's result; statements after a failure come back
+  // PGRES_PIPELINE_ABORTED.
+  std::vector<Result> Pipeline(const std::vector<Statement>& statements);
+  // The name to run `text` as, "" for the unnamed statement; `prepare` tells that it must be
+  // prepared first.
+  std::string PreparedName(const std::string& text, bool& prepare);
   [[noreturn]] void Fail(const PGresult* result, std::string_view shown) const;
   // ConnectionLost when the connection is gone, else Other: for failures without a SQLSTATE.
   DbErrorKind LostOrOther() const;
 
   PGconn* conn_ = nullptr;
+  std::string pending_begin_;                              // BEGIN not sent yet ("" when none)
+  bool deallocate_ = false;                                // DEALLOCATE ALL not sent yet
+  std::unordered_map<std::string, std::string> prepared_;  // text -> statement name
+  std::unordered_set<std::string> seen_;                   // texts sent once, unprepared
+  uint64_t serial_ = 0;                                    // for statement names
 };
 
 // SQLSTATE of a failed result ("" when there is none).
