@@ -78,7 +78,7 @@ bool clsMovFrecuente::CheckListDarPorRealizado(int32_t lID) {
     Connection& cn = *ctx_.cn;
     Transaccion transaccion(cn);
     // Claimed before it is read, so that two processes never count one occurrence twice.
-    if (cn.Execute(api::AvanceAgenda::SqlReservar(lID)) == 0) return false;
+    if (cn.Execute(api::AvanceAgenda::kSqlReservar, {Variant(lID)}) == 0) return false;
     clsMFTipo mf(ctx_.servicios.clock);
     if (!mf.Load(cn, lID, ctx_.Reloj())) return false;
     clsRegMovimientoFrecuente& lista = *mf.MovFrecuente();
