@@ -11,6 +11,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 
 #include "kivmovfrec/db.h"
 
@@ -27,5 +28,25 @@ std::optional<std::string> ProblemaCuentaRenglon(Connection& cn, int32_t empresa
 // its problem, or to nothing when it can take the line.
 std::map<int32_t, std::optional<std::string>> ProblemasCuentasRenglones(
     Connection& cn, int32_t empresa, const std::set<int32_t>& cuentas);
+
+// An account a line may name: one of the company's accounts that is not a folder.
+struct CuentaElegible {
+  int32_t id = 0;
+  std::string codigo;  // CueCodigo, trimmed
+  std::string nombre;  // CueNombre, trimmed
+  int16_t moneda = 0;  // CueMoneda, 0 when NULL (the accounting currency)
+};
+
+// "Select CueID, CueCodigo, CueNombre, CueMoneda From cceCuentas Where CueIDEmpresa = ? And
+// CueEsCarpeta = 0 And (CueCodigo = ? Or CueNombre = ?) Order by CueCodigo", the company and
+// the text twice bound.
+extern const char* const kSqlCuentaPorCodigoONombre;
+
+// The account of company `empresa` typed as `texto` in a line: its code or its name (compared
+// exactly, blanks around the text ignored), or the code and name joined by a blank as the lines
+// grid shows them. A code wins over a name; folders and other companies' accounts are never
+// found. Nothing for an empty text or when no account matches. DbError propagates.
+std::optional<CuentaElegible> BuscarCuentaElegible(Connection& cn, int32_t empresa,
+                                                   std::string_view texto);
 
 }  // namespace kivmovfrec::storage
