@@ -22,8 +22,8 @@ Action Setup(CLI::App& app) {
       ->required();
   return [id, archivo](Context& ctx) {
     return CorrerGuion(ctx, "lista-tareas", *archivo, [&](clsMovFrecuente& mf) {
-      return ResultadoDialogo{
-          mf.ShowCheckList(*id, static_cast<int16_t>(ctx.options().usuario), false), {}};
+      return ResultadoDialogo::Numero(
+          mf.ShowCheckList(*id, static_cast<int16_t>(ctx.options().usuario), false));
     });
   };
 }
