@@ -156,6 +156,7 @@ void frmWMovFrec::Estado::Ayuda() {
 }
 
 void frmWMovFrec::Estado::Finalizar() {
+  const int en_vista = panel;
   bool valido = false;
   Atrapar(msg::kErrorValidarPanel, [&] {
     if (tipo == 3) {
@@ -165,6 +166,7 @@ void frmWMovFrec::Estado::Finalizar() {
     }
   });
   if (!valido) return;
+  if (panel != en_vista) MostrarPanel(en_vista);  // the checks passed: back where the person was
   if (!Preguntar({msg::ConfirmaGrabarDeTipo(tipo)})) return;
   int32_t id = 0;
   Atrapar(msg::kErrorGrabarMovimiento, [&] { id = Guardar(); });
@@ -180,9 +182,9 @@ void frmWMovFrec::Estado::Rechazar(std::initializer_list<int> lineas, IControl& 
 }
 
 bool frmWMovFrec::Estado::Preguntar(std::initializer_list<int> lineas) {
-  return ctx.servicios.messages->Show(resources::Mensaje(lineas, msg::TituloDeTipo(tipo),
-                                                         MsgIcon::Question, MsgButtons::YesNo,
-                                                         idioma)) == kMsgYes;
+  return ctx.servicios.messages->Show(resources::Mensaje(
+             lineas, msg::TituloDeTipo(tipo), MsgIcon::Question, MsgButtons::YesNo, idioma)) ==
+         kMsgYes;
 }
 
 void frmWMovFrec::Estado::Atrapar(int accion, const std::function<void()>& handler) {

@@ -21,8 +21,7 @@ void frmWMovFrec::Estado::CrearAviso() {
   leyenda->Caption(Texto(msg::kCapComentario));
   usuarios = &f.CrearBoton("hlUsuarios", p, ClaseControl::Enlace);
   usuarios->Caption(Texto(msg::kCapUsuario));
-  usuarios->AlPulsar(
-      [this] { Atrapar(msg::kErrorSetearPanel, [this] { ElegirUsuarios(); }); });
+  usuarios->AlPulsar([this] { Atrapar(msg::kErrorSetearPanel, [this] { ElegirUsuarios(); }); });
   ente = &f.CrearTexto("tEnte", p);
   ente->Caption(Texto(msg::kCapPara));
   CrearFrecuencia(p);
@@ -36,8 +35,8 @@ void frmWMovFrec::Estado::CargarAviso() {
   std::string codigos;
   if (m.ID() > 0) {
     for (auto rs = ctx.cn->OpenReadOnly(
-             "Select AvUUsuario From genAvisosUsuarios Where AvUAviso = " +
-             std::to_string(m.ID()) + " Order By AvUUsuario");
+             "Select AvUUsuario From genAvisosUsuarios Where AvUAviso = " + std::to_string(m.ID()) +
+             " Order By AvUUsuario");
          !rs->Eof(); rs->MoveNext()) {
       codigos += (codigos.empty() ? "" : ", ") + std::to_string(Entero(rs->Get("AvUUsuario")));
     }

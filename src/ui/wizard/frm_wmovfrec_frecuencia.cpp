@@ -36,8 +36,7 @@ std::optional<Date> DiaDe(const ITexto& t) {
 // A count typed in tQOcurre; 0 when blank or not a whole number.
 int32_t Cantidad(const ITexto& t) {
   const std::string s = vb::Trim(t.Text());
-  if (s.empty() || s.size() > 9 || s.find_first_not_of("0123456789") != std::string::npos)
-    return 0;
+  if (s.empty() || s.size() > 9 || s.find_first_not_of("0123456789") != std::string::npos) return 0;
   return std::stoi(s);
 }
 
@@ -87,15 +86,14 @@ void frmWMovFrec::Estado::CargarFrecuencia() {
   indice_frecuencia = -1;
   CopiarAgenda(rec);
   const std::optional<Date> proxima = vb::ParseDate(rec.FechaProxima());
-  postergado->Caption(rec.Postergado() > 0 && proxima
-                          ? Texto(msg::kPostergado) +
-                                Dia(Date{vb::DateOnly(*proxima).serial - rec.NotificarDias() +
-                                         rec.Postergado()})
-                          : "");
+  postergado->Caption(
+      rec.Postergado() > 0 && proxima
+          ? Texto(msg::kPostergado) +
+                Dia(Date{vb::DateOnly(*proxima).serial - rec.NotificarDias() + rec.Postergado()})
+          : "");
   inicio->Caption(rec.ID() > 0 ? core::TextoSeInicio(rec, idioma) : "");
-  ya_ocurrio->Caption(rec.ID() > 0 && core::MostrarYaOcurrio(rec)
-                          ? core::TextoYaOcurrio(rec, idioma)
-                          : "");
+  ya_ocurrio->Caption(
+      rec.ID() > 0 && core::MostrarYaOcurrio(rec) ? core::TextoYaOcurrio(rec, idioma) : "");
 }
 
 void frmWMovFrec::Estado::CopiarAgenda(const clsRegRecurrencia& rec) {
@@ -128,6 +126,8 @@ void frmWMovFrec::Estado::CopiarAgenda(const clsRegRecurrencia& rec) {
     hora_not->Text("");
   }
   RotuloVencimiento();
+  // The stored schedule keeps its last date, not its count: the count is worked out again.
+  if (final_ && rec.CantidadVeces() <= 0) CalcularFinal();
 }
 
 int32_t frmWMovFrec::Estado::FrecuenciaElegida() const {
@@ -139,9 +139,9 @@ int32_t frmWMovFrec::Estado::FrecuenciaElegida() const {
 void frmWMovFrec::Estado::RotuloVencimiento() {
   const int32_t codigo = FrecuenciaElegida();
   vence->Caption(Texto(codigo == 0 ? msg::kCapVencimiento : msg::kCapPrimerVencimiento));
-  hl_ocurre->Caption(codigo >= 0 ? dep.calendario->DescribirFrecuencia(
-                                       schedule::FormatFrequencyCode(codigo))
-                                 : "");
+  hl_ocurre->Caption(
+      codigo >= 0 ? dep.calendario->DescribirFrecuencia(schedule::FormatFrequencyCode(codigo))
+                  : "");
 }
 
 void frmWMovFrec::Estado::ElegirFrecuencia() {

@@ -18,15 +18,17 @@ namespace kivmovfrec::ui {
 using namespace controles;
 
 std::string SqlTiposComprobante(int32_t empresa) {
-  return std::string("Select TCoCodigo, TCoNombre From cceTipoComprobante, "
-                     "sisClasificacionComprobante ") +
-         " Where TCoClasificacion = CCoCodigo " + " And TCoIDEmpresa = " +
-         std::to_string(empresa) + " Order by TCoNombre";
+  return std::string(
+             "Select TCoCodigo, TCoNombre From cceTipoComprobante, "
+             "sisClasificacionComprobante ") +
+         " Where TCoClasificacion = CCoCodigo " + " And TCoIDEmpresa = " + std::to_string(empresa) +
+         " Order by TCoNombre";
 }
 
 std::string SqlTipoComprobante(int32_t tipo) {
-  return std::string("Select CCoVaAlDebe, CCoOperaContado, TCoNumeroObligatorio, "
-                     "CCoConQPagaCobra From cceTipoComprobante, sisClasificacionComprobante ") +
+  return std::string(
+             "Select CCoVaAlDebe, CCoOperaContado, TCoNumeroObligatorio, "
+             "CCoConQPagaCobra From cceTipoComprobante, sisClasificacionComprobante ") +
          " Where TCoCodigo = " + std::to_string(tipo) + " And TCoClasificacion = CCoCodigo";
 }
 
@@ -39,8 +41,7 @@ int32_t Entero(const Variant& v) {
 }
 
 std::string TextoDe(const Variant& v) {
-  return v.IsNull() || v.IsEmpty() ? std::string()
-                                   : vb::Trim(vb::CStr(v, vb::Locale::Invariant()));
+  return v.IsNull() || v.IsEmpty() ? std::string() : vb::Trim(vb::CStr(v, vb::Locale::Invariant()));
 }
 
 int IndiceDeDato(const ILista& l, int32_t dato) {
@@ -113,6 +114,7 @@ void frmWMovFrec::Estado::LlenarListas() {
   llenar(autoriza, kSqlAutoriza, "UsuCodigo", "UsuIdentificacion");
   if (tipo == 2) {
     llenar(tipo_comprobante, SqlTiposComprobante(empresa), "TCoCodigo", "TCoNombre");
+    llenar(tipo_cambio, kSqlTiposCotizacion, "TCMCodigo", "TCMNombre");
     moneda->Limpiar();
     monedas.clear();
     for (auto rs = cn.OpenReadOnly(kSqlMonedas); !rs->Eof(); rs->MoveNext()) {
@@ -131,7 +133,9 @@ void frmWMovFrec::Estado::CargarGeneral() {
       IndiceDeDato(*tipo_importe, m.TipoImporte() > 0 ? m.TipoImporte() : kImporteEstimado));
   const bool con_agenda = m.Recurrencia() > 0 || !mf->Recurrencia()->FechaProxima().empty();
   agendado->Indice(IndiceDeDato(*agendado, con_agenda ? kAgendado : kFrecuente));
-  autoriza->Indice(IndiceDeDato(*autoriza, m.UsuarioAutoriza()));
+  // A new movement is authorised by the user who creates it until someone else is chosen.
+  autoriza->Indice(
+      IndiceDeDato(*autoriza, m.UsuarioAutoriza() > 0 ? m.UsuarioAutoriza() : usuario));
   if (imagen) imagen->Indice(IndiceDeDato(*imagen, m.Imagen()));
   if (tipo == 2) {
     tipo_comprobante->Indice(IndiceDeDato(*tipo_comprobante, m.Modalidad()));
@@ -139,8 +143,8 @@ void frmWMovFrec::Estado::CargarGeneral() {
     ElegirMoneda();
     contacto.reset();
     if (m.Ente() > 0) {
-      auto rs = ctx.cn->OpenReadOnly("Select * from genEntes Where EntID = " +
-                                     std::to_string(m.Ente()));
+      auto rs =
+          ctx.cn->OpenReadOnly("Select * from genEntes Where EntID = " + std::to_string(m.Ente()));
       if (!rs->Eof()) {
         contacto = m.Ente();
         ente->Text(TextoDe(rs->Get("EntNombre")));
@@ -156,6 +160,11 @@ void frmWMovFrec::Estado::ElegirMoneda() {
   const int i = moneda->Indice();
   const std::string simbolo = i >= 0 && i < static_cast<int>(monedas.size()) ? monedas[i] : "";
   tipo_cambio->Caption(resources::Texto(msg::kCapTCa, idioma, simbolo));
+  // The lines show their amounts in the movement's currency.
+  if (i >= 0 && mf->MovFrecuente()->Moneda() != moneda->Dato(i)) {
+    mf->MovFrecuente()->Moneda(static_cast<int16_t>(moneda->Dato(i)));
+    if (cuentas) cuentas->Cargar();
+  }
 }
 
 void frmWMovFrec::Estado::ElegirContacto() {
@@ -187,12 +196,12 @@ std::string frmWMovFrec::Estado::VinculosDelGrupo() {
   const std::string g = std::to_string(grupo);
   std::vector<Vinculo> pares;
   for (auto rs = ctx.cn->OpenReadOnly(
-           "Select MFrID, MFrMVOrden From genMovimientosFrecuentes Where MFrMovVinculado = " +
-           g + " Or MFrID = " + g + " Order By MFrMVOrden, MFrID");
+           "Select MFrID, MFrMVOrden From genMovimientosFrecuentes Where MFrMovVinculado = " + g +
+           " Or MFrID = " + g + " Order By MFrMVOrden, MFrID");
        !rs->Eof(); rs->MoveNext()) {
     const int32_t orden = Entero(rs->Get("MFrMVOrden"));
-    pares.push_back({Entero(rs->Get("MFrID")),
-                     orden > 0 ? orden : static_cast<int32_t>(pares.size()) + 1});
+    pares.push_back(
+        {Entero(rs->Get("MFrID")), orden > 0 ? orden : static_cast<int32_t>(pares.size()) + 1});
   }
   if (pares.size() < 2) return "";  // a movement alone is no group
   return EscribirVinculos(pares);
@@ -242,8 +251,8 @@ void frmWMovFrec::Estado::VerVinculos() {
     }
     texto += (texto.empty() ? "" : "\n") + std::to_string(v.orden) + ". " + nombre_mov;
   }
-  ctx.servicios.messages->Show({texto, Texto(msg::kTituloVincular), MsgIcon::Information,
-                                MsgButtons::OK, 1, -1});
+  ctx.servicios.messages->Show(
+      {texto, Texto(msg::kTituloVincular), MsgIcon::Information, MsgButtons::OK, 1, -1});
 }
 
 }  // namespace kivmovfrec::ui

@@ -91,8 +91,8 @@ int32_t frmWMovFrec::Estado::Guardar() {
     Transaccion transaccion(cn);
     PanelesARegistros();
     if (tipo == 2 && contacto && contacto_a_publico) {
-      auto rs = cn.OpenResultset("Select * from genEntes Where EntID = " +
-                                 std::to_string(*contacto));
+      auto rs =
+          cn.OpenResultset("Select * from genEntes Where EntID = " + std::to_string(*contacto));
       if (!rs->Eof()) {
         rs->Edit();
         rs->Set("EntOwner", Variant::Null());
@@ -145,8 +145,7 @@ void frmWMovFrec::Estado::RegrabarGrupo(int32_t id, int32_t grupo_antes) {
   // Members of the former group that are no longer in it leave it.
   if (grupo_antes > 0) {
     auto rs = cn.OpenResultset("Select * From genMovimientosFrecuentes Where MFrMovVinculado = " +
-                               std::to_string(grupo_antes) + " And MFrID <> " +
-                               std::to_string(id));
+                               std::to_string(grupo_antes) + " And MFrID <> " + std::to_string(id));
     for (; !rs->Eof(); rs->MoveNext()) {
       if (grupo > 0 && quedan.count(Entero(rs->Get("MFrID")))) continue;
       rs->Edit();

@@ -43,6 +43,9 @@ inline constexpr const char* kSqlMonedas =
 inline constexpr const char* kSqlAutoriza =
     "Select UsuCodigo, UsuIdentificacion From admUsuarios"
     " Where UsuCodigo > 0  And UsuHabilitado <> 0";
+inline constexpr const char* kSqlTiposCotizacion =
+    "Select TCMCodigo, TCMNombre From genTipoCotizacionMoneda "
+    "Where (TCMIndice = 0 or TCMIndice Is Null) Order by TCMNombre";
 std::string SqlTiposComprobante(int32_t empresa);
 std::string SqlTipoComprobante(int32_t tipo);
 
@@ -114,13 +117,13 @@ struct frmWMovFrec::Estado {
   IBoton* cancelar = nullptr;
   IBoton* ayuda = nullptr;
 
-  int panel = kPanelGeneral;           // the panel on view
-  int32_t frecuencia_definida = -1;    // the code behind "Definido ..."
-  int indice_frecuencia = -1;          // the entry chosen before "Definido ..."
-  std::string vinculos;                // the link text of the movement's group
-  std::optional<int32_t> contacto;     // the voucher's contact, once tEnte names one
-  bool contacto_a_publico = false;     // Yes to 1810 for that contact
-  std::vector<std::string> monedas;    // symbol of each cfMoneda entry
+  int panel = kPanelGeneral;         // the panel on view
+  int32_t frecuencia_definida = -1;  // the code behind "Definido ..."
+  int indice_frecuencia = -1;        // the entry chosen before "Definido ..."
+  std::string vinculos;              // the link text of the movement's group
+  std::optional<int32_t> contacto;   // the voucher's contact, once tEnte names one
+  bool contacto_a_publico = false;   // Yes to 1810 for that contact
+  std::vector<std::string> monedas;  // symbol of each cfMoneda entry
 
   // ---- frm_wmovfrec.cpp: structure and navigation ----
   std::string Texto(int n) const;

@@ -94,8 +94,7 @@ bool frmWMovFrec::Estado::ValidarGeneral() {
 bool frmWMovFrec::Estado::ValidarCuentas() {
   if (form->PanelVisible() != kPanelCuentas) MostrarPanel(kPanelCuentas);
   return cuentas->ValidarRenglones() &&
-         cuentas->ValidarTotales(EsAgendado(),
-                                 static_cast<int16_t>(DatoElegido(*tipo_importe, 0)));
+         cuentas->ValidarTotales(EsAgendado(), static_cast<int16_t>(DatoElegido(*tipo_importe, 0)));
 }
 
 bool frmWMovFrec::Estado::ValidarFrecuencia() {
@@ -114,8 +113,8 @@ bool frmWMovFrec::Estado::ValidarFrecuencia() {
     return false;
   }
   const std::string veces = vb::Trim(q_ocurre->Text());
-  if (!veces.empty() && (veces.size() > 5 || veces.find_first_not_of("0123456789") !=
-                                                  std::string::npos)) {
+  if (!veces.empty() &&
+      (veces.size() > 5 || veces.find_first_not_of("0123456789") != std::string::npos)) {
     Rechazar(msg::kCampoNoValido, *q_ocurre);
     return false;
   }

