@@ -81,8 +81,6 @@ class Asistente : public testing::DemoEngineTest {
     frmWMovFrec wizard(ctx, 1, std::move(dep));
     const int32_t r = wizard.Mostrar(mf, 1);
     InformeGuion i = guion->Informe();
-    for (auto& m : i.mensajes) std::cerr << "MSG " << m.numero << " " << m.texto << "\n";
-    std::cerr << "PANEL " << i.panel << " FOCO " << i.foco << "\n";
     EXPECT_EQ(i.resultado, r);
     EXPECT_TRUE(errores.empty()) << errores.front();
     return i;
@@ -176,6 +174,113 @@ TEST_P(Asistente, AScheduledEntryTakesItsLastDateFromTheCountAndSavesItsSchedule
       << "twelve monthly due dates from 10/12/2026";
   EXPECT_EQ(rec.NumOcurrencia(), 1);
   EXPECT_FLOAT_EQ(rec.NotificarDias(), 0);
+}
+
+// An entry's general panel as given, then the lines `debe` on Caja and `haber` on Ventas (a
+// blank amount leaves the line out), then `resto`.
+std::string Asiento(const std::string& general, const std::string& debe, const std::string& haber,
+                    const std::string& resto) {
+  std::string s = "[" + general + R"(, {"pulsar": "bfSiguiente"})";
+  if (!debe.empty())
+    s += R"(, {"escribir": "tEditCta", "texto": "1.1.01"}, {"escribir": "ocEditD", "texto": ")" +
+         debe + R"("}, {"pulsar": "bfEditOK"})";
+  if (!haber.empty())
+    s += R"(, {"escribir": "tEditCta", "texto": "4.1.01"}, {"escribir": "ocEditH", "texto": ")" +
+         haber + R"("}, {"pulsar": "bfEditOK"})";
+  return s + ", " + resto + R"(, {"pulsar": "bfFinalizar"}, {"responder": "aceptar"}])";
+}
+
+// Each refusal is shown on the panel holding the field at fault, with the focus on it, and
+// nothing is written.
+TEST_P(Asistente, EachRefusalShowsItsPanelAndFieldAndWritesNothing) {
+  const std::string nombre = R"({"escribir": "tNombre", "texto": "Prueba"})";
+  const std::string agendado = nombre + R"(, {"elegir": "cfAgendado", "opcion": "Agendado"})";
+  const std::string fijo = agendado + R"(, {"elegir": "cfTipoImporte", "opcion": "Fijo"})";
+  const std::string frecuencia = R"({"pulsar": "bfSiguiente"},
+      {"elegir": "cfFrecuencia", "opcion": "Mensual"},
+      {"escribir": "dtVence", "texto": "10/12/2026"}, {"escribir": "tHora", "texto": "09:00"})";
+  struct Caso {
+    const char* nombre;
+    std::string pasos;
+    int mensaje;
+    int panel;
+    const char* foco;
+  };
+  const std::vector<Caso> casos = {
+      {"sin nombre",
+       Asiento(R"({"escribir": "tLeyenda", "texto": "x"})", "10", "10",
+               R"({"pulsar": "bfAnterior"})"),
+       msg::kCampoNoValido, 1, "tNombre"},
+      {"comilla en la leyenda",
+       Asiento(nombre + R"(, {"escribir": "tLeyenda", "texto": "O'Brien"})", "10", "10",
+               R"({"pulsar": "bfAnterior"})"),
+       msg::kCampoNoValido, 1, "tLeyenda"},
+      {"sólo al debe", Asiento(nombre, "10", "", R"({"pulsar": "bfAnterior"})"),
+       msg::kCuentaDebeYHaber, 2, "vsCuentas"},
+      {"totales distintos", Asiento(nombre, "1000", "900", R"({"pulsar": "bfAnterior"})"),
+       msg::kSumatoriaNoCoincide, 2, "vsCuentas"},
+      {"sin frecuencia", Asiento(agendado, "10", "10", R"({"pulsar": "bfSiguiente"})"),
+       msg::kCampoNoValido, 3, "cfFrecuencia"},
+      {"hora que no es hora",
+       Asiento(agendado, "10", "10", frecuencia + R"(, {"escribir": "tHora", "texto": "25:00"})"),
+       msg::kCampoNoValido, 3, "tHora"},
+      {"aviso de un importe fijo",
+       Asiento(fijo, "10", "10",
+               frecuencia + R"(, {"escribir": "dtNotificar", "texto": "05/12/2026"})"),
+       msg::kNotificacionImporteFijo, 3, "dtNotificar"},
+      {"aviso después del vencimiento", Asiento(agendado, "10", "10", frecuencia + R"(,
+          {"escribir": "dtNotificar", "texto": "10/12/2026"},
+          {"escribir": "tHoraNot", "texto": "09:00"})"),
+       msg::kNotificacionAntesDeVencimiento, 3, "dtNotificar"},
+      {"última fecha antes del vencimiento", Asiento(agendado, "10", "10", frecuencia + R"(,
+          {"escribir": "dtHasta", "texto": "01/12/2026"}, {"responder": "aceptar"},
+          {"escribir": "dtHasta", "texto": "xx"})"),
+       msg::kCampoNoValido, 3, "dtHasta"},
+  };
+  const testing::Snapshot antes = Tablas();
+  for (const Caso& c : casos) {
+    SCOPED_TRACE(c.nombre);
+    const InformeGuion i = Correr(c.pasos);
+    EXPECT_EQ(i.error, "");
+    ASSERT_FALSE(i.mensajes.empty());
+    EXPECT_EQ(i.mensajes.back().numero, c.mensaje);
+    EXPECT_EQ(i.mensajes.back().icono, "exclamacion");
+    EXPECT_EQ(i.panel, c.panel);
+    EXPECT_EQ(i.foco, c.foco);
+    EXPECT_EQ(i.resultado, 0);
+  }
+  EXPECT_EQ(Tablas(), antes);
+}
+
+// A voucher type with obligatory numbering refuses an automatic amount; a last date before the
+// first due date is refused as it is typed and the last date is worked out again.
+TEST_P(Asistente, VoucherNumberingAndLastDateRefusals) {
+  const InformeGuion numeracion = Correr(R"js([
+    {"escribir": "tNombre", "texto": "Factura mensual"},
+    {"escribir": "tEnte", "texto": "1"},
+    {"elegir": "cfTipoComprobante", "opcion": "Factura A"},
+    {"elegir": "cfTipoImporte", "opcion": "Automático"},
+    {"elegir": "cfMoneda", "opcion": "Peso argentino ($)"},
+    {"pulsar": "bfFinalizar"}, {"responder": "aceptar"}])js",
+                                         2);
+  EXPECT_EQ(numeracion.error, "");
+  EXPECT_EQ(Numeros(numeracion), std::vector<int>{msg::kTipoImporteNumeracion});
+  EXPECT_EQ(numeracion.mensajes[0].titulo, "Asistente de Comprobantes");
+  EXPECT_EQ(numeracion.foco, "cfTipoImporte");
+
+  const InformeGuion hasta = Correr(Asiento(R"({"escribir": "tNombre", "texto": "Prueba"},
+      {"elegir": "cfAgendado", "opcion": "Agendado"})",
+                                            "10", "10", R"({"pulsar": "bfSiguiente"},
+      {"elegir": "cfFrecuencia", "opcion": "Mensual"},
+      {"escribir": "dtVence", "texto": "10/12/2026"}, {"escribir": "tQOcurre", "texto": "3"},
+      {"escribir": "dtHasta", "texto": "01/12/2026"}, {"responder": "aceptar"},
+      {"escribir": "dtNotificar", "texto": "01/01/2026"}, {"responder": "aceptar"},
+      {"escribir": "dtNotificar", "texto": "01/12/2026"},
+      {"escribir": "tQOcurre", "texto": "x"})"));
+  EXPECT_EQ(hasta.error, "");
+  EXPECT_EQ(Numeros(hasta), (std::vector<int>{msg::kFechaHastaMenor, msg::kDiferenciaNotificar,
+                                              msg::kCampoNoValido}));
+  EXPECT_EQ(hasta.foco, "tQOcurre");
 }
 
 KMF_INSTANTIATE_ENGINES(Asistente);

@@ -183,6 +183,7 @@ void frmWMovFrec::Estado::CalcularFinal() {
   if (!desde) desde = DiaDe(*notificar);
   if (!desde) return;
   int32_t cantidad = Cantidad(*q_ocurre);
+  if (cantidad <= 0 && !vb::Trim(q_ocurre->Text()).empty()) return;  // refused when finishing
   Date final_{};
   if (cantidad <= 0) {
     const std::optional<Date> h = DiaDe(*hasta);
