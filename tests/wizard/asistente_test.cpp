@@ -88,7 +88,9 @@ class Asistente : public testing::DemoEngineTest {
   // One value of the database.
   std::string Valor(const std::string& sql) {
     auto rs = cn->OpenReadOnly(sql);
-    return rs->Eof() ? "(ninguna fila)" : DebugString(rs->Get(0));
+    if (rs->Eof()) return "(ninguna fila)";
+    const Variant v = rs->Get(0);
+    return v.IsNull() ? "Null" : vb::CStr(v);
   }
   testing::Snapshot Tablas() {
     return testing::TakeSnapshot(*cn, {"genMovimientosFrecuentes", "genRenglonMovFrecuentes",
@@ -281,6 +283,139 @@ TEST_P(Asistente, VoucherNumberingAndLastDateRefusals) {
   EXPECT_EQ(Numeros(hasta), (std::vector<int>{msg::kFechaHastaMenor, msg::kDiferenciaNotificar,
                                               msg::kCampoNoValido}));
   EXPECT_EQ(hasta.foco, "tQOcurre");
+}
+
+TEST_P(Asistente, ANoticeForTwoUsersIsLinkedToThemAndTheSameUserTwiceIsRefused) {
+  const std::string aviso = R"([
+    {"escribir": "tNombre", "texto": "Pagar monotributo"},
+    {"escribir": "tMemoAviso", "texto": "Cuota del mes"},
+    {"marcar": "chSinEmpresa", "valor": false},
+    {"elegir": "cfFrecuencia", "opcion": "Mensual"},
+    {"escribir": "dtVence", "texto": "20/12/2026"}, {"escribir": "tHora", "texto": "10:00"},
+    {"escribir": "dtNotificar", "texto": "18/12/2026"},
+    {"escribir": "tHoraNot", "texto": "08:00"}, )";
+  const InformeGuion dos = Correr(aviso + R"(
+    {"escribir": "tEnte", "texto": "2, 2"}, {"pulsar": "bfFinalizar"}, {"responder": "aceptar"}])",
+                                  3);
+  EXPECT_EQ(Numeros(dos), std::vector<int>{msg::kUsuariosDuplicados});
+  EXPECT_EQ(dos.mensajes[0].titulo, "Avisos");
+  EXPECT_EQ(dos.foco, "tEnte");
+  EXPECT_EQ(dos.resultado, 0);
+
+  // The picker's rows: admin (1), cfernandez (4), jperez (2).
+  const InformeGuion i = Correr(aviso + R"(
+    {"pulsar": "hlUsuarios"},
+    {"tildar": "vsGrid", "fila": 1, "columna": "Para"},
+    {"tildar": "vsGrid", "fila": 3, "columna": "Para"}, {"pulsar": "&Aceptar"},
+    {"pulsar": "bfAyuda"}, {"pulsar": "bfFinalizar"}, {"responder": "si"}])",
+                                3);
+  ASSERT_EQ(i.error, "");
+  ASSERT_GT(i.resultado, 0);
+  EXPECT_EQ(Numeros(i), std::vector<int>{msg::kConfirmaGrabarAviso});
+  EXPECT_EQ(i.ayuda, std::vector<int>{330});
+  ASSERT_EQ(sv.db->links().size(), 1u);
+  EXPECT_EQ(sv.db->links()[0].aviso, i.resultado);
+  EXPECT_EQ(sv.db->links()[0].usuarios, "1,2");
+  const std::string id = std::to_string(i.resultado);
+  EXPECT_EQ(Valor("Select Count(*) From genAvisosUsuarios Where AvUAviso = " + id +
+                  " And AvUUsuario In (1, 2)"),
+            "2");
+  EXPECT_EQ(Valor("Select MFrEmpresa From genMovimientosFrecuentes Where MFrID = " + id), "0");
+
+  clsMFTipo leido;
+  ASSERT_TRUE(leido.Load(*cn, i.resultado));
+  EXPECT_EQ(leido.MovFrecuente()->Memo(), "Cuota del mes");
+  // Notified two days and two hours before the due moment.
+  EXPECT_NEAR(leido.Recurrencia()->NotificarDias(), 2 + 2.0 / 24, 1e-5);
+  EXPECT_EQ(leido.Recurrencia()->SinVencimiento(), 1);
+}
+
+TEST_P(Asistente, APrivateContactBecomesPublicOnlyWhenTheVoucherIsSavedAfterYes) {
+  const auto comprobante = [](const char* respuesta, const char* fin) {
+    return std::string(R"js([
+      {"escribir": "tNombre", "texto": "Flete mensual"},
+      {"escribir": "tEnte", "texto": "Transportes Martínez"}, {"responder": ")js") +
+           respuesta + R"js("},
+      {"elegir": "cfTipoComprobante", "opcion": "Factura de proveedor"},
+      {"elegir": "cfMoneda", "opcion": "Peso argentino ($)"},
+      {"pulsar": "bfSiguiente"},
+      {"escribir": "tEditCta", "texto": "1.1.01"}, {"escribir": "ocEditD", "texto": "100"},
+      {"pulsar": "bfEditOK"},
+      {"escribir": "tEditCta", "texto": "4.1.01"}, {"escribir": "ocEditH", "texto": "100"},
+      {"pulsar": "bfEditOK"}, )js" +
+           fin + "]";
+  };
+  const std::string owner = "Select EntOwner From genEntes Where EntID = 2";
+  const InformeGuion cancelado = Correr(comprobante("si", R"({"pulsar": "bfCancelar"})"), 2);
+  EXPECT_EQ(cancelado.error, "");
+  ASSERT_FALSE(cancelado.mensajes.empty());
+  EXPECT_EQ(cancelado.mensajes[0].numero, msg::kContactoPrivado);
+  EXPECT_EQ(
+      cancelado.mensajes[0].texto.rfind("“Transportes Martínez” es un contacto privado.\n", 0), 0u);
+  EXPECT_EQ(Valor(owner), "1") << "nothing is written until the voucher is saved";
+
+  const InformeGuion no =
+      Correr(comprobante("no", R"({"pulsar": "bfFinalizar"}, {"responder": "si"})"), 2);
+  ASSERT_GT(no.resultado, 0);
+  EXPECT_EQ(Valor(owner), "1");
+  EXPECT_EQ(Valor("Select MFrEnte From genMovimientosFrecuentes Where MFrID = " +
+                  std::to_string(no.resultado)),
+            "2");
+
+  const InformeGuion si =
+      Correr(comprobante("si", R"({"pulsar": "bfFinalizar"}, {"responder": "si"})"), 2);
+  ASSERT_GT(si.resultado, 0);
+  EXPECT_EQ(Numeros(si),
+            (std::vector<int>{msg::kContactoPrivado, msg::kConfirmaGrabarComprobante}));
+  EXPECT_EQ(Valor(owner), "Null");
+}
+
+// Movement 1 is scheduled; 2 and 3 are not.
+TEST_P(Asistente, TheLinkChecksRefuseTheSaveAndTheGroupIsRewrittenFromItsLinks) {
+  const std::string agendar = R"([{"elegir": "cfAgendado", "opcion": "Agendado"},
+    {"pulsar": "bfSiguiente"}, {"pulsar": "bfSiguiente"},
+    {"elegir": "cfFrecuencia", "opcion": "Mensual"},
+    {"escribir": "dtVence", "texto": "10/12/2026"},
+    {"pulsar": "bfFinalizar"}, {"responder": "si"}, {"responder": "aceptar"}])";
+  cn->Execute(
+      "Update genMovimientosFrecuentes Set MFrMovVinculado = 2, MFrMVOrden = 1 "
+      "Where MFrID In (1, 2)");
+  cn->Execute("Update genMovimientosFrecuentes Set MFrMVOrden = 2 Where MFrID = 1");
+  const testing::Snapshot antes = Tablas();
+  const InformeGuion dos_agendados = Correr(agendar, 1, 2);
+  EXPECT_EQ(dos_agendados.error, "");
+  EXPECT_EQ(Numeros(dos_agendados),
+            (std::vector<int>{msg::kConfirmaGrabarAsiento, msg::kMasDeUnAgendado}));
+  EXPECT_EQ(dos_agendados.mensajes[1].texto,
+            "No se pueden establecer vínculos con más de 1 movimiento agendado.\nEl movimiento "
+            "agendado tiene vida propia, por lo tanto no se puede víncular a más de 1.");
+  EXPECT_EQ(dos_agendados.panel, 1);
+  EXPECT_EQ(dos_agendados.foco, "hlVincular");
+  EXPECT_EQ(Tablas(), antes);
+
+  // 3 heads a group with 2 without carrying the group itself; 3 is sent to the bin meanwhile.
+  cn->Execute(
+      "Update genMovimientosFrecuentes Set MFrMovVinculado = Null, MFrMVOrden = Null "
+      "Where MFrID = 1");
+  cn->Execute(
+      "Update genMovimientosFrecuentes Set MFrMovVinculado = 3, MFrMVOrden = 2 "
+      "Where MFrID = 2");
+  cn->Execute("Update genMovimientosFrecuentes Set MFrMVOrden = 1, MFrEstado = 9 Where MFrID = 3");
+  const std::string guardar = R"([{"pulsar": "bfFinalizar"}, {"responder": "si"},
+                                  {"responder": "aceptar"}])";
+  const InformeGuion eliminado = Correr(guardar, 1, 2);
+  EXPECT_EQ(Numeros(eliminado),
+            (std::vector<int>{msg::kConfirmaGrabarAsiento, msg::kVinculadoEliminado}));
+  EXPECT_EQ(eliminado.resultado, 0);
+
+  cn->Execute("Update genMovimientosFrecuentes Set MFrEstado = 0 Where MFrID = 3");
+  const InformeGuion ok = Correr(R"([{"pulsar": "bfFinalizar"}, {"responder": "si"}])", 1, 2);
+  ASSERT_EQ(ok.resultado, 2);
+  EXPECT_EQ(Valor("Select MFrMovVinculado From genMovimientosFrecuentes Where MFrID = 3"), "3")
+      << "the head now carries its group";
+  EXPECT_EQ(Valor("Select MFrMovVinculado From genMovimientosFrecuentes Where MFrID = 2"), "3");
+  EXPECT_EQ(Valor("Select MFrMVOrden From genMovimientosFrecuentes Where MFrID = 2"), "2");
+  EXPECT_EQ(mf.MovFrecuente()->MovVinculado(), 3);
 }
 
 KMF_INSTANTIATE_ENGINES(Asistente);
