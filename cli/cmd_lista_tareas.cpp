@@ -4,11 +4,7 @@
 // closed, the result (the saved list's id, 0 when nothing was saved) and why the script stopped.
 // Exit 0 when every step ran and the list was saved, 1 when the editor ended with 0 or the
 // script stopped, 2 when the script cannot be read.
-#include <filesystem>
-#include <fstream>
 #include <memory>
-#include <ostream>
-#include <sstream>
 #include <string>
 
 #include <fmt/format.h>
@@ -17,85 +13,23 @@
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
-#include "kivmovfrec/guion.h"
+#include "guion_salida.h"
 
 namespace kivmovfrec::cli {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-std::string LeerGuion(const std::string& archivo) {
-  std::error_code ec;
-  if (std::filesystem::is_directory(archivo, ec))
-    throw UsageError(archivo + " es una carpeta, no un guion");
-  std::ifstream in(archivo, std::ios::binary);
-  if (!in) throw UsageError("no se puede leer el guion " + archivo);
-  std::ostringstream texto;
-  texto << in.rdbuf();
-  return texto.str();
-}
-
-Json InformeJson(const InformeGuion& i) {
-  Json mensajes = Json::array();
-  for (const MensajeGuion& m : i.mensajes) {
-    mensajes.push_back({{"Numero", m.numero < 0 ? Json(nullptr) : Json(m.numero)},
-                        {"Texto", m.texto},
-                        {"Titulo", m.titulo},
-                        {"Icono", m.icono},
-                        {"Respuesta", m.respuesta}});
-  }
-  return {{"Mensajes", std::move(mensajes)},
-          {"Ayuda", i.ayuda},
-          {"Formulario", i.formulario},
-          {"Panel", i.panel},
-          {"Foco", i.foco},
-          {"Seleccion", i.seleccion},
-          {"Resultado", i.resultado},
-          {"Pasos", i.pasos},
-          {"PasosEjecutados", i.pasos_ejecutados},
-          {"Error", i.error.empty() ? Json(nullptr) : Json(i.error)}};
-}
-
-void ImprimirInforme(std::ostream& out, const InformeGuion& i) {
-  for (const MensajeGuion& m : i.mensajes) {
-    std::string texto = m.texto;
-    for (size_t p = texto.find('\n'); p != std::string::npos; p = texto.find('\n', p))
-      texto.replace(p, 1, " / ");
-    out << "Mensaje " << (m.numero < 0 ? std::string("-") : std::to_string(m.numero)) << " ["
-        << (m.icono.empty() ? "sin icono" : m.icono) << "] " << texto << " -> " << m.respuesta
-        << "\n";
-  }
-  for (int tema : i.ayuda) out << "Ayuda: tema " << tema << "\n";
-  out << "Formulario: " << (i.formulario.empty() ? "(no se mostró)" : i.formulario) << ", panel "
-      << i.panel << ", foco en " << (i.foco.empty() ? "(ninguno)" : i.foco);
-  if (!i.seleccion.empty()) out << ", texto seleccionado «" << i.seleccion << "»";
-  out << "\n";
-  out << "Pasos: " << i.pasos_ejecutados << " de " << i.pasos << "\n";
-  if (!i.error.empty()) out << "Error del guion: " << i.error << "\n";
-  out << "Resultado: " << i.resultado << "\n";
-}
-
 int Correr(Context& ctx, int32_t id, const std::string& archivo) {
-  std::shared_ptr<GuionDialogos> guion;
-  try {
-    guion = GuionDialogos::Leer(LeerGuion(archivo));
-  } catch (const std::invalid_argument& e) {
-    throw UsageError(archivo + ": " + e.what());
-  }
+  std::shared_ptr<GuionDialogos> guion = LeerGuionDialogos(archivo);
   guion->Instalar(ctx.services());
   auto fachada = AbrirFachada(ctx);
   const int32_t resultado =
       fachada->ShowCheckList(id, static_cast<int16_t>(ctx.options().usuario), false);
   InformeGuion informe = guion->Informe();
   informe.resultado = resultado;
-  if (ctx.json()) {
-    ctx.PrintJson(InformeJson(informe));
-  } else {
-    ImprimirInforme(ctx.out(), informe);
-  }
+  const int estado = SalidaGuion(ctx, informe);
   if (!fachada->UltimoError().empty())
     ctx.err() << "movfrec lista-tareas: " << fachada->UltimoError() << "\n";
-  return informe.error.empty() && resultado != 0 ? kExitOk : kExitFailed;
+  return estado;
 }
 
 Action Setup(CLI::App& app) {

@@ -1,0 +1,76 @@
+#include "guion_salida.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace kivmovfrec::cli {
+
+using Json = nlohmann::ordered_json;
+
+std::shared_ptr<GuionDialogos> LeerGuionDialogos(const std::string& archivo) {
+  std::error_code ec;
+  if (std::filesystem::is_directory(archivo, ec))
+    throw UsageError(archivo + " es una carpeta, no un guion");
+  std::ifstream in(archivo, std::ios::binary);
+  if (!in) throw UsageError("no se puede leer el guion " + archivo);
+  std::ostringstream texto;
+  texto << in.rdbuf();
+  try {
+    return GuionDialogos::Leer(texto.str());
+  } catch (const std::invalid_argument& e) {
+    throw UsageError(archivo + ": " + e.what());
+  }
+}
+
+Json InformeGuionJson(const InformeGuion& i) {
+  Json mensajes = Json::array();
+  for (const MensajeGuion& m : i.mensajes) {
+    mensajes.push_back({{"Numero", m.numero < 0 ? Json(nullptr) : Json(m.numero)},
+                        {"Texto", m.texto},
+                        {"Titulo", m.titulo},
+                        {"Icono", m.icono},
+                        {"Respuesta", m.respuesta}});
+  }
+  return {{"Mensajes", std::move(mensajes)},
+          {"Ayuda", i.ayuda},
+          {"Formulario", i.formulario},
+          {"Panel", i.panel},
+          {"Foco", i.foco},
+          {"Seleccion", i.seleccion},
+          {"Resultado", i.resultado},
+          {"Pasos", i.pasos},
+          {"PasosEjecutados", i.pasos_ejecutados},
+          {"Error", i.error.empty() ? Json(nullptr) : Json(i.error)}};
+}
+
+void ImprimirInformeGuion(std::ostream& out, const InformeGuion& i) {
+  for (const MensajeGuion& m : i.mensajes) {
+    std::string texto = m.texto;
+    for (size_t p = texto.find('\n'); p != std::string::npos; p = texto.find('\n', p))
+      texto.replace(p, 1, " / ");
+    out << "Mensaje " << (m.numero < 0 ? std::string("-") : std::to_string(m.numero)) << " ["
+        << (m.icono.empty() ? "sin icono" : m.icono) << "] " << texto << " -> " << m.respuesta
+        << "\n";
+  }
+  for (int tema : i.ayuda) out << "Ayuda: tema " << tema << "\n";
+  out << "Formulario: " << (i.formulario.empty() ? "(no se mostró)" : i.formulario) << ", panel "
+      << i.panel << ", foco en " << (i.foco.empty() ? "(ninguno)" : i.foco);
+  if (!i.seleccion.empty()) out << ", texto seleccionado «" << i.seleccion << "»";
+  out << "\n";
+  out << "Pasos: " << i.pasos_ejecutados << " de " << i.pasos << "\n";
+  if (!i.error.empty()) out << "Error del guion: " << i.error << "\n";
+  out << "Resultado: " << i.resultado << "\n";
+}
+
+int SalidaGuion(Context& ctx, const InformeGuion& informe) {
+  if (ctx.json()) {
+    ctx.PrintJson(InformeGuionJson(informe));
+  } else {
+    ImprimirInformeGuion(ctx.out(), informe);
+  }
+  return informe.error.empty() && informe.resultado != 0 ? kExitOk : kExitFailed;
+}
+
+}  // namespace kivmovfrec::cli
