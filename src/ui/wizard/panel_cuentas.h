@@ -24,6 +24,12 @@
 //   that holds text; a line with a formula and both fields empty keeps its side (a new one goes
 //   to the debit). The menu buttons act on the selected row; grid order is line order and the
 //   lines are renumbered (Orden 1, 2, ...) after every change.
+// - Confirming a row checks, in order: an emptied existing row (question 1831, Yes removes the
+//   line), amounts (text that is no number 1812; both sides or, without a formula, neither side
+//   1833), a detail longer than RMFDetalle (584), a line in another currency than the
+//   movement's without a rate type or a typed rate (1835), no account (1832: the text names no
+//   account of the company that is not a folder, by code, name or "code name"), an account
+//   already in the movement with the same project and department (1830).
 // - Every refusal shows its catalogue message (exclamation icon, title of the movement's kind)
 //   through the context's messages, selects the row or the field at fault and gives it the
 //   focus; the panel on view must be `panel` when a check runs (the wizard shows it first).
