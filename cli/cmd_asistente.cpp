@@ -15,7 +15,8 @@
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
-#include "guion_salida.h"
+#include "informe_guion.h"
+#include "kivmovfrec/guion.h"
 
 namespace kivmovfrec::cli {
 namespace {
@@ -25,7 +26,12 @@ const std::map<std::string, enuTipoMovFrec> kTipos = {{"asiento", enuTipoMovFrec
                                                       {"aviso", enuTipoMovFrec::Calendario}};
 
 int Correr(Context& ctx, int32_t id, const std::string& tipo, const std::string& archivo) {
-  std::shared_ptr<GuionDialogos> guion = LeerGuionDialogos(archivo);
+  std::shared_ptr<GuionDialogos> guion;
+  try {
+    guion = GuionDialogos::Leer(LeerGuion(archivo));
+  } catch (const std::invalid_argument& e) {
+    throw UsageError(archivo + ": " + e.what());
+  }
   guion->Instalar(ctx.services());
   auto fachada = AbrirFachada(ctx);
   if (id > 0) {
@@ -37,10 +43,14 @@ int Correr(Context& ctx, int32_t id, const std::string& tipo, const std::string&
   const int32_t resultado = fachada->ShowWizard(ctx.options().usuario);
   InformeGuion informe = guion->Informe();
   informe.resultado = resultado;
-  const int estado = SalidaGuion(ctx, informe);
+  if (ctx.json()) {
+    ctx.PrintJson(InformeJson(informe));
+  } else {
+    ImprimirInforme(ctx.out(), informe);
+  }
   if (!fachada->UltimoError().empty())
     ctx.err() << "movfrec asistente: " << fachada->UltimoError() << "\n";
-  return estado;
+  return informe.error.empty() && resultado != 0 ? kExitOk : kExitFailed;
 }
 
 Action Setup(CLI::App& app) {

@@ -5,6 +5,7 @@
 // Exit 0 when every step ran and the list was saved, 1 when the editor ended with 0 or the
 // script stopped, 2 when the script cannot be read.
 #include <memory>
+#include <ostream>
 #include <string>
 
 #include <fmt/format.h>
@@ -13,23 +14,33 @@
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
-#include "guion_salida.h"
+#include "informe_guion.h"
+#include "kivmovfrec/guion.h"
 
 namespace kivmovfrec::cli {
 namespace {
 
 int Correr(Context& ctx, int32_t id, const std::string& archivo) {
-  std::shared_ptr<GuionDialogos> guion = LeerGuionDialogos(archivo);
+  std::shared_ptr<GuionDialogos> guion;
+  try {
+    guion = GuionDialogos::Leer(LeerGuion(archivo));
+  } catch (const std::invalid_argument& e) {
+    throw UsageError(archivo + ": " + e.what());
+  }
   guion->Instalar(ctx.services());
   auto fachada = AbrirFachada(ctx);
   const int32_t resultado =
       fachada->ShowCheckList(id, static_cast<int16_t>(ctx.options().usuario), false);
   InformeGuion informe = guion->Informe();
   informe.resultado = resultado;
-  const int estado = SalidaGuion(ctx, informe);
+  if (ctx.json()) {
+    ctx.PrintJson(InformeJson(informe));
+  } else {
+    ImprimirInforme(ctx.out(), informe);
+  }
   if (!fachada->UltimoError().empty())
     ctx.err() << "movfrec lista-tareas: " << fachada->UltimoError() << "\n";
-  return estado;
+  return informe.error.empty() && resultado != 0 ? kExitOk : kExitFailed;
 }
 
 Action Setup(CLI::App& app) {

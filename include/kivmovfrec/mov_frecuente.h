@@ -319,6 +319,15 @@ class KMF_API clsMovFrecuente {
   // be shown (the error is kept in UltimoError).
   std::string EditarFrecuencia();
 
+  // Opens the formula editor (frmDefFormula, host wiring, not part of the type library) on the
+  // stored formula of the line of movement lIDMF whose Orden is `orden`. The movement is read
+  // anew for the editor: its company, its id and its lines are what the editor offers; the
+  // current movement (EstructuraMovFrec) is not touched and nothing is saved, the caller saves
+  // what comes back. Returns the new stored formula when the person accepts ("" when the text
+  // was emptied), nothing when cancelled, before Connect, when the movement or the line does not
+  // exist or when no dialog can be shown (the reason in UltimoError).
+  std::optional<std::string> EditarFormula(int32_t lIDMF, int16_t orden);
+
   // The trace of the last formula member's calculation (host wiring, not part of the type
   // library): date used, every line's elements with the origin of each value, amounts, totals.
   const TrazaCalculoFx& UltimaTrazaFx() const { return traza_fx_; }

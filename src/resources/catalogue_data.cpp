@@ -223,6 +223,11 @@ constexpr auto kEntradas = std::to_array<EntradaCatalogo>({
     Es(kInicio, "Inicio"),
     Es(kTituloPedirDato, "Pedir dato"),
     Es(kIngreseCaracteristica, "Ingrese una característica para pedir el dato."),
+    Es(kEncabezadoFormulas, "Fórmula|Descripción"),
+    Es(kEncabezadoLeyendas, "Fórmula|Descripción|Ejemplo"),
+    Es(kBotonAgregarFormula, "A&gregar"),
+    Es(kEncabezadoElegirDato, "[p]"),
+    Es(kFormulaNoLegible, "No se puede leer la fórmula en la posición [p]."),
 
     // User picker.
     Es(kTituloSeleccionUsuarios, "Selección de usuarios"),

@@ -1,15 +1,16 @@
-#include "guion_salida.h"
+#include "informe_guion.h"
 
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <stdexcept>
+
+#include "command.h"
 
 namespace kivmovfrec::cli {
 
 using Json = nlohmann::ordered_json;
 
-std::shared_ptr<GuionDialogos> LeerGuionDialogos(const std::string& archivo) {
+std::string LeerGuion(const std::string& archivo) {
   std::error_code ec;
   if (std::filesystem::is_directory(archivo, ec))
     throw UsageError(archivo + " es una carpeta, no un guion");
@@ -17,14 +18,10 @@ std::shared_ptr<GuionDialogos> LeerGuionDialogos(const std::string& archivo) {
   if (!in) throw UsageError("no se puede leer el guion " + archivo);
   std::ostringstream texto;
   texto << in.rdbuf();
-  try {
-    return GuionDialogos::Leer(texto.str());
-  } catch (const std::invalid_argument& e) {
-    throw UsageError(archivo + ": " + e.what());
-  }
+  return texto.str();
 }
 
-Json InformeGuionJson(const InformeGuion& i) {
+Json InformeJson(const InformeGuion& i) {
   Json mensajes = Json::array();
   for (const MensajeGuion& m : i.mensajes) {
     mensajes.push_back({{"Numero", m.numero < 0 ? Json(nullptr) : Json(m.numero)},
@@ -45,7 +42,7 @@ Json InformeGuionJson(const InformeGuion& i) {
           {"Error", i.error.empty() ? Json(nullptr) : Json(i.error)}};
 }
 
-void ImprimirInformeGuion(std::ostream& out, const InformeGuion& i) {
+void ImprimirInforme(std::ostream& out, const InformeGuion& i) {
   for (const MensajeGuion& m : i.mensajes) {
     std::string texto = m.texto;
     for (size_t p = texto.find('\n'); p != std::string::npos; p = texto.find('\n', p))
@@ -62,15 +59,6 @@ void ImprimirInformeGuion(std::ostream& out, const InformeGuion& i) {
   out << "Pasos: " << i.pasos_ejecutados << " de " << i.pasos << "\n";
   if (!i.error.empty()) out << "Error del guion: " << i.error << "\n";
   out << "Resultado: " << i.resultado << "\n";
-}
-
-int SalidaGuion(Context& ctx, const InformeGuion& informe) {
-  if (ctx.json()) {
-    ctx.PrintJson(InformeGuionJson(informe));
-  } else {
-    ImprimirInformeGuion(ctx.out(), informe);
-  }
-  return informe.error.empty() && informe.resultado != 0 ? kExitOk : kExitFailed;
 }
 
 }  // namespace kivmovfrec::cli
