@@ -6,6 +6,7 @@
 #include "kivmovfrec/mov_frecuente.h"
 #include "resources/catalogue.h"
 #include "resources/msg.h"
+#include "ui/formula_editor/frm_def_formula.h"
 #include "ui/wizard/frm_wmovfrec.h"
 
 namespace kivmovfrec {
@@ -41,7 +42,9 @@ int32_t clsMovFrecuente::ShowWizard(int32_t lUser) {
     dep.calendario = &Calendario();
     dep.reportar = [this](int accion, const std::exception& e) { Reportar(accion, e); };
     dep.guardar = [this](clsMFTipo& mf) { return GuardarEnTransaccion(mf, *ctx_.servicios.db); };
-    // The formula editor is offered once its dialog is part of the component.
+    dep.editar_formula = [this](int linea, const std::string& formula) {
+      return ui::frmDefFormula(ctx_, *estructura_, linea, false).Mostrar(formula);
+    };
     ui::frmWMovFrec wizard(ctx_, empresa_, std::move(dep));
     return wizard.Mostrar(*estructura_, static_cast<int16_t>(lUser));
   } catch (const std::exception& e) {
