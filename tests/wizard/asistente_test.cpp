@@ -418,6 +418,47 @@ TEST_P(Asistente, TheLinkChecksRefuseTheSaveAndTheGroupIsRewrittenFromItsLinks) 
   EXPECT_EQ(mf.MovFrecuente()->MovVinculado(), 3);
 }
 
+// Movement 1 is scheduled; a linked movement with the same schedule loses it with 1's when the
+// person agrees.
+TEST_P(Asistente, RemovingAScheduleOffersToRemoveTheLinkedOnesThatWereTheSame) {
+  cn->Execute(
+      "Insert Into genRecurrencias (RecID, RecFechaInicio, RecFechaProxima, RecFrecuencia, "
+      "RecFechaFinal, RecNumOcurrencia, RecPostergado, RecSinVencimiento, RecNotificar, "
+      "RecEraNotificacion) Select 900, RecFechaInicio, RecFechaProxima, RecFrecuencia, "
+      "RecFechaFinal, RecNumOcurrencia, RecPostergado, RecSinVencimiento, RecNotificar, "
+      "RecEraNotificacion From genRecurrencias Where RecID = 1");
+  cn->Execute(
+      "Update genMovimientosFrecuentes Set MFrMovVinculado = 1, MFrMVOrden = 1 "
+      "Where MFrID = 1");
+  cn->Execute(
+      "Update genMovimientosFrecuentes Set MFrMovVinculado = 1, MFrMVOrden = 2, "
+      "MFrRecurrencia = 900 Where MFrID = 2");
+  const std::string frecuente = R"([{"elegir": "cfAgendado", "opcion": "Frecuente"},
+    {"pulsar": "bfFinalizar"}, {"responder": "si"}, {"responder": ")";
+  const InformeGuion no = Correr(frecuente + R"(no"}])", 1, 1);
+  ASSERT_EQ(no.resultado, 1);
+  EXPECT_EQ(Numeros(no), (std::vector<int>{msg::kConfirmaGrabarAsiento, msg::kSeEliminoAgenda}));
+  EXPECT_EQ(no.mensajes[1].texto,
+            "Se elimino la agenda.\n ¿Desea eliminar las agendas vinculadas que eran iguales a "
+            "la anterior?");
+  EXPECT_EQ(Valor("Select MFrRecurrencia From genMovimientosFrecuentes Where MFrID = 1"), "Null");
+  EXPECT_EQ(Valor("Select MFrRecurrencia From genMovimientosFrecuentes Where MFrID = 2"), "900");
+
+  // Scheduled again like 2, then removed once more with Yes.
+  cn->Execute("Update genMovimientosFrecuentes Set MFrRecurrencia = 1 Where MFrID = 1");
+  cn->Execute(
+      "Insert Into genRecurrencias (RecID, RecFechaInicio, RecFechaProxima, RecFrecuencia, "
+      "RecFechaFinal, RecNumOcurrencia, RecPostergado, RecSinVencimiento, RecNotificar, "
+      "RecEraNotificacion) Select 1, RecFechaInicio, RecFechaProxima, RecFrecuencia, "
+      "RecFechaFinal, RecNumOcurrencia, RecPostergado, RecSinVencimiento, RecNotificar, "
+      "RecEraNotificacion From genRecurrencias Where RecID = 900");
+  const InformeGuion si = Correr(frecuente + R"(si"}])", 1, 1);
+  ASSERT_EQ(si.resultado, 1);
+  EXPECT_EQ(Valor("Select MFrRecurrencia From genMovimientosFrecuentes Where MFrID = 2"), "Null");
+  EXPECT_EQ(Valor("Select Count(*) From genRecurrencias Where RecID In (1, 900)"), "0");
+  EXPECT_EQ(Valor("Select MFrMovVinculado From genMovimientosFrecuentes Where MFrID = 2"), "1");
+}
+
 KMF_INSTANTIATE_ENGINES(Asistente);
 
 }  // namespace

@@ -17,6 +17,16 @@ namespace kivmovfrec::ui {
 
 namespace {
 
+// Two schedules that fall due alike: same code, next due moment and last date.
+bool MismaAgenda(const clsRegRecurrencia& a, const clsRegRecurrencia& b) {
+  const auto dia = [](const std::string& t) {
+    const std::optional<Date> d = vb::ParseDate(t);
+    return d ? d->serial : -1.0;
+  };
+  return a.Frecuencia() == b.Frecuencia() && dia(a.FechaProxima()) == dia(b.FechaProxima()) &&
+         dia(a.FechaFinal()) == dia(b.FechaFinal());
+}
+
 std::string Lista(const std::vector<int32_t>& ids) {
   std::string out;
   for (int32_t id : ids) out += (out.empty() ? "" : ",") + std::to_string(id);
@@ -82,6 +92,19 @@ int32_t frmWMovFrec::Estado::Guardar() {
   if (tipo != 3 && !RevisarVinculos()) return 0;
   const clsRegMovimientoFrecuente cabecera = *mf->MovFrecuente();
   const clsRegRecurrencia agenda = *mf->Recurrencia();
+  // A schedule changed or removed: the linked movements that shared it may follow.
+  std::vector<int32_t> iguales;
+  bool eliminar = false;
+  if (tipo != 3 && agenda.ID() > 0) {
+    clsRegRecurrencia nueva = agenda;
+    if (EsAgendado()) AgendaARegistro(nueva);
+    eliminar = !EsAgendado();
+    if (eliminar || !MismaAgenda(nueva, agenda)) iguales = AgendasIguales(agenda);
+    const int aviso = eliminar ? msg::kSeEliminoAgenda : msg::kSeCambioAgenda;
+    const int pregunta =
+        eliminar ? msg::kEliminarAgendasVinculadas : msg::kCambiarAgendasVinculadas;
+    if (!iguales.empty() && !Preguntar({aviso, pregunta})) iguales.clear();
+  }
   auto restaurar = [&] {
     *mf->MovFrecuente() = cabecera;
     *mf->Recurrencia() = agenda;
@@ -113,6 +136,7 @@ int32_t frmWMovFrec::Estado::Guardar() {
       }
     } else {
       RegrabarGrupo(id, cabecera.MovVinculado() > 0 ? cabecera.MovVinculado() : cabecera.ID());
+      AgendasVinculadas(iguales, eliminar);
     }
     transaccion.Commit();
     if (!EsAgendado() && mf->Recurrencia()->ID() > 0)
@@ -177,6 +201,44 @@ void frmWMovFrec::Estado::RegrabarGrupo(int32_t id, int32_t grupo_antes) {
     }
   }
   rs->Close();
+}
+
+std::vector<int32_t> frmWMovFrec::Estado::AgendasIguales(const clsRegRecurrencia& antes) {
+  const int32_t propio = mf->MovFrecuente()->ID();
+  std::vector<int32_t> iguales;
+  for (const Vinculo& v : LeerVinculos(vinculos).vinculos) {
+    if (v.id <= 0 || v.id == propio) continue;
+    clsMFTipo otro(ctx.servicios.clock);
+    if (otro.Load(*ctx.cn, v.id) && otro.Recurrencia()->ID() > 0 &&
+        MismaAgenda(*otro.Recurrencia(), antes)) {
+      iguales.push_back(v.id);
+    }
+  }
+  return iguales;
+}
+
+void frmWMovFrec::Estado::AgendasVinculadas(const std::vector<int32_t>& ids, bool eliminar) {
+  const clsRegRecurrencia& nueva = *mf->Recurrencia();
+  for (int32_t id : ids) {
+    clsMFTipo otro(ctx.servicios.clock);
+    if (!otro.Load(*ctx.cn, id)) continue;
+    if (eliminar) {
+      otro.MovFrecuente()->Recurrencia(0);  // the save deletes the schedule row
+    } else {
+      clsRegRecurrencia& r = *otro.Recurrencia();
+      r.Frecuencia(nueva.Frecuencia());
+      r.TipoRecurrencia(nueva.TipoRecurrencia());
+      r.CadaCuanto(nueva.CadaCuanto());
+      r.FechaInicio(nueva.FechaInicio());
+      r.FechaProxima(nueva.FechaProxima());
+      r.FechaFinal(nueva.FechaFinal());
+      r.CantidadVeces(nueva.CantidadVeces());
+      r.SinVencimiento(nueva.SinVencimiento());
+      r.NotificarDias(nueva.NotificarDias());
+      r.Notificar(nueva.Notificar());
+    }
+    dep.guardar(otro);
+  }
 }
 
 }  // namespace kivmovfrec::ui

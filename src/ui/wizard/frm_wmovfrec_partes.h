@@ -183,6 +183,12 @@ struct frmWMovFrec::Estado {
   // Writes MFrMovVinculado / MFrMVOrden of the group's rows from the link text, once the
   // movement has its id; `grupo_antes` is the group it belonged to before.
   void RegrabarGrupo(int32_t id, int32_t grupo_antes);
+  // The other members of the group whose schedule equals `antes` (the edited movement's
+  // schedule as it was loaded).
+  std::vector<int32_t> AgendasIguales(const clsRegRecurrencia& antes);
+  // Gives those members the edited movement's new schedule, or takes theirs away when
+  // `eliminar`.
+  void AgendasVinculadas(const std::vector<int32_t>& ids, bool eliminar);
 };
 
 }  // namespace kivmovfrec::ui
