@@ -8,12 +8,15 @@
 // type 1 "Factura A" has obligatory numbering; contact 2 "Transportes Martínez" is private.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "kivmovfrec/guion.h"
 #include "kivmovfrec/vb.h"
+#include "platform/controls/memoria.h"
 #include "platform/suite/clock.h"
 #include "platform/suite/scripted.h"
 #include "platform/vb/format.h"
@@ -25,6 +28,8 @@
 
 namespace kivmovfrec::ui {
 namespace {
+
+using controles::IControl;
 
 const Date kHoy = suite::SerialOf(2026, 11, 10);
 
@@ -62,15 +67,28 @@ class Asistente : public testing::DemoEngineTest {
 
   // Plays `pasos` on the wizard over `mf` (Tipo `tipo`; a stored movement when `id` > 0).
   InformeGuion Correr(const std::string& pasos, int tipo = 1, int32_t id = 0) {
+    auto guion = GuionDialogos::Leer(pasos);
+    ctx.servicios = sv.Bundle();
+    guion->Instalar(ctx.servicios);
+    const int32_t r = Mostrar(tipo, id);
+    InformeGuion i = guion->Informe();
+    EXPECT_EQ(i.resultado, r);
+    return i;
+  }
+  // The wizard played by `persona` on an in-memory form (to read what a report does not show).
+  int32_t Jugar(const std::function<void(controles::memoria::Formulario&)>& persona, int tipo,
+                int32_t id = 0) {
+    ctx.servicios = sv.Bundle();
+    ctx.servicios.formularios = std::make_shared<controles::memoria::Fabrica>(persona);
+    return Mostrar(tipo, id);
+  }
+  int32_t Mostrar(int tipo, int32_t id) {
     mf = clsMFTipo(sv.clock);
     if (id > 0) {
       EXPECT_TRUE(mf.Load(*cn, id));
     }
     mf.MovFrecuente()->Tipo(static_cast<enuTipoMovFrec>(tipo));
-    auto guion = GuionDialogos::Leer(pasos);
     ctx.cn = cn;
-    ctx.servicios = sv.Bundle();
-    guion->Instalar(ctx.servicios);
     DependenciasWizard dep;
     dep.calendario = &calendario;
     dep.reportar = [this](int accion, const std::exception& e) {
@@ -80,10 +98,8 @@ class Asistente : public testing::DemoEngineTest {
     dep.editar_formula = [](int, const std::string&) { return std::string("[10:]"); };
     frmWMovFrec wizard(ctx, 1, std::move(dep));
     const int32_t r = wizard.Mostrar(mf, 1);
-    InformeGuion i = guion->Informe();
-    EXPECT_EQ(i.resultado, r);
     EXPECT_TRUE(errores.empty()) << errores.front();
-    return i;
+    return r;
   }
   // One value of the database.
   std::string Valor(const std::string& sql) {
@@ -98,7 +114,15 @@ class Asistente : public testing::DemoEngineTest {
   }
 
   suite::ScriptedServices sv;
-  schedule::DateCalculator calendario;
+  // Its frequency editor answers with `compuesta` (nothing: cancelled).
+  struct Editor : schedule::IFrequencyEditor {
+    std::optional<schedule::Frequency> respuesta;
+    std::optional<schedule::Frequency> Edit(const schedule::Frequency&) override {
+      return respuesta;
+    }
+  };
+  std::shared_ptr<Editor> editor = std::make_shared<Editor>();
+  schedule::DateCalculator calendario{editor};
   ContextoMF ctx;
   clsMFTipo mf;
   std::vector<std::string> errores;
@@ -457,6 +481,72 @@ TEST_P(Asistente, RemovingAScheduleOffersToRemoveTheLinkedOnesThatWereTheSame) {
   EXPECT_EQ(Valor("Select MFrRecurrencia From genMovimientosFrecuentes Where MFrID = 2"), "Null");
   EXPECT_EQ(Valor("Select Count(*) From genRecurrencias Where RecID In (1, 900)"), "0");
   EXPECT_EQ(Valor("Select MFrMovVinculado From genMovimientosFrecuentes Where MFrID = 2"), "1");
+}
+
+// Notice 8: due 20/11/2026 10:00 monthly since 20/07/2026, occurrence 5, notified 3 days ahead
+// and put off 1 day.
+TEST_P(Asistente, TheScheduleLabelsAndTheFrequencyCaptionsFollowWhatIsChosen) {
+  std::map<std::string, std::string> visto;
+  auto leer = [&](controles::memoria::Formulario& f, const std::string& clave, const char* c) {
+    IControl& control = *f.Buscar(c);
+    auto* t = dynamic_cast<controles::ITexto*>(&control);
+    visto[clave] = control.Caption() + (t ? "|" + t->Text() : "");
+  };
+  Jugar(
+      [&](controles::memoria::Formulario& f) {
+        for (const char* c : {"lbInicio", "lbYaOcurrio", "lPostergado", "hlOcurre", "dtVence",
+                              "tHora", "dtNotificar", "tHoraNot", "dtHasta"})
+          leer(f, c, c);
+        f.Elegir("cfFrecuencia", "Sólo esta vez");
+        leer(f, "una vez", "dtVence");
+        f.Elegir("cfFrecuencia", "Definido ...");  // the editor is cancelled
+        leer(f, "cancelado", "dtVence");
+        f.Elegir("cfFrecuencia", "Quincenal");
+        leer(f, "quincenal", "hlOcurre");
+        f.Pulsar("bfCancelar");
+      },
+      3, 8);
+  const std::map<std::string, std::string> esperado = {
+      {"lbInicio", "Se inició el Lunes, 20 de Julio de 2026"},
+      {"lbYaOcurrio", "Ya ocurrió 4 veces."},
+      {"lPostergado", "Postergado 18/11/2026"},
+      {"hlOcurre", "Todos los meses"},
+      {"dtVence", "Primer &vencimiento:|20/11/2026"},
+      {"tHora", "&Hora:|10:00"},
+      {"dtNotificar", "No&tificar:|17/11/2026"},
+      {"tHoraNot", "|10:00"},
+      {"dtHasta", "Última fec&ha:|"},
+      {"una vez", "&Vencimiento|20/11/2026"},
+      {"cancelado", "&Vencimiento|20/11/2026"},
+      {"quincenal", "Cada 15 días"},
+  };
+  EXPECT_EQ(visto, esperado);
+  EXPECT_TRUE(sv.messages->shown().empty());
+}
+
+// "Definido ...": a cancelled editor leaves a list without a frequency and says so; a rule
+// composed there falls due on its first date on or after the day typed.
+TEST_P(Asistente, AComposedRuleIsKeptAndItsFirstDueDateMovedOntoTheRule) {
+  const std::string aviso = R"([{"escribir": "tNombre", "texto": "Reunión mensual"},
+    {"escribir": "tEnte", "texto": "1"},
+    {"elegir": "cfFrecuencia", "opcion": "Definido ..."}, )";
+  const InformeGuion cancelado = Correr(aviso + R"({"responder": "aceptar"}])", 3);
+  EXPECT_EQ(Numeros(cancelado), std::vector<int>{msg::kEditeFrecuencia});
+  EXPECT_EQ(cancelado.foco, "cfFrecuencia");
+
+  editor->respuesta = schedule::Frequency{schedule::FrequencyUnit::WeekdayOfMonth, 1, 2, 1};
+  const InformeGuion i = Correr(aviso + R"(
+    {"escribir": "dtVence", "texto": "01/12/2026"}, {"escribir": "tQOcurre", "texto": "2"},
+    {"pulsar": "bfFinalizar"}, {"responder": "si"}])",
+                                3);
+  ASSERT_GT(i.resultado, 0);
+  clsMFTipo leido;
+  ASSERT_TRUE(leido.Load(*cn, i.resultado));
+  const clsRegRecurrencia& rec = *leido.Recurrencia();
+  EXPECT_EQ(rec.Frecuencia(), "421001");
+  EXPECT_EQ(vb::FormatDate(*vb::ParseDate(rec.FechaProxima()), "dd/mm/yyyy"), "14/12/2026")
+      << "the second Monday of December";
+  EXPECT_EQ(vb::FormatDate(*vb::ParseDate(rec.FechaFinal()), "dd/mm/yyyy"), "11/01/2027");
 }
 
 KMF_INSTANTIATE_ENGINES(Asistente);
