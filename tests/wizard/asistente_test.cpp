@@ -95,7 +95,7 @@ class Asistente : public testing::DemoEngineTest {
       errores.push_back(std::to_string(accion) + ": " + e.what());
     };
     dep.guardar = [this](clsMFTipo& m) { return m.Save(*cn, *sv.db, 1, ctx.parametros); };
-    dep.editar_formula = [](int, const std::string&) { return std::string("[10:]"); };
+    dep.editar_formula = [this](int, const std::string&) { return formula; };
     frmWMovFrec wizard(ctx, 1, std::move(dep));
     const int32_t r = wizard.Mostrar(mf, 1);
     EXPECT_TRUE(errores.empty()) << errores.front();
@@ -125,6 +125,7 @@ class Asistente : public testing::DemoEngineTest {
   schedule::DateCalculator calendario{editor};
   ContextoMF ctx;
   clsMFTipo mf;
+  std::string formula = "[10:]";  // what the formula editor hands back
   std::vector<std::string> errores;
 };
 
@@ -534,6 +535,27 @@ TEST_P(Asistente, AComposedRuleIsKeptAndItsFirstDueDateMovedOntoTheRule) {
   EXPECT_EQ(vb::FormatDate(*vb::ParseDate(rec.FechaProxima()), "dd/mm/yyyy"), "14/12/2026")
       << "the second Monday of December";
   EXPECT_EQ(vb::FormatDate(*vb::ParseDate(rec.FechaFinal()), "dd/mm/yyyy"), "11/01/2027");
+}
+
+// The lines' formula rules, through the wizard: the refusal is shown on the lines panel.
+TEST_P(Asistente, FormulaRefusalsStopTheSaveOnTheLinesPanel) {
+  const InformeGuion dos_diferencias = Correr(AsientoConLineas("Frecuente", R"(
+    {"escribir": "tEditCta", "texto": "4.1.02"}, {"escribir": "ocEditH", "texto": "0"},
+    {"pulsar": "hlFormula"}, {"pulsar": "bfEditOK"},
+    {"pulsar": "bfFinalizar"}, {"responder": "aceptar"})"));
+  EXPECT_EQ(Numeros(dos_diferencias), std::vector<int>{msg::kFxRestoEnVariasCuentas});
+  EXPECT_EQ(dos_diferencias.panel, 2);
+
+  formula = "[1:101;0;0]*2";  // Caja's own balance on Caja's line
+  const InformeGuion propia = Correr(R"([{"escribir": "tNombre", "texto": "Propia"},
+    {"pulsar": "bfSiguiente"},
+    {"escribir": "tEditCta", "texto": "1.1.01"}, {"escribir": "ocEditD", "texto": "0"},
+    {"pulsar": "hlFormula"}, {"pulsar": "bfEditOK"},
+    {"escribir": "tEditCta", "texto": "4.1.01"}, {"escribir": "ocEditH", "texto": "10"},
+    {"pulsar": "bfEditOK"}, {"pulsar": "bfAnterior"},
+    {"pulsar": "bfFinalizar"}, {"responder": "aceptar"}])");
+  EXPECT_EQ(Numeros(propia), std::vector<int>{msg::kFxMismaCuenta});
+  EXPECT_EQ(propia.panel, 2);
 }
 
 KMF_INSTANTIATE_ENGINES(Asistente);
