@@ -101,6 +101,17 @@ class KMF_API clsMovFrecuente {
   // Replaces the current movement by a new empty one.
   void CleanEstructura();
 
+  // Opens the movement wizard (frmWMovFrec) modally on the current movement for user lUser: its
+  // header's Tipo (1 entry, 2 voucher, 3 notice) says the kind, and an ID above 0 is a stored
+  // movement (loaded with LoadMF). A new movement needs the letter "A" on the option of its kind,
+  // an existing one "M" (a notice needs none); without it message 870 with "Consulte con el
+  // administrador del sistema." (caption "Movimientos Frecuentes", exclamation) and 0. Without
+  // a form factory an exclamation message says the wizard cannot be shown. Returns the saved
+  // movement's ID, 0 when nothing was saved; the current movement then holds what was saved.
+  // Errors are trapped and reported (UltimoError); a failed save inside the wizard is reported
+  // there and the wizard stays open with nothing written.
+  int32_t ShowWizard(int32_t lUser);
+
   // Saves the current movement (schedule, link order, default journal, header, lines) with the
   // company's default journal, without a transaction. Returns the movement ID; errors reach
   // the caller. Refused before anything is written (std::invalid_argument, what() the
