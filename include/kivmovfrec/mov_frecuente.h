@@ -54,6 +54,7 @@
 #include "kivmovfrec/mf_tipo.h"
 #include "kivmovfrec/renglones_mf.h"
 #include "kivmovfrec/services.h"
+#include "kivmovfrec/simulacion.h"
 #include "kivmovfrec/traza_fx.h"
 
 namespace kivmovfrec {
@@ -257,6 +258,21 @@ class KMF_API clsMovFrecuente {
   // reaches the caller. The current movement (EstructuraMovFrec) is not touched. Before Connect:
   // an empty, complete result.
   ResultadoEjecucion EjecutarVencidos(Date dHasta, const AlTerminarOcurrencia& alTerminar = {});
+
+  // The dry run of the main job up to the day of dHasta: every occurrence EjecutarVencidos
+  // would run, run the same way inside a transaction that is rolled back, with the documents
+  // each one wrote read back (kivmovfrec/simulacion.h says what can differ from the real run).
+  // Nothing is kept. Must be called outside any transaction of the connection (otherwise the
+  // result says it stopped and nothing runs). Database errors never propagate. Before Connect:
+  // an empty, complete result.
+  ResultadoSimulacion SimularVencidos(Date dHasta);
+
+  // The balances of accounts by period from dDesde to dHasta: the posted entries plus every
+  // occurrence the main job would post up to dHasta, simulated as SimularVencidos does, with the
+  // notices and task lists due in the range (kivmovfrec/simulacion.h). Nothing is kept. A bad
+  // request is refused in ResultadoPronostico::rechazo; database errors never propagate.
+  // Before Connect: an empty result.
+  ResultadoPronostico PronosticarSaldos(const SolicitudPronostico& solicitud);
 
   // Every due date and notice date from dDesde to dHasta (both by day) of the company's pending
   // scheduled movements (kivmovfrec/agenda.h). With bImportes, each due date of an entry or
