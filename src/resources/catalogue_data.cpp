@@ -265,6 +265,10 @@ constexpr auto kEntradas = std::to_array<EntradaCatalogo>({
     Es(kCapProximos, "Próximos vencimientos:"),
     Es(kAyudaCada, "Indique cada cuántos días, semanas, meses o años se repite."),
 
+    // Wizard: who owns an entry.
+    Es(kClasificacionNormal, "Del usuario"),
+    Es(kClasificacionSistema, "Del sistema"),
+
     // Questions.
     Es(kConfirmaGrabarAsiento, "¿Confirma grabar los datos para el asiento?"),
     Es(kConfirmaGrabarComprobante, "¿Confirma grabar los datos para el comprobante?"),

@@ -242,6 +242,10 @@ inline constexpr int kCapDesde = 727;
 inline constexpr int kCapProximos = 728;
 inline constexpr int kAyudaCada = 729;
 
+// --- Wizard: who owns an entry (cfTipo "Ti&po:", item data enuClasificacionMF) -------------------
+inline constexpr int kClasificacionNormal = 730;
+inline constexpr int kClasificacionSistema = 731;
+
 // --- Questions ---------------------------------------------------------------------------------
 inline constexpr int kConfirmaGrabarAsiento = 801;
 inline constexpr int kConfirmaGrabarComprobante = 802;

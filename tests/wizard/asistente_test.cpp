@@ -512,6 +512,22 @@ TEST_P(Asistente, TheScheduleLabelsAndTheFrequencyCaptionsFollowWhatIsChosen) {
   EXPECT_TRUE(sv.messages->shown().empty());
 }
 
+// cfTipo shows who owns the entry and cannot be changed.
+TEST_P(Asistente, TheEntrysOwnerIsShownAndNotEditable) {
+  std::vector<std::string> visto;
+  const auto persona = [&](controles::memoria::Formulario& f) {
+    auto& tipo = static_cast<controles::ILista&>(*f.Buscar("cfTipo"));
+    visto.push_back(tipo.Caption() + "|" + tipo.Item(tipo.Indice()) + "|" +
+                    (tipo.Enabled() ? "editable" : "fijo"));
+    f.Pulsar("bfCancelar");
+  };
+  Jugar(persona, 1, 2);
+  cn->Execute("Update genMovimientosFrecuentes Set MFrDelSistema = 1 Where MFrID = 2");
+  Jugar(persona, 1, 2);
+  EXPECT_EQ(visto,
+            (std::vector<std::string>{"Ti&po:|Del usuario|fijo", "Ti&po:|Del sistema|fijo"}));
+}
+
 // "Definido ...": a cancelled editor leaves a list without a frequency and says so; a rule
 // composed there falls due on its first date on or after the day typed.
 TEST_P(Asistente, AComposedRuleIsKeptAndItsFirstDueDateMovedOntoTheRule) {

@@ -6,7 +6,8 @@
 // "Cancelar", bfAyuda "A&yuda".
 // An entry or voucher has three panels (form panels 1, 2, 3):
 //   1 general data: tNombre "&Nombre:", tLeyenda ("&Leyenda:" / "D&etalle:"), an entry's cfLibro
-//     "Li&bro:" and cfImagen "As&ociar imagen:", a voucher's tEnte "&Contacto:" (the contact's
+//     "Li&bro:", cfImagen "As&ociar imagen:" and cfTipo "Ti&po:" (who owns it: "Del usuario" /
+//     "Del sistema", shown disabled), a voucher's tEnte "&Contacto:" (the contact's
 //     id or name), cfTipoComprobante "&Tipo de Comprobante:", cfMoneda "&Moneda:" and
 //     cfTipoCambio "&TC a [p]:" ([p] the currency's symbol); both: cfTipoImporte "Tipo de
 //     &Importe:" (Estimado 1, Fijo 2, Automático 3), cfAgendado ("Asi&ento:" / "Compro&bante:";

@@ -85,6 +85,12 @@ void frmWMovFrec::Estado::CrearGeneral() {
   autoriza = &lista("cfAutoriza", msg::kCapAutoriza);
   if (asiento) {
     imagen = &lista("cfImagen", msg::kCapAsociarImagen);
+    // Who owns the entry (DelSistema): shown so a person sees a system entry for what it is;
+    // the wizard never changes it.
+    clasificacion = &lista("cfTipo", msg::kCapTipo);
+    clasificacion->Agregar(Texto(msg::kClasificacionNormal), ToInt(enuClasificacionMF::Normal));
+    clasificacion->Agregar(Texto(msg::kClasificacionSistema), ToInt(enuClasificacionMF::Sistema));
+    clasificacion->Enabled(false);
   } else {
     moneda = &lista("cfMoneda", msg::kCapMoneda);
     moneda->AlElegir([this] { ElegirMoneda(); });
@@ -137,6 +143,7 @@ void frmWMovFrec::Estado::CargarGeneral() {
   autoriza->Indice(
       IndiceDeDato(*autoriza, m.UsuarioAutoriza() > 0 ? m.UsuarioAutoriza() : usuario));
   if (imagen) imagen->Indice(IndiceDeDato(*imagen, m.Imagen()));
+  if (clasificacion) clasificacion->Indice(IndiceDeDato(*clasificacion, ToInt(m.DelSistema())));
   if (tipo == 2) {
     tipo_comprobante->Indice(IndiceDeDato(*tipo_comprobante, m.Modalidad()));
     moneda->Indice(IndiceDeDato(*moneda, m.Moneda()));

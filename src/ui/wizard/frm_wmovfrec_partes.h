@@ -90,6 +90,7 @@ struct frmWMovFrec::Estado {
   ILista* agendado = nullptr;
   ILista* autoriza = nullptr;
   ILista* imagen = nullptr;
+  ILista* clasificacion = nullptr;  // an entry's cfTipo: who owns it (shown, not edited)
   ILista* tipo_comprobante = nullptr;
   ILista* moneda = nullptr;
   ILista* tipo_cambio = nullptr;
