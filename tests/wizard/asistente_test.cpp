@@ -553,27 +553,6 @@ TEST_P(Asistente, AComposedRuleIsKeptAndItsFirstDueDateMovedOntoTheRule) {
   EXPECT_EQ(vb::FormatDate(*vb::ParseDate(rec.FechaFinal()), "dd/mm/yyyy"), "11/01/2027");
 }
 
-// The lines' formula rules, through the wizard: the refusal is shown on the lines panel.
-TEST_P(Asistente, FormulaRefusalsStopTheSaveOnTheLinesPanel) {
-  const InformeGuion dos_diferencias = Correr(AsientoConLineas("Frecuente", R"(
-    {"escribir": "tEditCta", "texto": "4.1.02"}, {"escribir": "ocEditH", "texto": "0"},
-    {"pulsar": "hlFormula"}, {"pulsar": "bfEditOK"},
-    {"pulsar": "bfFinalizar"}, {"responder": "aceptar"})"));
-  EXPECT_EQ(Numeros(dos_diferencias), std::vector<int>{msg::kFxRestoEnVariasCuentas});
-  EXPECT_EQ(dos_diferencias.panel, 2);
-
-  formula = "[1:101;0;0]*2";  // Caja's own balance on Caja's line
-  const InformeGuion propia = Correr(R"([{"escribir": "tNombre", "texto": "Propia"},
-    {"pulsar": "bfSiguiente"},
-    {"escribir": "tEditCta", "texto": "1.1.01"}, {"escribir": "ocEditD", "texto": "0"},
-    {"pulsar": "hlFormula"}, {"pulsar": "bfEditOK"},
-    {"escribir": "tEditCta", "texto": "4.1.01"}, {"escribir": "ocEditH", "texto": "10"},
-    {"pulsar": "bfEditOK"}, {"pulsar": "bfAnterior"},
-    {"pulsar": "bfFinalizar"}, {"responder": "aceptar"}])");
-  EXPECT_EQ(Numeros(propia), std::vector<int>{msg::kFxMismaCuenta});
-  EXPECT_EQ(propia.panel, 2);
-}
-
 KMF_INSTANTIATE_ENGINES(Asistente);
 
 }  // namespace
