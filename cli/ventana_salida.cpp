@@ -1,0 +1,63 @@
+// Dialog commands without a script: the dialog in a real window, or rendered to a PNG.
+#include <memory>
+#include <string>
+
+#include "fachada.h"
+#include "guion_salida.h"
+#include "kivmovfrec/guion.h"
+#ifdef KMF_CON_QT
+#include "ventanas_qt.h"
+#endif
+
+namespace kivmovfrec::cli {
+
+std::shared_ptr<OpcionesDialogo> AgregarOpcionesDialogo(CLI::App& app) {
+  auto o = std::make_shared<OpcionesDialogo>();
+  auto* guion = app.add_option("--guion", o->guion,
+                               "Guion de pasos (JSON) que juega el diálogo sin pantalla");
+  auto* captura = app.add_option("--captura", o->captura,
+                                 "Dibuja el diálogo en este PNG, sin pantalla, y termina");
+  app.add_option("--panel", o->panel, "Panel que muestra la captura (el primero si falta)")
+      ->check(CLI::Range(1, 99))
+      ->needs(captura);
+  guion->excludes(captura);
+  return o;
+}
+
+int CorrerDialogo(Context& ctx, const std::string& comando, const OpcionesDialogo& opciones,
+                  const std::function<ResultadoDialogo(clsMovFrecuente&)>& mostrar) {
+  if (!opciones.guion.empty()) return CorrerGuion(ctx, comando, opciones.guion, mostrar);
+#ifdef KMF_CON_QT
+  qt::OpcionesVentanas ventanas;
+  ventanas.captura = opciones.captura;
+  ventanas.panel_captura = opciones.panel;
+  const auto captura = qt::Instalar(ctx.services(), ventanas);
+  auto fachada = AbrirFachada(ctx);
+  const ResultadoDialogo r = mostrar(*fachada);
+  if (!fachada->UltimoError().empty())
+    ctx.err() << "movfrec " << comando << ": " << fachada->UltimoError() << "\n";
+  if (!opciones.captura.empty()) {
+    if (!captura->hecha)
+      return Rechazo(ctx, comando,
+                     captura->error.empty() ? "el diálogo no se mostró" : captura->error);
+    if (ctx.json())
+      ctx.PrintJson({{"Captura", opciones.captura}});
+    else
+      ctx.out() << "Captura: " << opciones.captura << "\n";
+    return kExitOk;
+  }
+  if (ctx.json()) {
+    ctx.PrintJson({{"Resultado", r.resultado},
+                   {"Valor", r.valor ? nlohmann::ordered_json(*r.valor) : nullptr}});
+  } else if (r.valor) {
+    ctx.out() << "Valor: " << *r.valor << "\n";
+  } else {
+    ctx.out() << "Resultado: " << r.resultado << "\n";
+  }
+  return r.resultado != 0 || r.valor ? kExitOk : kExitFailed;
+#else
+  throw UsageError(comando + ": esta compilación no muestra ventanas; use --guion ARCHIVO");
+#endif
+}
+
+}  // namespace kivmovfrec::cli
