@@ -343,8 +343,10 @@ class Grilla final : public ControlDe<controles::IGrilla> {
     t_->setSelectionMode(QAbstractItemView::SingleSelection);
     t_->verticalHeader()->hide();
     t_->horizontalHeader()->setStretchLastSection(true);
+    // Typing into a cell opens it at once (a click on a selected cell does not wait for a
+    // possible double click first, which would swallow the first keys typed).
     t_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
-                        QAbstractItemView::AnyKeyPressed | QAbstractItemView::SelectedClicked);
+                        QAbstractItemView::AnyKeyPressed);
     widget = new QWidget;
     auto* v = new QVBoxLayout(widget);
     v->setContentsMargins(0, 0, 0, 0);

@@ -73,8 +73,9 @@ FormularioQt::FormularioQt(std::string nombre, OpcionesVentanas opciones,
   general->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
   v->addLayout(general);
   contenedor_[0].layout = general;
-  QObject::connect(qApp, &QApplication::focusChanged, ventana_,
-                   [this](QWidget*, QWidget* ahora) { FocoDePersona(ahora); });
+  QObject::connect(qApp, &QApplication::focusChanged, ventana_, [this](QWidget*, QWidget* ahora) {
+    if (abierto_) FocoDePersona(ahora);
+  });
 }
 
 FormularioQt::~FormularioQt() {
@@ -201,8 +202,11 @@ void FormularioQt::FocoDePersona(QWidget* w) {
   }
 }
 
+// The window's focus child is where a person's clicks and tabs left the focus, whether or not
+// the window is active; the logic's last SetFocus stands in when it is not a control in reach.
 controles::IControl* FormularioQt::Foco() {
-  return foco_ ? &foco_->Interfaz() : nullptr;
+  if (QWidget* w = abierto_ ? ventana_->focusWidget() : nullptr) FocoDePersona(w);
+  return foco_ && AlAlcance(*foco_) ? &foco_->Interfaz() : nullptr;
 }
 
 void FormularioQt::MarcarCancela(ControlQt* boton, bool si) {
@@ -238,6 +242,7 @@ void FormularioQt::Evento(const std::function<void()>& handler) {
 void FormularioQt::Cerrar(int resultado) {
   resultado_ = resultado;
   if (!abierto_) return;
+  Foco();  // as it was when the window closed
   abierto_ = false;
   ventana_->cerrando = true;
   ventana_->done(resultado);
@@ -285,6 +290,7 @@ int FormularioQt::MostrarModal() {
     });
   }
   ventana_->exec();
+  if (abierto_) Foco();
   abierto_ = false;
   if (fallo_) std::rethrow_exception(std::exchange(fallo_, nullptr));
   return resultado_;
