@@ -115,6 +115,8 @@ TEST_F(FormaQt, APersonsActionsFireOnceAndEnterEscapeAndTheCloseBoxDoWhatTheySho
       .En("frmPrueba",
           [&](QWidget& w) {
             Escribir(w, "tNombre", "ab");
+            QTest::keyClick(&Hijo<QLineEdit>(w, "tNombre"), Qt::Key_Tab);
+            EXPECT_EQ(w.focusWidget()->objectName(), "cfLista") << "tab order is creation order";
             Elegir(w, "cfLista", "Dos");
             auto& box = Hijo<QCheckBox>(w, "chCasilla");
             QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(8, box.height() / 2));
