@@ -27,7 +27,7 @@ Action Frecuencia(CLI::App& app) {
   return [archivo](Context& ctx) {
     return CorrerDialogo(ctx, "frecuencia", *archivo, [](clsMovFrecuente& mf) {
       const std::string r = mf.EditarFrecuencia();
-      return ResultadoDialogo{0, r.empty() ? std::nullopt : std::optional(r)};
+      return ResultadoDialogo::Texto(r.empty() ? std::nullopt : std::optional(r));
     });
   };
 }
@@ -40,8 +40,8 @@ Action Usuarios(CLI::App& app) {
     return CorrerDialogo(ctx, "usuarios", *archivo, [&](clsMovFrecuente& mf) {
       std::string identificaciones;
       const auto elegidos = mf.ElegirUsuarios(*codigos, &identificaciones);
-      return ResultadoDialogo{
-          0, elegidos ? std::optional(*elegidos + " (" + identificaciones + ")") : std::nullopt};
+      return ResultadoDialogo::Texto(
+          elegidos ? std::optional(*elegidos + " (" + identificaciones + ")") : std::nullopt);
     });
   };
 }
@@ -69,7 +69,7 @@ Action Vincular(CLI::App& app) {
           inicial +=
               (inicial.empty() ? "" : "|") + std::to_string(m.id) + ":" + std::to_string(m.orden);
       }
-      return ResultadoDialogo{0, mf.VincularMovimientos(*id, tipo, inicial)};
+      return ResultadoDialogo::Texto(mf.VincularMovimientos(*id, tipo, inicial));
     });
   };
 }

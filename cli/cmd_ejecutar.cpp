@@ -8,6 +8,11 @@
 // the output. A run that stops because the database cannot be used says so once on stderr.
 // Exit status 1 when an occurrence could not be executed (it stays due, nothing of it written)
 // or the run stopped; an occurrence another run had already done is not a failure.
+//
+// With --simular it is the dry run (clsMovFrecuente::SimularVencidos, kivmovfrec/simulacion.h):
+// the same occurrences computed the same way, written and rolled back, printed at the end with
+// each document's lines (account, debit, credit); nothing stays written. The exit status is the
+// one the real run would give.
 #include <unistd.h>
 
 #include <iostream>
@@ -22,6 +27,7 @@
 #include "args.h"
 #include "command.h"
 #include "fachada.h"
+#include "kivmovfrec/simulacion.h"
 #include "kivmovfrec/vb.h"
 #include "output.h"
 
@@ -104,6 +110,84 @@ Json ComoJson(const OcurrenciaEjecutada& o) {
           {"Error", o.ok() ? Json(nullptr) : ErrorJson(std::nullopt, "movfrec ejecutar", o.error)}};
 }
 
+Json LineaJson(const LineaDocumento& l) {
+  return {{"Cuenta", l.cuenta},
+          {"Codigo", l.codigo},
+          {"NombreCuenta", l.nombre_cuenta},
+          {"Proyecto", l.proyecto == 0 ? Json(nullptr) : Json(l.proyecto)},
+          {"Departamento", l.departamento == 0 ? Json(nullptr) : Json(l.departamento)},
+          {"Debe", l.debe},
+          {"Haber", l.haber},
+          {"ImporteCuenta", l.importe_cuenta},
+          {"Detalle", l.detalle.empty() ? Json(nullptr) : Json(l.detalle)}};
+}
+
+Json SimuladoJson(const DocumentoSimulado& d) {
+  Json lineas = Json::array();
+  for (const LineaDocumento& l : d.lineas) lineas.push_back(LineaJson(l));
+  return {{"Movimiento", d.movimiento},
+          {"Tipo", d.tipo},
+          {"Documento", d.id},
+          {"Fecha", FechaTexto(d.fecha)},
+          {"Modalidad", d.modalidad},
+          {"Leyenda", d.leyenda},
+          {"Estado", d.estado},
+          {"Moneda", d.tipo == 2 ? Json(d.moneda) : Json(nullptr)},
+          {"Ente", d.ente == 0 ? Json(nullptr) : Json(d.ente)},
+          {"Debe", d.debe},
+          {"Haber", d.haber},
+          {"Lineas", std::move(lineas)}};
+}
+
+void ImprimirSimulado(std::ostream& out, const DocumentoSimulado& d) {
+  out << fmt::format("    {} {} del {}: {} (Debe {}, Haber {})\n", Clase(d.tipo), d.id,
+                     FechaTexto(d.fecha), d.leyenda, Importe(d.debe), Importe(d.haber));
+  for (const LineaDocumento& l : d.lineas) {
+    out << fmt::format("      {:<12} {:<32} {:>16} {:>16}{}\n", l.codigo, l.nombre_cuenta,
+                       l.debe != 0 ? Importe(l.debe) : "", l.haber != 0 ? Importe(l.haber) : "",
+                       l.detalle.empty() ? "" : "  " + l.detalle);
+  }
+}
+
+// The dry run: everything is printed at the end, since nothing of it lasts.
+int Simular(Context& ctx, clsMovFrecuente& fachada, Date limite) {
+  const ResultadoSimulacion r = fachada.SimularVencidos(limite);
+  std::map<EstadoOcurrencia, size_t> por_estado;
+  int documentos = 0;
+  Json todo = Json::array();
+  for (const OcurrenciaSimulada& s : r.ocurrencias) {
+    const OcurrenciaEjecutada& o = s.ocurrencia;
+    ++por_estado[o.estado];
+    if (o.estado == EstadoOcurrencia::Ejecutada)
+      documentos += static_cast<int>(s.documentos.size());
+    if (ctx.json()) {
+      Json j = ComoJson(o);
+      Json docs = Json::array();
+      for (const DocumentoSimulado& d : s.documentos) docs.push_back(SimuladoJson(d));
+      j["DocumentosSimulados"] = std::move(docs);
+      todo.push_back(std::move(j));
+      continue;
+    }
+    ctx.out() << FechaTexto(o.fecha) << "  " << o.movimiento << " " << o.nombre << ": "
+              << Resultado(o) << "\n";
+    if (o.estado != EstadoOcurrencia::Ejecutada) continue;
+    for (const DocumentoSimulado& d : s.documentos) ImprimirSimulado(ctx.out(), d);
+  }
+  if (ctx.json()) {
+    ctx.PrintJson(todo);
+  } else {
+    ctx.out() << fmt::format(
+        "Simulación hasta el {}: {} ocurrencias, {} se ejecutarían, {} ya generadas, {} hechas en "
+        "otra ejecución, {} con error; {} documentos. No se escribió nada.\n",
+        FechaTexto(limite), r.ocurrencias.size(), por_estado[EstadoOcurrencia::Ejecutada],
+        por_estado[EstadoOcurrencia::YaGenerada], por_estado[EstadoOcurrencia::HechaEnOtraParte],
+        por_estado[EstadoOcurrencia::Fallida], documentos);
+  }
+  ctx.out().flush();
+  if (!r.completa()) return Rechazo(ctx, "ejecutar", "la simulación se detuvo: " + r.detenida);
+  return por_estado[EstadoOcurrencia::Fallida] == 0 ? kExitOk : kExitFailed;
+}
+
 // The progress line, on a terminal only: rewritten in place, cleared at the end.
 class Progreso {
  public:
@@ -131,9 +215,13 @@ Action Setup(CLI::App& app) {
   OpcionFecha(app, "--hasta", *hasta,
               "Ejecuta lo vencido hasta esta fecha inclusive (dd/mm/aaaa o aaaa-mm-dd; por "
               "omisión, hoy)");
-  return [hasta](Context& ctx) {
+  auto simular = std::make_shared<bool>(false);
+  app.add_flag("--simular", *simular,
+               "Muestra los documentos que se generarían, con sus líneas, sin escribir nada");
+  return [hasta, simular](Context& ctx) {
     const Date limite = hasta->empty() ? ctx.services().clock->Today() : ParseFecha(*hasta).value();
     auto fachada = AbrirFachada(ctx);
+    if (*simular) return Simular(ctx, *fachada, limite);
     Progreso progreso(ctx);
     std::map<EstadoOcurrencia, size_t> por_estado;
     int documentos = 0;

@@ -21,8 +21,8 @@ Action Setup(CLI::App& app) {
   auto archivo = AgregarOpcionesDialogo(app);
   return [id, archivo](Context& ctx) {
     return CorrerDialogo(ctx, "lista-tareas", *archivo, [&](clsMovFrecuente& mf) {
-      return ResultadoDialogo{
-          mf.ShowCheckList(*id, static_cast<int16_t>(ctx.options().usuario), false), {}};
+      return ResultadoDialogo::Numero(
+          mf.ShowCheckList(*id, static_cast<int16_t>(ctx.options().usuario), false));
     });
   };
 }

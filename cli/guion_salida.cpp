@@ -86,13 +86,22 @@ int CorrerGuion(Context& ctx, const std::string& comando, const std::string& arc
   const ResultadoDialogo r = mostrar(*fachada);
   InformeGuion informe = guion->Informe();
   informe.resultado = r.resultado;
+  if (r.rechazo && informe.formulario.empty() && informe.mensajes.empty())
+    return Rechazo(ctx, comando, *r.rechazo);
   if (ctx.json()) {
-    ctx.PrintJson(InformeJson(informe, r.valor));
+    Json j = InformeJson(informe, r.valor);
+    j.update(r.extra);
+    ctx.PrintJson(j);
   } else {
     ImprimirInforme(ctx.out(), informe, r.valor);
+    ctx.out() << r.lineas_extra;
   }
   if (!fachada->UltimoError().empty())
     ctx.err() << "movfrec " << comando << ": " << fachada->UltimoError() << "\n";
+  if (r.rechazo) {
+    ctx.err() << "movfrec " << comando << ": " << *r.rechazo << "\n";
+    return kExitFailed;
+  }
   return informe.error.empty() && (r.resultado != 0 || r.valor) ? kExitOk : kExitFailed;
 }
 

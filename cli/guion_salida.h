@@ -21,16 +21,33 @@
 namespace kivmovfrec::cli {
 
 // What the dialog handed back: a number (a saved id; 0 for nothing) and, for dialogs that
-// return a text (a link text, a choice of users, a frequency code), that text.
+// return a text (a link text, a choice of users, a frequency code), that text. A command that
+// does more with it (saves it) adds its own keys to the JSON report and lines to the text one,
+// and gives `rechazo` when that failed or the dialog could not be opened.
 struct ResultadoDialogo {
   int32_t resultado = 0;
   std::optional<std::string> valor;
+  nlohmann::ordered_json extra = nlohmann::ordered_json::object();
+  std::string lineas_extra;
+  std::optional<std::string> rechazo;
+
+  static ResultadoDialogo Numero(int32_t n) {
+    ResultadoDialogo r;
+    r.resultado = n;
+    return r;
+  }
+  static ResultadoDialogo Texto(std::optional<std::string> v) {
+    ResultadoDialogo r;
+    r.valor = std::move(v);
+    return r;
+  }
 };
 
 // Runs `mostrar` on a façade whose messages, input and forms are the script in `archivo`.
 // Exit 0 when every step ran and the dialog handed something back (a non-zero result or a
-// text), 1 when it ended with nothing or the script stopped, 2 (UsageError) when the script
-// cannot be read. `comando` names the command in error lines.
+// text), 1 when it ended with nothing, the script stopped or `rechazo` was given (a refusal
+// before any dialog was shown prints no report), 2 (UsageError) when the script cannot be
+// read. `comando` names the command in error lines.
 int CorrerGuion(Context& ctx, const std::string& comando, const std::string& archivo,
                 const std::function<ResultadoDialogo(clsMovFrecuente&)>& mostrar);
 

@@ -10,12 +10,13 @@
 namespace kivmovfrec::cli {
 namespace {
 
-std::string Inicio(Date d) {
+// A date property (DTSTART, DUE): a date alone at midnight, otherwise date and local time.
+std::string PropiedadFecha(std::string_view nombre, Date d) {
   const vb::DateParts p = vb::Split(d);
   if (p.hour == 0 && p.minute == 0 && p.second == 0) {
-    return fmt::format("DTSTART;VALUE=DATE:{:04}{:02}{:02}", p.year, p.month, p.day);
+    return fmt::format("{};VALUE=DATE:{:04}{:02}{:02}", nombre, p.year, p.month, p.day);
   }
-  return fmt::format("DTSTART:{:04}{:02}{:02}T{:02}{:02}{:02}", p.year, p.month, p.day, p.hour,
+  return fmt::format("{}:{:04}{:02}{:02}T{:02}{:02}{:02}", nombre, p.year, p.month, p.day, p.hour,
                      p.minute, p.second);
 }
 
@@ -36,22 +37,12 @@ uint64_t Huella(std::string_view texto) {
   return h;
 }
 
-// DUE of a to-do: a date alone at midnight, otherwise date and local time.
-std::string Vence(Date d) {
-  const vb::DateParts p = vb::Split(d);
-  if (p.hour == 0 && p.minute == 0 && p.second == 0) {
-    return fmt::format("DUE;VALUE=DATE:{:04}{:02}{:02}", p.year, p.month, p.day);
-  }
-  return fmt::format("DUE:{:04}{:02}{:02}T{:02}{:02}{:02}", p.year, p.month, p.day, p.hour,
-                     p.minute, p.second);
-}
-
 std::string BloqueTarea(const TareaIcs& t, std::string_view sello) {
   std::string out;
   out += Plegar("BEGIN:VTODO");
   out += Plegar("UID:" + t.uid);
   out += Plegar("DTSTAMP:" + std::string(sello));
-  out += Plegar(Vence(t.vence));
+  out += Plegar(PropiedadFecha("DUE", t.vence));
   out += Plegar("SUMMARY:" + EscaparTexto(t.resumen));
   if (!t.descripcion.empty()) out += Plegar("DESCRIPTION:" + EscaparTexto(t.descripcion));
   if (t.prioridad > 0) out += Plegar(fmt::format("PRIORITY:{}", t.prioridad));
@@ -151,7 +142,7 @@ std::string Calendario(const std::vector<EventoIcs>& eventos, std::string_view s
     out += Plegar("BEGIN:VEVENT");
     out += Plegar("UID:" + e.uid);
     out += Plegar("DTSTAMP:" + std::string(sello));
-    out += Plegar(Inicio(e.inicio));
+    out += Plegar(PropiedadFecha("DTSTART", e.inicio));
     out += Plegar("SUMMARY:" + EscaparTexto(e.resumen));
     if (!e.descripcion.empty()) out += Plegar("DESCRIPTION:" + EscaparTexto(e.descripcion));
     if (e.alarma) {

@@ -36,6 +36,7 @@ int CorrerDialogo(Context& ctx, const std::string& comando, const OpcionesDialog
   const ResultadoDialogo r = mostrar(*fachada);
   if (!fachada->UltimoError().empty())
     ctx.err() << "movfrec " << comando << ": " << fachada->UltimoError() << "\n";
+  if (r.rechazo) return Rechazo(ctx, comando, *r.rechazo);
   if (!opciones.captura.empty()) {
     if (!captura->hecha)
       return Rechazo(ctx, comando,
@@ -47,12 +48,16 @@ int CorrerDialogo(Context& ctx, const std::string& comando, const OpcionesDialog
     return kExitOk;
   }
   if (ctx.json()) {
-    ctx.PrintJson({{"Resultado", r.resultado},
-                   {"Valor", r.valor ? nlohmann::ordered_json(*r.valor) : nullptr}});
-  } else if (r.valor) {
-    ctx.out() << "Valor: " << *r.valor << "\n";
+    nlohmann::ordered_json j = {{"Resultado", r.resultado},
+                                {"Valor", r.valor ? nlohmann::ordered_json(*r.valor) : nullptr}};
+    j.update(r.extra);
+    ctx.PrintJson(j);
   } else {
-    ctx.out() << "Resultado: " << r.resultado << "\n";
+    if (r.valor)
+      ctx.out() << "Valor: " << *r.valor << "\n";
+    else
+      ctx.out() << "Resultado: " << r.resultado << "\n";
+    ctx.out() << r.lineas_extra;
   }
   return r.resultado != 0 || r.valor ? kExitOk : kExitFailed;
 #else

@@ -16,6 +16,7 @@
 #include <QPushButton>
 #include <QRegularExpressionValidator>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTableWidget>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -54,6 +55,18 @@ Qt::Alignment AlineacionQt(Alineacion a) {
       break;
   }
   return Qt::AlignLeft | Qt::AlignVCenter;
+}
+
+// An image by name: the icon theme's, else the style's picture for the dialogs' own names
+// (the formula editor's "atras" and "inicio", plain or highlighted); none for an unknown name.
+QIcon Imagen(std::string_view nombre) {
+  QIcon icono = QIcon::fromTheme(Q(nombre));
+  if (!icono.isNull()) return icono;
+  std::string base(nombre);
+  if (const auto p = base.find("_resaltada"); p != std::string::npos) base.erase(p);
+  if (base == "atras") return QApplication::style()->standardIcon(QStyle::SP_ArrowBack);
+  if (base == "inicio") return QApplication::style()->standardIcon(QStyle::SP_DirHomeIcon);
+  return {};
 }
 
 // VB colours are &HBBGGRR.
@@ -321,11 +334,10 @@ class Boton final : public ControlDe<controles::IBoton> {
   void Imagenes(std::string_view normal, std::string_view resaltada) override {
     auto* t = qobject_cast<QToolButton*>(widget);
     if (!t) return;
-    QIcon icono = QIcon::fromTheme(Q(normal));
-    const QIcon encima = QIcon::fromTheme(Q(resaltada));
+    QIcon icono = Imagen(normal);
+    const QIcon encima = Imagen(resaltada);
     if (!encima.isNull())
-      for (const QSize& tam : encima.availableSizes())
-        icono.addPixmap(encima.pixmap(tam), QIcon::Active);
+      for (int lado : {16, 24, 32}) icono.addPixmap(encima.pixmap(lado), QIcon::Active);
     t->setIcon(icono);
   }
   void AlPulsar(Evento e) override { al_pulsar_ = std::move(e); }

@@ -20,16 +20,18 @@
 //   {"cerrar": true}                                         the window's close box
 //   {"responder": "si" | "no" | "aceptar" | "cancelar"}      answer the message just shown
 //   {"responder": "1.500,25"}                                answer a numeric prompt
+//   {"responder": "Horas extra"}                             answer a text prompt as typed
 // Grid rows count the rows on view from 1; a column is named by its header or by its number
 // from 1. "valor" defaults to true. Any step may add "en": "<form name>", which stops the run
 // when the step would reach another form. Captions are compared without access-key "&" and
 // surrounding blanks.
 //
-// A question (a message with more than an OK button) or a numeric prompt must be followed by a
-// "responder" step; an OK-only message takes a following "responder": "aceptar" when there is
-// one. A step that cannot be carried out (no such control, a hidden or disabled one, a question
-// without its answer) stops the run: the open dialogs close as cancelled and the report says
-// which step failed and why. Steps left over when the dialog has closed are reported too.
+// A question (a message with more than an OK button), a numeric or a text prompt must be followed
+// by a "responder" step ("cancelar" cancels a prompt); an OK-only message takes a following
+// "responder": "aceptar" when there is one. A step that cannot be carried out (no such control, a
+// hidden or disabled one, a question without its answer) stops the run: the open dialogs close as
+// cancelled and the report says which step failed and why. Steps left over when the dialog has
+// closed are reported too.
 #pragma once
 
 #include <cstdint>
@@ -74,7 +76,7 @@ class KMF_API GuionDialogos {
   // not JSON, a step has no action or two, an unknown key, or a value of the wrong kind.
   static std::shared_ptr<GuionDialogos> Leer(std::string_view json);
 
-  // Makes the script the services' form factory, message service and numeric input.
+  // Makes the script the services' form factory, message service and input (numbers and texts).
   virtual void Instalar(SuiteServices& servicios) = 0;
   // What happened so far (complete once the dialog has closed).
   virtual InformeGuion Informe() const = 0;

@@ -23,6 +23,7 @@
 #include "kivmovfrec/records.h"
 #include "kivmovfrec/renglones_mf.h"
 #include "kivmovfrec/services.h"
+#include "kivmovfrec/simulacion.h"
 #include "kivmovfrec/traza_fx.h"
 #include "kivmovfrec/variant.h"
 #include "kivmovfrec/vb.h"

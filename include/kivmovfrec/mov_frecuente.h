@@ -54,6 +54,7 @@
 #include "kivmovfrec/mf_tipo.h"
 #include "kivmovfrec/renglones_mf.h"
 #include "kivmovfrec/services.h"
+#include "kivmovfrec/simulacion.h"
 #include "kivmovfrec/traza_fx.h"
 
 namespace kivmovfrec {
@@ -100,6 +101,17 @@ class KMF_API clsMovFrecuente {
 
   // Replaces the current movement by a new empty one.
   void CleanEstructura();
+
+  // Opens the movement wizard (frmWMovFrec) modally on the current movement for user lUser: its
+  // header's Tipo (1 entry, 2 voucher, 3 notice) says the kind, and an ID above 0 is a stored
+  // movement (loaded with LoadMF). A new movement needs the letter "A" on the option of its kind,
+  // an existing one "M" (a notice needs none); without it message 870 with "Consulte con el
+  // administrador del sistema." (caption "Movimientos Frecuentes", exclamation) and 0. Without
+  // a form factory an exclamation message says the wizard cannot be shown. Returns the saved
+  // movement's ID, 0 when nothing was saved; the current movement then holds what was saved.
+  // Errors are trapped and reported (UltimoError); a failed save inside the wizard is reported
+  // there and the wizard stays open with nothing written.
+  int32_t ShowWizard(int32_t lUser);
 
   // Saves the current movement (schedule, link order, default journal, header, lines) with the
   // company's default journal, without a transaction. Returns the movement ID; errors reach
@@ -247,6 +259,21 @@ class KMF_API clsMovFrecuente {
   // an empty, complete result.
   ResultadoEjecucion EjecutarVencidos(Date dHasta, const AlTerminarOcurrencia& alTerminar = {});
 
+  // The dry run of the main job up to the day of dHasta: every occurrence EjecutarVencidos
+  // would run, run the same way inside a transaction that is rolled back, with the documents
+  // each one wrote read back (kivmovfrec/simulacion.h says what can differ from the real run).
+  // Nothing is kept. Must be called outside any transaction of the connection (otherwise the
+  // result says it stopped and nothing runs). Database errors never propagate. Before Connect:
+  // an empty, complete result.
+  ResultadoSimulacion SimularVencidos(Date dHasta);
+
+  // The balances of accounts by period from dDesde to dHasta: the posted entries plus every
+  // occurrence the main job would post up to dHasta, simulated as SimularVencidos does, with the
+  // notices and task lists due in the range (kivmovfrec/simulacion.h). Nothing is kept. A bad
+  // request is refused in ResultadoPronostico::rechazo; database errors never propagate.
+  // Before Connect: an empty result.
+  ResultadoPronostico PronosticarSaldos(const SolicitudPronostico& solicitud);
+
   // Every due date and notice date from dDesde to dHasta (both by day) of the company's pending
   // scheduled movements (kivmovfrec/agenda.h). With bImportes, each due date of an entry or
   // voucher is computed as of that date without prompts, as SetCalculoFormulasMF would, but on
@@ -323,6 +350,15 @@ class KMF_API clsMovFrecuente {
   // text sVinculos ("id:orden|..."): the new link text.
   std::optional<std::string> VincularMovimientos(int32_t lIDMF, int16_t iTipo,
                                                  std::string_view sVinculos);
+
+  // Opens the formula editor (frmDefFormula, host wiring, not part of the type library) on the
+  // stored formula of the line of movement lIDMF whose Orden is `orden`. The movement is read
+  // anew for the editor: its company, its id and its lines are what the editor offers; the
+  // current movement (EstructuraMovFrec) is not touched and nothing is saved, the caller saves
+  // what comes back. Returns the new stored formula when the person accepts ("" when the text
+  // was emptied), nothing when cancelled, before Connect, when the movement or the line does not
+  // exist or when no dialog can be shown (the reason in UltimoError).
+  std::optional<std::string> EditarFormula(int32_t lIDMF, int16_t orden);
 
   // The trace of the last formula member's calculation (host wiring, not part of the type
   // library): date used, every line's elements with the origin of each value, amounts, totals.

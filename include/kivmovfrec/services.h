@@ -71,6 +71,13 @@ class KMF_API IInput {
   // nothing when the user cancels; an answer that is not numeric is never returned.
   virtual std::optional<double> PedirNumero(const std::string& prompt, const std::string& caption,
                                             double proposed) = 0;
+  // Asks for a line of text (an input box). `proposed` is the text offered. Returns nothing when
+  // the user cancels. A service that cannot ask anyone keeps this default, which cancels.
+  virtual std::optional<std::string> PedirTexto(const std::string& /*prompt*/,
+                                                const std::string& /*caption*/,
+                                                const std::string& /*proposed*/) {
+    return std::nullopt;
+  }
 };
 
 // ---- Database functions (DBFncs) ----------------------------------------------------------

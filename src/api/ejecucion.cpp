@@ -144,8 +144,11 @@ struct Linea {
 
 class Ejecutor {
  public:
-  Ejecutor(clsMovFrecuente& mf, Connection& cn, int32_t empresa)
-      : ctx_(mf.Contexto()), cn_(cn), monedas_(ctx_.servicios.clock, ctx_.parametros) {
+  Ejecutor(clsMovFrecuente& mf, Connection& cn, int32_t empresa, int nivel)
+      : ctx_(mf.Contexto()),
+        cn_(cn),
+        nivel_(nivel),
+        monedas_(ctx_.servicios.clock, ctx_.parametros) {
     const SuiteServices& sv = ctx_.servicios;
     dbf_ = sv.db.get();
     reloj_ = sv.clock.get();
@@ -171,6 +174,13 @@ class Ejecutor {
     r.nombre = v.nombre;
     r.fecha = v.fecha;
     bool fila = false;  // the failure, if any, came from claiming the movement's row
+    // A dry run writes only inside the caller's transaction: once that is gone, a further
+    // occurrence would be written for good.
+    if (nivel_ > 0 && cn_.TransactionDepth() != nivel_) {
+      throw Detencion{"la transacción de la simulación ya no está abierta (nivel " +
+                      std::to_string(cn_.TransactionDepth()) + " en lugar de " +
+                      std::to_string(nivel_) + "); la simulación se detiene"};
+    }
     try {
       Transaccion transaccion(cn_);
       cn_.Execute(kSqlTomarTabla);
@@ -500,6 +510,7 @@ class Ejecutor {
 
   const ContextoMF& ctx_;
   Connection& cn_;
+  int nivel_ = 0;  // the caller's transaction level in a dry run, 0 in a real one
   formula::clsMonedas monedas_;
   IDBFncs* dbf_ = nullptr;
   IClock* reloj_ = nullptr;
@@ -515,7 +526,8 @@ class Ejecutor {
 }  // namespace
 
 ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
-                                    Date hasta, const AlTerminarOcurrencia& al_terminar) {
+                                    Date hasta, const AlTerminarOcurrencia& al_terminar,
+                                    int nivel) {
   ResultadoEjecucion out;
   if (!mf.Conectado() || !mf.Servicios().db) return out;
   // Due occurrences by date, then movement: the earliest runs first, and a movement whose
@@ -523,7 +535,7 @@ ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t
   std::multimap<std::pair<int64_t, int32_t>, Vencimiento> cola;
   std::unique_ptr<Ejecutor> ejecutor;
   try {
-    ejecutor = std::make_unique<Ejecutor>(mf, cn, empresa);
+    ejecutor = std::make_unique<Ejecutor>(mf, cn, empresa, nivel);
     for (Vencimiento& v : Vencimientos(cn, empresa)) {
       if (Dia(v.fecha) <= Dia(hasta)) cola.emplace(std::make_pair(Dia(v.fecha), v.id), v);
     }

@@ -92,7 +92,14 @@ using kivmovfrec::ResultadoEjecucion;
 // stops the run (ResultadoEjecucion::detenida). Nothing runs when `mf` is not connected.
 // Hosts call it through clsMovFrecuente::EjecutarVencidos; the result types are public
 // (kivmovfrec/ejecucion.h).
+//
+// `nivel` > 0: the run is a dry run inside the transaction level `nivel` of `cn` that the caller
+// holds open and will roll back; each occurrence's transaction is a savepoint in it, and
+// `al_terminar` runs inside it (it may read what the occurrence wrote). Before each occurrence
+// the connection must still be at that level: when the engine has ended the caller's
+// transaction (or a level was left open) the run stops rather than write outside it.
 ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
-                                    Date hasta, const AlTerminarOcurrencia& al_terminar = {});
+                                    Date hasta, const AlTerminarOcurrencia& al_terminar = {},
+                                    int nivel = 0);
 
 }  // namespace kivmovfrec::api

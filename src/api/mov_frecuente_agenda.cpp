@@ -11,6 +11,8 @@
 #include "api/avance_agenda.h"
 #include "api/ejecucion.h"
 #include "api/grupo_vinculado.h"
+#include "api/pronostico.h"
+#include "api/simulacion.h"
 #include "formula/funciones_fx.h"
 #include "kivmovfrec/mov_frecuente.h"
 #include "kivmovfrec/records.h"
@@ -115,6 +117,16 @@ ResultadoEjecucion clsMovFrecuente::EjecutarVencidos(Date dHasta,
                                                      const AlTerminarOcurrencia& alTerminar) {
   if (!ctx_.cn) return {};
   return api::EjecutarVencidos(*this, *ctx_.cn, empresa_, dHasta, alTerminar);
+}
+
+ResultadoSimulacion clsMovFrecuente::SimularVencidos(Date dHasta) {
+  if (!ctx_.cn) return {};
+  return api::SimularVencidos(*this, *ctx_.cn, empresa_, dHasta);
+}
+
+ResultadoPronostico clsMovFrecuente::PronosticarSaldos(const SolicitudPronostico& solicitud) {
+  if (!ctx_.cn) return {};
+  return api::Pronosticar(*this, *ctx_.cn, empresa_, solicitud);
 }
 
 ResultadoAgenda clsMovFrecuente::Agenda(Date dDesde, Date dHasta, bool bImportes) {

@@ -20,7 +20,7 @@
 //                1530–1539 formula engine, 1540–1549 schedule summaries,
 //                1550–1599 movement wizard, 1600–1649 task lists, 1650–1679 linked movements,
 //                1680–1689 formula editor, 1690–1699 user picker
-//   1700–1729  frequency editor
+//   1700–1729  frequency editor; 1730–1731 who owns an entry (wizard)
 //   1800–1871  validation messages and questions (1801–1803 save questions, 800 + type)
 //   1904–1954  error texts
 //

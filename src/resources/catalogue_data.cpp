@@ -223,6 +223,11 @@ constexpr auto kEntradas = std::to_array<EntradaCatalogo>({
     Es(kInicio, "Inicio"),
     Es(kTituloPedirDato, "Pedir dato"),
     Es(kIngreseCaracteristica, "Ingrese una característica para pedir el dato."),
+    Es(kEncabezadoFormulas, "Fórmula|Descripción"),
+    Es(kEncabezadoLeyendas, "Fórmula|Descripción|Ejemplo"),
+    Es(kBotonAgregarFormula, "A&gregar"),
+    Es(kEncabezadoElegirDato, "[p]"),
+    Es(kFormulaNoLegible, "No se puede leer la fórmula en la posición [p]."),
 
     // User picker.
     Es(kTituloSeleccionUsuarios, "Selección de usuarios"),
@@ -259,6 +264,10 @@ constexpr auto kEntradas = std::to_array<EntradaCatalogo>({
     Es(kCapDesde, "&Desde:"),
     Es(kCapProximos, "Próximos vencimientos:"),
     Es(kAyudaCada, "Indique cada cuántos días, semanas, meses o años se repite."),
+
+    // Wizard: who owns an entry.
+    Es(kClasificacionNormal, "Del usuario"),
+    Es(kClasificacionSistema, "Del sistema"),
 
     // Questions.
     Es(kConfirmaGrabarAsiento, "¿Confirma grabar los datos para el asiento?"),

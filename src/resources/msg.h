@@ -200,6 +200,11 @@ inline constexpr int kAtras = 681;
 inline constexpr int kInicio = 682;
 inline constexpr int kTituloPedirDato = 683;
 inline constexpr int kIngreseCaracteristica = 684;
+inline constexpr int kEncabezadoFormulas = 685;    // vsGrid, line formulas
+inline constexpr int kEncabezadoLeyendas = 686;    // vsGrid, legend macros
+inline constexpr int kBotonAgregarFormula = 687;   // opens a group or adds the chosen entry
+inline constexpr int kEncabezadoElegirDato = 688;  // pick list header: [p] = the entry's caption
+inline constexpr int kFormulaNoLegible = 689;      // [p] = character position
 
 // --- User picker (own numbers) -----------------------------------------------------------------
 inline constexpr int kTituloSeleccionUsuarios = 690;
@@ -236,6 +241,10 @@ inline constexpr int kDiaHabilAnterior = 726;
 inline constexpr int kCapDesde = 727;
 inline constexpr int kCapProximos = 728;
 inline constexpr int kAyudaCada = 729;
+
+// --- Wizard: who owns an entry (cfTipo "Ti&po:", item data enuClasificacionMF) -------------------
+inline constexpr int kClasificacionNormal = 730;
+inline constexpr int kClasificacionSistema = 731;
 
 // --- Questions ---------------------------------------------------------------------------------
 inline constexpr int kConfirmaGrabarAsiento = 801;

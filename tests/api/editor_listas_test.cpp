@@ -8,6 +8,7 @@
 #include "fachada_fixture.h"
 #include "kivmovfrec/guion.h"
 #include "kivmovfrec/vb.h"
+#include "platform/controls/memoria.h"
 #include "platform/vb/dates.h"
 #include "resources/msg.h"
 #include "support/faulty_connection.h"
@@ -288,6 +289,23 @@ TEST_P(EditorListas, AFailedSaveIsReportedAndTheDialogStaysOpen) {
   EXPECT_EQ(i.mensajes[1].icono, "critico");
   ASSERT_GT(i.resultado, 0);
   EXPECT_EQ(Cargar(i.resultado).items.size(), 1u) << "the second save wrote the list once";
+}
+
+TEST_P(EditorListas, ColoursComeFromTheSchemeAndAnUnreadableOneKeepsTheToolkits) {
+  cn->Execute(
+      "Update genParametros Set ParDescripcion = '16777215| 12632256 |azul|255' Where ParNombre = "
+      "'sis_colores_1' And ParTexto = 'checklist'");
+  std::vector<int32_t> vistos;
+  SuiteServices servicios = sv.Bundle();
+  servicios.formularios =
+      std::make_shared<controles::memoria::Fabrica>([&](controles::memoria::Formulario& f) {
+        vistos = {f.Buscar("tNombreC")->ColorFondo(), f.Buscar("tNombreI")->ColorFondo(),
+                  f.Buscar("vsItems")->ColorFondo(),  f.Buscar("dtVence")->ColorTexto(),
+                  f.Buscar("tMemoC")->ColorTexto(),   f.Buscar("lNextVto")->ColorTexto()};
+      });
+  mf.Servicios(servicios);
+  EXPECT_EQ(mf.ShowCheckList(10, 1), 0);
+  EXPECT_EQ(vistos, (std::vector<int32_t>{16777215, 12632256, -1, 255, -1, -1}));
 }
 
 KMF_INSTANTIATE_ENGINES(EditorListas);

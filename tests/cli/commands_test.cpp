@@ -567,6 +567,74 @@ TEST_P(MovfrecComandos, EjecutarPostsEachOccurrenceOnceEvenAfterImportingAnOldEx
   EXPECT_EQ(Run({"ejecutar", "--hasta", "31/02/2027"}).status, 2);
 }
 
+// ejecutar --simular lists the documents with their lines and writes nothing; the real run then
+// reports the same occurrences. pronostico by month as CSV and JSON: one
+// row per period, each closing carried into the next opening; the notices go beside the figures
+// (stderr with --csv).
+TEST_P(MovfrecComandos, SimularWritesNothingAndPronosticoPrintsItsPeriods) {
+  std::vector<std::string> tablas = MovementTables();
+  tablas.insert(tablas.end(), {"cceAsientos", "cceAsientoCuenta", "cceComprobantes"});
+  const auto antes = TakeSnapshot(*cn, tablas);
+  const Json sim = RunJson({"ejecutar", "--simular", "--hasta", "10/02/2027"});
+  EXPECT_EQ(TakeSnapshot(*cn, tablas), antes);
+  const Json real = RunJson({"ejecutar", "--hasta", "10/02/2027"});
+  ASSERT_EQ(sim.size(), real.size());
+  ASSERT_GT(sim.size(), 10u);
+  for (size_t i = 0; i < sim.size(); ++i) {
+    EXPECT_EQ(sim[i]["ID"], real[i]["ID"]) << i;
+    EXPECT_EQ(sim[i]["Fecha"], real[i]["Fecha"]) << i;
+  }
+  EXPECT_EQ(sim[0]["DocumentosSimulados"][0]["Lineas"][1]["Codigo"], "1.1.02");
+  EXPECT_EQ(sim[0]["DocumentosSimulados"][0]["Lineas"][1]["Haber"], 540000.0);
+
+  const Result csv = Run({"pronostico", "--cuentas", "1.1.02,1.1.03", "--desde", "2027-02-11",
+                          "--hasta", "2027-05-10", "--csv"});
+  ASSERT_EQ(csv.status, 0) << csv.err;
+  std::vector<std::vector<std::string>> filas;
+  std::istringstream lineas(csv.out);
+  for (std::string linea; std::getline(lineas, linea);) {
+    std::vector<std::string> campos;
+    std::istringstream partes(linea);
+    for (std::string c; std::getline(partes, c, ',');) campos.push_back(c);
+    filas.push_back(std::move(campos));
+  }
+  ASSERT_EQ(filas.size(), 9u) << csv.out;  // header, 4 months of each account
+  EXPECT_EQ(filas[0],
+            (std::vector<std::string>{"Cuenta", "Codigo", "Nombre", "Desde", "Hasta",
+                                      "SaldoInicial", "Entradas", "Salidas", "SaldoFinal"}));
+  EXPECT_EQ(filas[1][3], "2027-02-11");
+  EXPECT_EQ(filas[4][4], "2027-05-10");
+  EXPECT_EQ(filas[5][0], "103");
+  for (size_t i = 1; i + 1 < filas.size(); ++i) {
+    ASSERT_EQ(filas[i].size(), 9u) << i;
+    if (filas[i][0] == filas[i + 1][0]) {
+      EXPECT_EQ(filas[i][8], filas[i + 1][5]) << i;
+    }
+  }
+  // The balances already include the run above: nothing of February is left to post on 102.
+  EXPECT_EQ(filas[1][5], filas[1][8]);
+  EXPECT_TRUE(Has(csv.err, "recordatorio: 20/02/2027 10:00  Aviso 8: ")) << csv.err;
+
+  const Json js = RunJson({"pronostico", "--hasta", "31/12/2026", "--por", "semana"});
+  ASSERT_GT(js["Cuentas"].size(), 3u);
+  EXPECT_EQ(js["Por"], "semana");
+  const Json& primera = js["Cuentas"][0]["Periodos"][0];
+  EXPECT_EQ(primera["Desde"], "10/11/2026");
+  EXPECT_EQ(primera["Hasta"], "15/11/2026");
+  for (const char* k : {"SaldoInicial", "Entradas", "Salidas", "SaldoFinal"}) {
+    EXPECT_TRUE(primera[k].is_number()) << k;
+  }
+  EXPECT_FALSE(js["Recordatorios"].empty());
+
+  ExpectFails({"pronostico", "--hasta", "31/12/2026", "--por", "año"}, 2, "--por");
+  const Result ambas = Run({"--json", "pronostico", "--hasta", "31/12/2026", "--csv"});
+  EXPECT_EQ(ambas.status, 2);
+  EXPECT_TRUE(Has(ambas.err, "--csv y --json no pueden ir juntas")) << ambas.err;
+  ExpectFails({"pronostico"}, 2, "--hasta");
+  ExpectFails({"pronostico", "--hasta", "31/12/2026", "--cuentas", "201"}, 1,
+              "la cuenta 201 es de otra empresa");
+}
+
 KMF_INSTANTIATE_ENGINES(MovfrecComandos);
 
 }  // namespace

@@ -116,6 +116,29 @@ TEST(ConsoleInput, AsksAgainUntilTheAnswerIsANumber) {
   EXPECT_EQ(unattended.PedirNumero("Tasa", "", 1), std::nullopt);
 }
 
+// Text prompts: the trimmed line, Enter for the proposed text; the scripted input keeps text
+// answers apart from numeric ones.
+TEST(ConsoleInput, TextPromptsTakeTheTrimmedLineOrTheProposedText) {
+  std::ostringstream err;
+  std::istringstream in("  Horas extra \n\n");
+  suite::ConsoleInput input(err, in, true);
+  EXPECT_EQ(input.PedirTexto("Ingrese", "Pedir dato", ""), "Horas extra");
+  EXPECT_EQ(input.PedirTexto("Ingrese", "", "Propuesto"), "Propuesto");
+  EXPECT_EQ(input.PedirTexto("Ingrese", "", "x"), std::nullopt);  // end of input cancels
+  std::istringstream typed("y\n");
+  EXPECT_EQ(suite::ConsoleInput(err, typed, false).PedirTexto("Ingrese", "", "x"), std::nullopt);
+
+  suite::ScriptedInput scripted;
+  scripted.Answer(5.0);
+  scripted.AnswerText("uno");
+  scripted.AnswerText(std::nullopt);
+  EXPECT_EQ(scripted.PedirTexto("a", "b", ""), "uno");
+  EXPECT_EQ(scripted.PedirTexto("a", "b", ""), std::nullopt);
+  EXPECT_EQ(scripted.PedirTexto("a", "b", ""), std::nullopt);  // nothing queued
+  EXPECT_EQ(scripted.PedirNumero("n", "", 0), 5.0);
+  EXPECT_EQ(scripted.asked_texts().size(), 3u);
+}
+
 // The scripted messages other tests answer with: queued answers fitted to the buttons shown.
 TEST(ScriptedMessages, AnswersFitTheButtonsShown) {
   suite::ScriptedMessages messages;

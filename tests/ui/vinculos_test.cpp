@@ -1,6 +1,8 @@
 // The link text exchanged between the wizard and the link dialog, and the order step's rule.
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "kivmovfrec/guion.h"
 #include "platform/controls/memoria.h"
 #include "resources/msg.h"
@@ -81,11 +83,22 @@ class DialogoVincular : public testing::DemoEngineTest {
     resultado = frmVincular(*cn, s, 1, 1, movimiento, "PasajeAsientos").Mostrar(vinculos);
     return g->Informe();
   }
-  // The ids the grid offers in step 1.
-  std::vector<int32_t> Ofrecidos(int32_t movimiento, std::string_view vinculos = "") {
+  // Rights letters by company for the option "PasajeAsientos".
+  struct Derechos final : IUserRights {
+    std::map<int32_t, std::string> letras;
+    std::string Letras(int32_t empresa, std::string_view opcion) override {
+      return opcion == "PasajeAsientos" && letras.count(empresa) ? letras[empresa] : "";
+    }
+    int32_t Usuario() const override { return 1; }
+  };
+  // The ids the grid offers in step 1; with `derechos`, after ticking chTodas.
+  std::vector<int32_t> Ofrecidos(int32_t movimiento, std::string_view vinculos = "",
+                                 std::shared_ptr<Derechos> derechos = nullptr) {
     std::vector<int32_t> ids;
     SuiteServices s;
+    s.rights = derechos;
     s.formularios = std::make_shared<controles::memoria::Fabrica>([&](auto& f) {
+      if (derechos) f.Marcar("chTodas", true);
       auto& g = static_cast<controles::IGrilla&>(*f.Buscar("vsGrid"));
       for (int r = 0; r < g.Filas(); ++r) ids.push_back(std::stoi(g.Celda(r, 5)));
     });
@@ -157,6 +170,14 @@ TEST_P(DialogoVincular, ScheduledMovementsTheirGroupsAndTheEditedOneAreNeverOffe
   // 5 joins the group of the scheduled movement 1: neither is offered any more.
   cn->Execute("Update genMovimientosFrecuentes Set MFrMovVinculado = 1 Where MFrID In (1, 5)");
   EXPECT_EQ(Ofrecidos(18), (std::vector<int32_t>{17, 24, 2, 16, 7}));
+  // "Todas mis empresas": the companies where the user holds T or Q; 23 is company 2's.
+  auto derechos = std::make_shared<Derechos>();
+  derechos->letras = {{1, "AMQ"}, {2, "T"}};
+  EXPECT_EQ(Ofrecidos(18, "", derechos), (std::vector<int32_t>{17, 24, 23, 2, 16, 7}));
+  derechos->letras = {{1, "AME"}, {2, "T"}};
+  EXPECT_EQ(Ofrecidos(18, "", derechos), std::vector<int32_t>{23});
+  derechos->letras.clear();
+  EXPECT_EQ(Ofrecidos(18, "2:1", derechos), std::vector<int32_t>{2}) << "the links stay on view";
   // A linked movement is listed once even when it is also a candidate.
   EXPECT_EQ(Ofrecidos(18, "2:1|18:2"), (std::vector<int32_t>{17, 24, 2, 16, 7}));
 }

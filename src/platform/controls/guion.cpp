@@ -195,6 +195,23 @@ class Guion final : public GuionDialogos,
     return valor;
   }
 
+  // Any text answers a text prompt as typed; "cancelar" cancels it.
+  std::optional<std::string> PedirTexto(const std::string& prompt, const std::string& caption,
+                                        const std::string&) override {
+    MensajeGuion r{-1, prompt, caption, "", "cancelar"};
+    std::optional<std::string> valor;
+    if (!SiguienteEsRespuesta()) {
+      Detener("el pedido «" + prompt + "» espera una respuesta (un paso «responder»)");
+    } else if (pasos_[cursor_].texto == "cancelar") {
+      ++cursor_;
+    } else {
+      valor = pasos_[cursor_++].texto;
+      r.respuesta = *valor;
+    }
+    informe_.mensajes.push_back(std::move(r));
+    return valor;
+  }
+
  private:
   bool SiguienteEsRespuesta() const {
     return !detenido_ && cursor_ < pasos_.size() && pasos_[cursor_].accion == "responder";

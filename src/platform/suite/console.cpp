@@ -128,4 +128,23 @@ std::optional<double> ConsoleInput::PedirNumero(const std::string& prompt,
   }
 }
 
+std::optional<std::string> ConsoleInput::PedirTexto(const std::string& prompt,
+                                                    const std::string& caption,
+                                                    const std::string& proposed) {
+  if (!caption.empty()) err_ << '[' << caption << "] ";
+  err_ << prompt << " [" << proposed << "]";
+  if (!interactive_) {
+    err_ << ": (sin terminal: cancelado)\n";
+    return std::nullopt;
+  }
+  err_ << ": " << std::flush;
+  std::string line;
+  if (!std::getline(in_, line)) {
+    err_ << '\n';
+    return std::nullopt;
+  }
+  const std::string answer = vb::Trim(line);
+  return answer.empty() ? proposed : answer;
+}
+
 }  // namespace kivmovfrec::suite

@@ -46,11 +46,15 @@ class ConsoleMessages final : public IMessages {
 // is read by vb::ReadTypedNumber (Spanish: "1.500,25"), and one that is not a number or could be
 // read two ways ("1.5", "1,500") is refused with that rule's explanation and asked again.
 // Without a terminal, or at end of input, the prompt is cancelled (no value).
+// Text prompts: "[caption] prompt [proposed]: "; the line typed, trimmed, is the answer and an
+// empty line accepts the proposed text. Cancelled without a terminal or at end of input.
 class ConsoleInput final : public IInput {
  public:
   ConsoleInput(std::ostream& err, std::istream& in, bool interactive);
   std::optional<double> PedirNumero(const std::string& prompt, const std::string& caption,
                                     double proposed) override;
+  std::optional<std::string> PedirTexto(const std::string& prompt, const std::string& caption,
+                                        const std::string& proposed) override;
 
  private:
   std::ostream& err_;

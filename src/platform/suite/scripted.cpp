@@ -88,6 +88,16 @@ std::optional<double> ScriptedInput::PedirNumero(const std::string& prompt,
   return asked.result;
 }
 
+std::optional<std::string> ScriptedInput::PedirTexto(const std::string& prompt,
+                                                     const std::string& caption,
+                                                     const std::string&) {
+  asked_texts_.emplace_back(prompt, caption);
+  if (texts_.empty()) return std::nullopt;
+  std::optional<std::string> next = std::move(texts_.front());
+  texts_.pop_front();
+  return next;
+}
+
 // ---- ScriptedDBFncs -------------------------------------------------------------------------
 
 ScriptedDBFncs::ScriptedDBFncs(std::shared_ptr<Connection> cn, std::shared_ptr<IMessages> help)

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kivmovfrec/db.h"
@@ -64,11 +65,20 @@ class ScriptedInput final : public IInput {
 
   void Answer(std::optional<std::string> typed);
   void Answer(double value);
+  // Queues the answer to the next text prompt (std::nullopt cancels). Text prompts have a queue
+  // of their own; with it empty a text prompt is cancelled.
+  void AnswerText(std::optional<std::string> text) { texts_.push_back(std::move(text)); }
 
   std::optional<double> PedirNumero(const std::string& prompt, const std::string& caption,
                                     double proposed) override;
+  std::optional<std::string> PedirTexto(const std::string& prompt, const std::string& caption,
+                                        const std::string& proposed) override;
 
   const std::vector<Asked>& asked() const { return asked_; }
+  // Text prompts asked: prompt and caption (results are not recorded).
+  const std::vector<std::pair<std::string, std::string>>& asked_texts() const {
+    return asked_texts_;
+  }
 
  private:
   struct Pending {
@@ -77,6 +87,8 @@ class ScriptedInput final : public IInput {
   };
   std::deque<Pending> answers_;
   std::vector<Asked> asked_;
+  std::deque<std::optional<std::string>> texts_;
+  std::vector<std::pair<std::string, std::string>> asked_texts_;
 };
 
 // DBFncs for tests. Counters come from genContadores (so they are atomic and transactional

@@ -1,0 +1,25 @@
+// The balance forecast (kivmovfrec/simulacion.h): balances of accounts by period over the posted
+// entries plus what a dry run of the main job posts up to the forecast's last day.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "kivmovfrec/db.h"
+#include "kivmovfrec/mov_frecuente.h"
+#include "kivmovfrec/simulacion.h"
+
+namespace kivmovfrec::api {
+
+// The periods from `desde` to `hasta` (both by day, `desde` not after `hasta`): whole days,
+// weeks from Monday to Sunday or calendar months, the first and the last cut to the range.
+// Only desde and hasta of each are set.
+std::vector<SaldoPeriodo> Periodos(Date desde, Date hasta, PeriodoPronostico por);
+
+// The forecast for `mf` (connected to `cn`, company `empresa`). The balances are read inside
+// the dry run's transaction, by the definition of suite::DbAccountBalance over `cn`, so they
+// count the simulated entries. Database errors never propagate (ResultadoPronostico::detenida).
+ResultadoPronostico Pronosticar(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
+                                const SolicitudPronostico& solicitud);
+
+}  // namespace kivmovfrec::api
