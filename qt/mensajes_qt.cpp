@@ -98,20 +98,23 @@ class MensajesQt final : public IMessages {
   std::function<void(QWidget&)> al_mostrar_;
 };
 
-// A prompt for a number: the proposed value is offered selected; Aceptar takes the text only
-// when it reads as a Spanish number (vb::ReadTypedNumber, as the console does) and otherwise
-// shows why beneath the field and keeps the prompt open.
-class PedirNumeroQt final : public QDialog {
+// An input box: the prompt, a field with the proposed text selected, Aceptar and Cancelar. A
+// numeric prompt ("pedirNumero") takes the text only when it reads as a Spanish number
+// (vb::ReadTypedNumber, as the console does) and otherwise shows why beneath the field and stays
+// open; a text prompt ("pedirTexto") takes any text.
+class PedirQt final : public QDialog {
  public:
-  PedirNumeroQt(const std::string& prompt, const std::string& caption, double propuesto) {
-    setObjectName("pedirNumero");
+  PedirQt(bool numero, const std::string& prompt, const std::string& caption,
+          const std::string& propuesto)
+      : numero_(numero) {
+    setObjectName(numero ? "pedirNumero" : "pedirTexto");
     setWindowTitle(Q(caption));
     auto* v = new QVBoxLayout(this);
     auto* etiqueta = new QLabel(Q(prompt));
     etiqueta->setWordWrap(true);
     v->addWidget(etiqueta);
-    campo_ = new QLineEdit(Q(vb::CStr(Variant(propuesto))));
-    campo_->setObjectName("tNumero");
+    campo_ = new QLineEdit(Q(propuesto));
+    campo_->setObjectName(numero ? "tNumero" : "tTexto");
     campo_->selectAll();
     etiqueta->setBuddy(campo_);
     v->addWidget(campo_);
@@ -123,25 +126,30 @@ class PedirNumeroQt final : public QDialog {
     auto* botones = new QDialogButtonBox;
     botones->addButton("Aceptar", QDialogButtonBox::AcceptRole)->setDefault(true);
     botones->addButton("Cancelar", QDialogButtonBox::RejectRole);
-    connect(botones, &QDialogButtonBox::accepted, this, &PedirNumeroQt::accept);
+    connect(botones, &QDialogButtonBox::accepted, this, &PedirQt::accept);
     connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
     v->addWidget(botones);
   }
   void accept() override {
-    const vb::TypedNumber n = vb::ReadTypedNumber(campo_->text().toStdString());
-    if (n.status != vb::TypedNumber::kNumber) {
-      error_->setText(Q(n.explanation));
-      error_->show();
-      campo_->selectAll();
-      campo_->setFocus();
-      return;
+    texto = campo_->text().toStdString();
+    if (numero_) {
+      const vb::TypedNumber n = vb::ReadTypedNumber(texto);
+      if (n.status != vb::TypedNumber::kNumber) {
+        error_->setText(Q(n.explanation));
+        error_->show();
+        campo_->selectAll();
+        campo_->setFocus();
+        return;
+      }
+      valor = n.value;
     }
-    valor = n.value;
     QDialog::accept();
   }
   double valor = 0;
+  std::string texto;
 
  private:
+  bool numero_;
   QLineEdit* campo_;
   QLabel* error_;
 };
@@ -152,9 +160,15 @@ class EntradaQt final : public IInput {
       : al_mostrar_(std::move(al_mostrar)) {}
   std::optional<double> PedirNumero(const std::string& prompt, const std::string& caption,
                                     double propuesto) override {
-    PedirNumeroQt d(prompt, caption, propuesto);
+    PedirQt d(true, prompt, caption, vb::CStr(Variant(propuesto)));
     if (Ejecutar(d, al_mostrar_) != QDialog::Accepted) return std::nullopt;
     return d.valor;
+  }
+  std::optional<std::string> PedirTexto(const std::string& prompt, const std::string& caption,
+                                        const std::string& propuesto) override {
+    PedirQt d(false, prompt, caption, propuesto);
+    if (Ejecutar(d, al_mostrar_) != QDialog::Accepted) return std::nullopt;
+    return d.texto;
   }
 
  private:

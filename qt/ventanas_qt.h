@@ -1,9 +1,9 @@
 // Real windows for the component's dialogs: Qt6 Widgets behind the control interfaces
-// (kivmovfrec/controles.h), message boxes and numeric prompts.
+// (kivmovfrec/controles.h), message boxes and input boxes.
 //
 // A host calls Instalar on the services it hands to the façade; from then on every dialog the
-// façade opens is a QDialog, every message a QMessageBox and every numeric prompt a small
-// dialog that reads Spanish numbers as the console does ("1.500,25"). This header pulls in no
+// façade opens is a QDialog, every message a QMessageBox and every prompt a small input box (a
+// numeric one reads Spanish numbers as the console does: "1.500,25"). This header pulls in no
 // Qt header, so a host can include it in code that never shows a window; the application object
 // is made only when AsegurarAplicacion (or Instalar) runs.
 #pragma once
@@ -22,7 +22,8 @@ struct OpcionesVentanas {
   // Called with each window (a form, a message box, a numeric prompt) once its modal loop runs;
   // whatever it does happens as a person's actions would. Tests and recorders use it. A form's
   // window has the form's name as its object name and each control's widget the control's name;
-  // message boxes are named "mensaje" and numeric prompts "pedirNumero".
+  // message boxes are named "mensaje", numeric prompts "pedirNumero" and text prompts
+  // "pedirTexto".
   std::function<void(QWidget& ventana)> al_mostrar;
   // When set, the first form shown is not run: its panel `panel_captura` (the one the dialog
   // shows when 0) is rendered to this PNG file and the form returns 0, as if cancelled. Messages
