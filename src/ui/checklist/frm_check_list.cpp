@@ -132,23 +132,22 @@ void frmCheckList::CrearControles() {
   c.cancelar->Cancela(true);
 
   const int guardar = msg::kErrorGrabarMovimiento;
-  c.nuevo->AlPulsar([this, guardar] { Atrapar(guardar, [this] { Nuevo(); }); });
+  c.nuevo->AlPulsar([this] { Atrapar(guardar, [this] { Nuevo(); }); });
   c.editar->AlPulsar(
-      [this, guardar] { Atrapar(guardar, [this] { editando_ ? AceptarItem() : Editar(); }); });
-  c.del_cancel->AlPulsar([this, guardar] {
-    Atrapar(guardar, [this] { editando_ ? CancelarItem() : EliminarItem(); });
-  });
-  c.ayuda->AlPulsar([this, guardar] {
+      [this] { Atrapar(guardar, [this] { editando_ ? AceptarItem() : Editar(); }); });
+  c.del_cancel->AlPulsar(
+      [this] { Atrapar(guardar, [this] { editando_ ? CancelarItem() : EliminarItem(); }); });
+  c.ayuda->AlPulsar([this] {
     // The suite's help operation, reached through the message service in use (the one a step
     // script installs records it).
     Atrapar(guardar,
             [this] { ctx_.servicios.messages->ShowHelp(resources::HelpContext("checkList")); });
   });
-  c.finalizar->AlPulsar([this, guardar] { Atrapar(guardar, [this] { Guardar(); }); });
+  c.finalizar->AlPulsar([this] { Atrapar(guardar, [this] { Guardar(); }); });
   c.cancelar->AlPulsar([this] { form_->Cerrar(0); });
   form_->AlPedirCierre([this] { form_->Cerrar(0); });
-  c.frecuencia->AlElegir([this, guardar] { Atrapar(guardar, [this] { ElegirFrecuencia(); }); });
-  c.hl_ocurre->AlPulsar([this, guardar] { Atrapar(guardar, [this] { EditarFrecuencia(); }); });
+  c.frecuencia->AlElegir([this] { Atrapar(guardar, [this] { ElegirFrecuencia(); }); });
+  c.hl_ocurre->AlPulsar([this] { Atrapar(guardar, [this] { EditarFrecuencia(); }); });
 }
 
 void frmCheckList::AplicarColores() {

@@ -72,12 +72,12 @@ void frmWMovFrec::Estado::CrearFrecuencia(int p) {
   ya_ocurrio = &f.CrearEtiqueta("lbYaOcurrio", p);
 
   const int error = msg::kErrorSetearPanel;
-  frecuencia->AlElegir([this, error] { Atrapar(error, [this] { ElegirFrecuencia(); }); });
-  hl_ocurre->AlPulsar([this, error] { Atrapar(error, [this] { EditarFrecuencia(); }); });
-  vence->AlCambiar([this, error] { Atrapar(error, [this] { CalcularFinal(); }); });
-  q_ocurre->AlCambiar([this, error] { Atrapar(error, [this] { CalcularFinal(); }); });
-  hasta->AlCambiar([this, error] { Atrapar(error, [this] { CambioHasta(); }); });
-  notificar->AlCambiar([this, error] { Atrapar(error, [this] { CambioNotificar(); }); });
+  frecuencia->AlElegir([this] { Atrapar(error, [this] { ElegirFrecuencia(); }); });
+  hl_ocurre->AlPulsar([this] { Atrapar(error, [this] { EditarFrecuencia(); }); });
+  vence->AlCambiar([this] { Atrapar(error, [this] { CalcularFinal(); }); });
+  q_ocurre->AlCambiar([this] { Atrapar(error, [this] { CalcularFinal(); }); });
+  hasta->AlCambiar([this] { Atrapar(error, [this] { CambioHasta(); }); });
+  notificar->AlCambiar([this] { Atrapar(error, [this] { CambioNotificar(); }); });
 }
 
 void frmWMovFrec::Estado::CargarFrecuencia() {
