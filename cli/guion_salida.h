@@ -63,7 +63,9 @@ std::shared_ptr<OpcionesDialogo> AgregarOpcionesDialogo(CLI::App& app);
 // application is made only now, so no other command needs a display), whose result is printed
 // ("Valor: ..." or "Resultado: N"; with --json {"Resultado", "Valor"}); with --captura the
 // dialog's first panel (or --panel N) is written to the PNG without a display and the command
-// exits 0 once it is written. A build without the Qt front end refuses the window (UsageError).
+// exits 0 once it is written. A window without a display (no DISPLAY, WAYLAND_DISPLAY or
+// QT_QPA_PLATFORM) is refused (exit 1), and so is one in a build without the Qt front end
+// (UsageError).
 int CorrerDialogo(Context& ctx, const std::string& comando, const OpcionesDialogo& opciones,
                   const std::function<ResultadoDialogo(clsMovFrecuente&)>& mostrar);
 

@@ -1,4 +1,5 @@
 // Dialog commands without a script: the dialog in a real window, or rendered to a PNG.
+#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -28,6 +29,14 @@ int CorrerDialogo(Context& ctx, const std::string& comando, const OpcionesDialog
                   const std::function<ResultadoDialogo(clsMovFrecuente&)>& mostrar) {
   if (!opciones.guion.empty()) return CorrerGuion(ctx, comando, opciones.guion, mostrar);
 #ifdef KMF_CON_QT
+  const auto definida = [](const char* variable) {
+    const char* v = std::getenv(variable);
+    return v && *v;
+  };
+  // Without a display Qt would end the process; say what to do instead.
+  if (opciones.captura.empty() && !definida("QT_QPA_PLATFORM") && !definida("DISPLAY") &&
+      !definida("WAYLAND_DISPLAY"))
+    return Rechazo(ctx, comando, "no hay pantalla: use --guion ARCHIVO o --captura PNG");
   qt::OpcionesVentanas ventanas;
   ventanas.captura = opciones.captura;
   ventanas.panel_captura = opciones.panel;
