@@ -1,5 +1,6 @@
-// movfrec asistente [ID] [--tipo asiento|comprobante|aviso] --guion ARCHIVO: the movement
-// wizard (ShowWizard) played by a step script without a display (kivmovfrec/guion.h has the step
+// movfrec asistente [ID] [--tipo asiento|comprobante|aviso] [--guion ARCHIVO | --captura PNG
+// [--panel N]]: the movement wizard (ShowWizard) in a window, rendered to a PNG (guion_salida.h)
+// or played by a step script without a display (kivmovfrec/guion.h has the step
 // format). ID opens that movement (its own kind); without it a new movement of --tipo (an entry
 // by default). Prints what lista-tareas prints: every message with its answer, the form, panel,
 // focused control and selected text when it closed, the result (the saved movement's id, 0 when
@@ -24,8 +25,8 @@ const std::map<std::string, enuTipoMovFrec> kTipos = {{"asiento", enuTipoMovFrec
                                                       {"comprobante", enuTipoMovFrec::Comprobante},
                                                       {"aviso", enuTipoMovFrec::Calendario}};
 
-int Correr(Context& ctx, int32_t id, const std::string& tipo, const std::string& archivo) {
-  return CorrerGuion(ctx, "asistente", archivo, [&](clsMovFrecuente& fachada) {
+int Correr(Context& ctx, int32_t id, const std::string& tipo, const OpcionesDialogo& opciones) {
+  return CorrerDialogo(ctx, "asistente", opciones, [&](clsMovFrecuente& fachada) {
     if (id > 0) {
       if (!fachada.LoadMF(id)) {
         ResultadoDialogo r;
@@ -43,21 +44,19 @@ int Correr(Context& ctx, int32_t id, const std::string& tipo, const std::string&
 Action Setup(CLI::App& app) {
   auto id = std::make_shared<int32_t>(0);
   auto tipo = std::make_shared<std::string>("asiento");
-  auto archivo = std::make_shared<std::string>();
   app.add_option("ID", *id, "Movimiento a editar (0 o ninguno: uno nuevo)")
       ->check(EnteroEntre(0, INT32_MAX));
   app.add_option("--tipo", *tipo, "Tipo de un movimiento nuevo: asiento, comprobante o aviso")
       ->check(CLI::IsMember({"asiento", "comprobante", "aviso"}));
-  app.add_option("--guion", *archivo, "Guion de pasos (JSON) que juega el asistente sin pantalla")
-      ->required();
+  auto archivo = AgregarOpcionesDialogo(app);
   return [id, tipo, archivo](Context& ctx) { return Correr(ctx, *id, *tipo, *archivo); };
 }
 
-const bool registered = RegisterCommand(
-    {"asistente",
-     "Asistente de un movimiento jugado por un guion: [ID] [--tipo asiento|comprobante|aviso] "
-     "--guion ARCHIVO",
-     54, Setup});
+const bool registered =
+    RegisterCommand({"asistente",
+                     "Asistente de un movimiento: [ID] [--tipo asiento|comprobante|aviso] "
+                     "[--guion ARCHIVO | --captura PNG [--panel N]]",
+                     54, Setup});
 
 }  // namespace
 }  // namespace kivmovfrec::cli

@@ -1,7 +1,8 @@
-// The dialogs the wizard opens, played by a step script (guion_salida.h prints the run):
-//   movfrec frecuencia --guion ARCHIVO              the frequency editor; the code composed
-//   movfrec usuarios [CODIGOS] --guion ARCHIVO      the user picker on a choice; the codes chosen
-//   movfrec vincular ID [--vinculos TEXTO] --guion ARCHIVO
+// The dialogs the wizard opens, in a window or played by a step script (guion_salida.h: every
+// command also takes --captura PNG [--panel N]):
+//   movfrec frecuencia [--guion ARCHIVO]             the frequency editor; the code composed
+//   movfrec usuarios [CODIGOS] [--guion ARCHIVO]     the user picker on a choice; the codes chosen
+//   movfrec vincular ID [--vinculos TEXTO] [--guion ARCHIVO]
 //                                                   the link dialog for movement ID (its group's
 //                                                   current links unless --vinculos); the new
 //                                                   link text. Nothing is saved: the wizard saves
@@ -21,17 +22,10 @@
 namespace kivmovfrec::cli {
 namespace {
 
-std::shared_ptr<std::string> OpcionGuion(CLI::App& app) {
-  auto archivo = std::make_shared<std::string>();
-  app.add_option("--guion", *archivo, "Guion de pasos (JSON) que juega el diálogo sin pantalla")
-      ->required();
-  return archivo;
-}
-
 Action Frecuencia(CLI::App& app) {
-  auto archivo = OpcionGuion(app);
+  auto archivo = AgregarOpcionesDialogo(app);
   return [archivo](Context& ctx) {
-    return CorrerGuion(ctx, "frecuencia", *archivo, [](clsMovFrecuente& mf) {
+    return CorrerDialogo(ctx, "frecuencia", *archivo, [](clsMovFrecuente& mf) {
       const std::string r = mf.EditarFrecuencia();
       return ResultadoDialogo::Texto(r.empty() ? std::nullopt : std::optional(r));
     });
@@ -41,9 +35,9 @@ Action Frecuencia(CLI::App& app) {
 Action Usuarios(CLI::App& app) {
   auto codigos = std::make_shared<std::string>();
   app.add_option("CODIGOS", *codigos, "Usuarios elegidos de antemano, separados por \",\"");
-  auto archivo = OpcionGuion(app);
+  auto archivo = AgregarOpcionesDialogo(app);
   return [codigos, archivo](Context& ctx) {
-    return CorrerGuion(ctx, "usuarios", *archivo, [&](clsMovFrecuente& mf) {
+    return CorrerDialogo(ctx, "usuarios", *archivo, [&](clsMovFrecuente& mf) {
       std::string identificaciones;
       const auto elegidos = mf.ElegirUsuarios(*codigos, &identificaciones);
       return ResultadoDialogo::Texto(
@@ -59,14 +53,14 @@ Action Vincular(CLI::App& app) {
       ->required()
       ->check(EnteroEntre(1, INT32_MAX));
   app.add_option("--vinculos", *vinculos, "Vínculos de partida (id:orden|...)");
-  auto archivo = OpcionGuion(app);
+  auto archivo = AgregarOpcionesDialogo(app);
   return [id, vinculos, archivo](Context& ctx) {
     const auto mov = MovimientoGuardado(ctx, *id);
     if (!mov) return Rechazo(ctx, "vincular", NoExiste(*id));
     const int16_t tipo = ToInt(mov->MovFrecuente()->Tipo());
     if (tipo != 1 && tipo != 2 && tipo != 4)
       return Rechazo(ctx, "vincular", "solo se vinculan asientos y comprobantes");
-    return CorrerGuion(ctx, "vincular", *archivo, [&](clsMovFrecuente& mf) {
+    return CorrerDialogo(ctx, "vincular", *archivo, [&](clsMovFrecuente& mf) {
       std::string inicial;
       if (*vinculos) {
         inicial = **vinculos;
@@ -81,12 +75,12 @@ Action Vincular(CLI::App& app) {
 }
 
 const bool frecuencia = RegisterCommand(
-    {"frecuencia", "Editor de frecuencias jugado por un guion: --guion ARCHIVO", 57, Frecuencia});
+    {"frecuencia", "Editor de frecuencias: [--guion ARCHIVO | --captura PNG]", 57, Frecuencia});
 const bool usuarios = RegisterCommand(
-    {"usuarios", "Selección de usuarios jugada por un guion: [CODIGOS] --guion ARCHIVO", 58,
+    {"usuarios", "Selección de usuarios: [CODIGOS] [--guion ARCHIVO | --captura PNG]", 58,
      Usuarios});
 const bool vincular = RegisterCommand(
-    {"vincular", "Vínculos de un movimiento jugados por un guion: ID --guion ARCHIVO", 59,
+    {"vincular", "Vínculos de un movimiento: ID [--guion ARCHIVO | --captura PNG [--panel N]]", 59,
      Vincular});
 
 }  // namespace

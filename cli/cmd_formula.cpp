@@ -6,8 +6,9 @@
 // nothing is saved (exit 1). The movement's formula rules (own line, references, difference
 // line, cross references, sides) are checked before saving; the save is the locked one (one
 // transaction). An empty TEXTO removes the line's formula.
-// movfrec formula editar ID ORDEN --guion ARCHIVO: the formula editor (EditarFormula) on that
-// line, played by a step script; the report is printed as lista-tareas prints it, and a formula
+// movfrec formula editar ID ORDEN [--guion ARCHIVO | --captura PNG]: the formula editor
+// (EditarFormula) on that line in a window, rendered to a PNG, or played by a step script; the
+// report is printed as lista-tareas prints it, and a formula
 // accepted in the editor is checked and saved as guardar saves it (then printed as "Fórmula:" or,
 // with --json, as Formula / FormulaVisible beside the report). Exit 0 when every step ran and the
 // formula was saved, 1 when the editor was cancelled, the script stopped or the save was refused,
@@ -34,7 +35,7 @@ struct Opciones {
   int32_t id = 0;
   int orden = 0;
   std::string texto;
-  std::string guion;
+  std::shared_ptr<OpcionesDialogo> dialogo;
 };
 
 // The line with that Orden, or null.
@@ -111,7 +112,7 @@ int Guardar(Context& ctx, const Opciones& o) {
 }
 
 int Editar(Context& ctx, const Opciones& o) {
-  return CorrerGuion(ctx, "formula editar", o.guion, [&](clsMovFrecuente& fachada) {
+  return CorrerDialogo(ctx, "formula editar", *o.dialogo, [&](clsMovFrecuente& fachada) {
     ResultadoDialogo r;
     if (!fachada.LoadMF(o.id)) {
       r.rechazo = NoExiste(o.id);
@@ -153,15 +154,14 @@ Action Setup(CLI::App& app) {
       ->check(EnteroEntre(1, 255));
   guardar->add_option("TEXTO", o->texto, "Fórmula como la ve el usuario")->required();
   CLI::App* editar = app.add_subcommand(
-      "editar", "Editor de fórmulas jugado por un guion; graba la fórmula aceptada");
+      "editar", "Editor de fórmulas (ventana, --guion o --captura); graba la fórmula aceptada");
   editar->add_option("ID", o->id, "Número del movimiento")
       ->required()
       ->check(EnteroEntre(1, INT32_MAX));
   editar->add_option("ORDEN", o->orden, "Orden del renglón")
       ->required()
       ->check(EnteroEntre(1, 255));
-  editar->add_option("--guion", o->guion, "Guion de pasos (JSON) que juega el editor sin pantalla")
-      ->required();
+  o->dialogo = AgregarOpcionesDialogo(*editar);
   app.require_subcommand(1);
   return [o, ver, editar](Context& ctx) {
     if (ver->parsed()) return Ver(ctx, *o);

@@ -1,13 +1,19 @@
-// Dialogs played by a step script (`--guion ARCHIVO`): reading the script, installing it in the
-// context's services, showing the dialog through the façade and printing what happened: every
-// message with its answer, the form, panel, focused control and selected text when it closed,
-// the steps run, why the script stopped, and the result (with --json the same as data).
+// How the dialog commands show their dialog: played by a step script (`--guion ARCHIVO`), in a
+// real window, or rendered to a PNG (`--captura PNG [--panel N]`).
+//
+// With a script: reading it, installing it in the context's services, showing the dialog through
+// the façade and printing what happened: every message with its answer, the form, panel, focused
+// control and selected text when it closed, the steps run, why the script stopped, and the
+// result (with --json the same as data).
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+
+#include <CLI/CLI.hpp>
 
 #include "command.h"
 #include "kivmovfrec/mov_frecuente.h"
@@ -44,5 +50,23 @@ struct ResultadoDialogo {
 // read. `comando` names the command in error lines.
 int CorrerGuion(Context& ctx, const std::string& comando, const std::string& archivo,
                 const std::function<ResultadoDialogo(clsMovFrecuente&)>& mostrar);
+
+// The options every dialog command takes: --guion, --captura and --panel.
+struct OpcionesDialogo {
+  std::string guion;
+  std::string captura;
+  int panel = 0;
+};
+std::shared_ptr<OpcionesDialogo> AgregarOpcionesDialogo(CLI::App& app);
+
+// Shows the dialog as the options say: CorrerGuion with --guion; otherwise a window (a Qt
+// application is made only now, so no other command needs a display), whose result is printed
+// ("Valor: ..." or "Resultado: N"; with --json {"Resultado", "Valor"}); with --captura the
+// dialog's first panel (or --panel N) is written to the PNG without a display and the command
+// exits 0 once it is written. A window without a display (no DISPLAY, WAYLAND_DISPLAY or
+// QT_QPA_PLATFORM) is refused (exit 1), and so is one in a build without the Qt front end
+// (UsageError).
+int CorrerDialogo(Context& ctx, const std::string& comando, const OpcionesDialogo& opciones,
+                  const std::function<ResultadoDialogo(clsMovFrecuente&)>& mostrar);
 
 }  // namespace kivmovfrec::cli

@@ -89,6 +89,29 @@ TEST_P(MovfrecGuion, TheWizardsDialogsHandBackWhatWasChosen) {
   ExpectFails({"vincular", "9", "--guion", Guion()}, 1, "solo se vinculan asientos");
 }
 
+#ifdef KMF_CON_QT
+// Without a script the dialog opens in a window; --captura renders it to a PNG instead, on the
+// offscreen platform, and exits.
+TEST_P(MovfrecGuion, ACaptureWritesThePanelAskedForAndNothingElse) {
+  const std::string png = base_ + ".png";
+  const auto es_png = [&] { return kmf_cli::Slurp(png, false).substr(0, 4) == "\x89PNG"; };
+  const Result lista = Run({"lista-tareas", "--captura", png});
+  EXPECT_EQ(lista.status, 0) << lista.err;
+  EXPECT_TRUE(Has(lista.out, "Captura: " + png)) << lista.out;
+  EXPECT_TRUE(es_png());
+  std::remove(png.c_str());
+
+  EXPECT_EQ(Run({"vincular", "17", "--captura", png, "--panel", "2"}).status, 0);
+  EXPECT_TRUE(es_png());
+  std::remove(png.c_str());
+  ExpectFails({"vincular", "17", "--captura", png, "--panel", "3"}, 1,
+              "frmVincular no tiene el panel 3");
+  EXPECT_FALSE(es_png());
+  EXPECT_EQ(Run({"lista-tareas", "--captura", png, "--guion", Guion()}).status, 2);
+  EXPECT_EQ(Run({"usuarios", "--panel", "2"}).status, 2) << "--panel goes with --captura";
+}
+#endif
+
 KMF_INSTANTIATE_ENGINES(MovfrecGuion);
 
 }  // namespace
