@@ -1,19 +1,22 @@
 // The movfrec host over many schedules, run as a separate process on an SQLite file, beside the
 // plain-text accounting tool people would otherwise use for the same forecast:
 //
-//   Ejecutar/N        `movfrec ejecutar` over N due occurrences (a movement of three lines, one
+//   Ejecutar/<engine>/N
+//                     `movfrec ejecutar` over N due occurrences (a movement of three lines, one
 //                     formula each, due monthly; M movements each due N/M times). Counters:
-//                     us_por_ocurrencia, ocurrencias_por_s and the peak resident memory of the
-//                     movfrec process (pico_mb, from wait4's rusage).
+//                     us_por_ocurrencia (wall), cpu_us_por_ocurrencia (user + system of the
+//                     movfrec process), ocurrencias_por_s and its peak resident memory (pico_mb),
+//                     both from wait4's rusage.
 //   Agenda            `movfrec agenda` over M monthly schedules for ten years.
 //   Pronostico        `movfrec pronostico` over the same schedules for twelve months (every
 //                     occurrence's formulas computed by the dry run of the main job).
 //   HledgerPrint      `hledger print --forecast` on the equivalent journal, same period.
 //   HledgerBalance    `hledger balance -M --forecast` on it for the same twelve months.
 //
-// M is 1,000, or 5 when KMF_BENCH_PEQUENO is set (the smoke run of the test command). The hledger
-// cases are skipped with a message when hledger is not on the PATH. Databases and journals are
-// generated once per process, outside the measured time, in a temporary folder removed at exit.
+// The PostgreSQL case needs KMF_TEST_PG (scripts/pg.sh start prints it) and works in a schema of
+// its own. M is 1,000, or 5 when KMF_BENCH_PEQUENO is set (the smoke run of the test command). The
+// hledger cases are skipped with a message when hledger is not on the PATH. Databases and journals
+// are generated once per process, outside the measured time, in a temporary folder removed at exit.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <spawn.h>
@@ -28,9 +31,12 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "kivmovfrec/db.h"
 
 extern char** environ;
 
@@ -69,6 +75,7 @@ struct Salida {
   std::string texto;
   double segundos = 0;
   double pico_mb = 0;
+  double cpu_segundos = 0;  // user + system time of the child
 };
 
 // Runs argv with stdin from /dev/null and stdout + stderr to a file; the time and peak resident
@@ -97,6 +104,8 @@ Salida Correr(const std::vector<std::string>& args) {
   ::wait4(pid, &status, 0, &uso);
   s.segundos = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   s.pico_mb = static_cast<double>(uso.ru_maxrss) / 1024.0;  // kB on Linux
+  s.cpu_segundos = static_cast<double>(uso.ru_utime.tv_sec + uso.ru_stime.tv_sec) +
+                   static_cast<double>(uso.ru_utime.tv_usec + uso.ru_stime.tv_usec) / 1e6;
   s.ok = WIFEXITED(status) && WEXITSTATUS(status) == 0;
   std::ifstream in(out);
   std::stringstream text;
@@ -107,7 +116,8 @@ Salida Correr(const std::vector<std::string>& args) {
 
 Salida CorrerMovfrec(const std::string& db, const std::string& hoy,
                      const std::vector<std::string>& args) {
-  std::vector<std::string> all = {Movfrec(), "--db", "sqlite:" + db, "--hoy", hoy};
+  const std::string uri = db.rfind("postgres", 0) == 0 ? db : "sqlite:" + db;
+  std::vector<std::string> all = {Movfrec(), "--db", uri, "--hoy", hoy};
   all.insert(all.end(), args.begin(), args.end());
   return Correr(all);
 }
@@ -158,28 +168,34 @@ std::string Diario(int m) {
   return o.str();
 }
 
-// A demo database with `m` monthly movements starting on `inicio`, copied from a template made
-// once per start date (ejecutar consumes it).
+// Fills `db` (an SQLite file or a PostgreSQL URI) with the demo company and `m` monthly
+// movements starting on `inicio`. False, with the state skipped, on failure.
+bool Llenar(const std::string& db, const std::string& inicio, benchmark::State& state) {
+  const fs::path json = Folder() / ("movimientos_" + std::to_string(inicio.size()) + ".json");
+  {
+    std::ofstream out(json);
+    out << "[";
+    for (int n = 0; n < Movimientos(); ++n) out << (n ? ",\n" : "") << Movimiento(n, inicio);
+    out << "]";
+  }
+  for (const auto& args :
+       std::vector<std::vector<std::string>>{{"init", "--demo"}, {"importar", json.string()}}) {
+    const Salida s = CorrerMovfrec(db, "2026-11-10", args);
+    if (!s.ok) {
+      state.SkipWithError(("movfrec " + args[0] + ": " + s.texto.substr(0, 400)).c_str());
+      return false;
+    }
+  }
+  return true;
+}
+
+// A filled SQLite file, copied from a template made once per start date (ejecutar consumes it).
 std::string Base(const std::string& inicio, const std::string& nombre, benchmark::State& state) {
   static std::map<std::string, fs::path> plantillas;
   auto& plantilla = plantillas[inicio];
   if (plantilla.empty()) {
     const fs::path db = Folder() / ("plantilla_" + std::to_string(plantillas.size()) + ".db");
-    const fs::path json = Folder() / "movimientos.json";
-    {
-      std::ofstream out(json);
-      out << "[";
-      for (int n = 0; n < Movimientos(); ++n) out << (n ? ",\n" : "") << Movimiento(n, inicio);
-      out << "]";
-    }
-    for (const auto& args :
-         std::vector<std::vector<std::string>>{{"init", "--demo"}, {"importar", json.string()}}) {
-      const Salida s = CorrerMovfrec(db.string(), "2026-11-10", args);
-      if (!s.ok) {
-        state.SkipWithError(("movfrec " + args[0] + ": " + s.texto.substr(0, 400)).c_str());
-        return "";
-      }
-    }
+    if (!Llenar(db.string(), inicio, state)) return "";
     plantilla = db;
   }
   const fs::path copia = Folder() / (nombre + ".db");
@@ -193,16 +209,48 @@ size_t Lineas(const std::string& texto) {
   return n;
 }
 
+// A fresh schema of the KMF_TEST_PG database, filled, dropped at the end of the scope.
+class EsquemaPg {
+ public:
+  EsquemaPg(const std::string& inicio, benchmark::State& state) {
+    static int serie = 0;
+    const std::string base = std::getenv("KMF_TEST_PG");
+    esquema_ = "kmf_escala_" + std::to_string(::getpid()) + "_" + std::to_string(serie++);
+    admin_ = kivmovfrec::OpenConnection(base);
+    admin_->Execute("CREATE SCHEMA " + esquema_);
+    uri_ = base + (base.find('?') == std::string::npos ? "?" : "&") + "options=-csearch_path%3D" +
+           esquema_;
+    if (!Llenar(uri_, inicio, state)) uri_.clear();
+  }
+  ~EsquemaPg() { admin_->Execute("DROP SCHEMA " + esquema_ + " CASCADE"); }
+  const std::string& uri() const { return uri_; }
+
+ private:
+  std::string esquema_, uri_;
+  std::shared_ptr<kivmovfrec::Connection> admin_;
+};
+
 // Due N/M times each: the first of the month N/M - 1 months after January 2000.
-void Ejecutar(benchmark::State& state) {
+void Ejecutar(benchmark::State& state, kivmovfrec::Engine engine) {
+  const char* pg = std::getenv("KMF_TEST_PG");
+  if (engine == kivmovfrec::Engine::PostgreSQL && (pg == nullptr || *pg == '\0')) {
+    return state.SkipWithError("KMF_TEST_PG no está definida");
+  }
   const int m = Movimientos();
   const int por_movimiento = static_cast<int>(state.range(0));
   const int meses = por_movimiento - 1;
   char hoy[32];
   std::snprintf(hoy, sizeof hoy, "%04d-%02d-01", 2000 + meses / 12, 1 + meses % 12);
-  double ocurrencias = 0, segundos = 0, pico = 0;
+  double ocurrencias = 0, segundos = 0, cpu = 0, pico = 0;
   for (auto _ : state) {
-    const std::string db = Base("01/01/2000", "ejecutar", state);
+    std::unique_ptr<EsquemaPg> esquema;
+    std::string db;
+    if (engine == kivmovfrec::Engine::PostgreSQL) {
+      esquema = std::make_unique<EsquemaPg>("01/01/2000", state);
+      db = esquema->uri();
+    } else {
+      db = Base("01/01/2000", "ejecutar", state);
+    }
     if (db.empty()) return;
     const Salida s = CorrerMovfrec(db, hoy, {"ejecutar"});
     state.SetIterationTime(s.segundos);
@@ -220,10 +268,12 @@ void Ejecutar(benchmark::State& state) {
     }
     ocurrencias += static_cast<double>(hechas);
     segundos += s.segundos;
+    cpu += s.cpu_segundos;
     pico = std::max(pico, s.pico_mb);
   }
   state.counters["ocurrencias"] = static_cast<double>(m) * por_movimiento;
   state.counters["us_por_ocurrencia"] = 1e6 * segundos / ocurrencias;
+  state.counters["cpu_us_por_ocurrencia"] = 1e6 * cpu / ocurrencias;
   state.counters["ocurrencias_por_s"] = ocurrencias / segundos;
   state.counters["pico_mb"] = pico;
 }
@@ -283,8 +333,18 @@ void Hledger(benchmark::State& state, const std::vector<std::string>& args) {
   }
 }
 
-BENCHMARK(Ejecutar)->Arg(1)->Arg(10)->Arg(100)->Iterations(1)->UseManualTime()->Unit(
-    benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Ejecutar, SQLite, kivmovfrec::Engine::SQLite)
+    ->Arg(1)
+    ->Arg(10)
+    ->Arg(100)
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Ejecutar, PostgreSQL, kivmovfrec::Engine::PostgreSQL)
+    ->Arg(10)
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(Agenda)->Iterations(3)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(Pronostico)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 void HledgerPrint(benchmark::State& state) {
