@@ -305,8 +305,13 @@ void Pronostico(benchmark::State& state) {
                       {"pronostico", "--desde", "2027-01-01", "--hasta", "2027-12-31", "--csv"});
     state.SetIterationTime(s.segundos);
     if (!s.ok) return state.SkipWithError(("pronostico: " + s.texto.substr(0, 400)).c_str());
-    if (s.texto.find("No se ejecutarían") != std::string::npos) {
-      return state.SkipWithError("pronostico: ocurrencias rechazadas");
+    // Refused occurrences are listed on the error output, which shares the file.
+    if (s.texto.find("no se ejecutaría") != std::string::npos) {
+      return state.SkipWithError(("pronostico: " + s.texto.substr(0, 400)).c_str());
+    }
+    // A header and twelve months of at least the three accounts the schedules move.
+    if (Lineas(s.texto) < 1 + 3 * 12) {
+      return state.SkipWithError(("pronostico: " + s.texto.substr(0, 400)).c_str());
     }
   }
 }
