@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages the build, the tests and the tools need. Packages already
-# present are skipped; apt-get runs only when something is missing.
+# present are skipped; apt-get runs only when something is missing. With --bench it also
+# installs hledger, the comparison point of bench/run for the agenda and the forecast (not needed
+# by the build or the tests).
 set -euo pipefail
 packages=(
   cmake ninja-build g++ clang libclang-rt-14-dev pkg-config
@@ -10,6 +12,7 @@ packages=(
   qt6-base-dev xvfb xauth
   python3-icalendar
 )
+if [ "${1:-}" = "--bench" ]; then packages+=(hledger); fi
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
