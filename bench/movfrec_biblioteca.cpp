@@ -32,6 +32,7 @@
 #include <string>
 #include <vector>
 
+#include "carpeta_temporal.h"
 #include "formula/monedas.h"
 #include "kivmovfrec/kivmovfrec.h"
 #include "platform/db/sql_tokens.h"
@@ -48,21 +49,9 @@ int Escala() {
   return std::getenv("KMF_BENCH_PEQUENO") != nullptr ? 100 : 1;
 }
 
-struct Carpeta {
-  fs::path path;
-  Carpeta() {
-    path = fs::temp_directory_path() / ("kmf_biblioteca_" + std::to_string(::getpid()));
-    fs::create_directories(path);
-  }
-  ~Carpeta() {
-    std::error_code ec;
-    fs::remove_all(path, ec);
-  }
-};
-
 const fs::path& Folder() {
-  static const Carpeta carpeta;
-  return carpeta.path;
+  static const kmf_bench::CarpetaTemporal carpeta("kmf_biblioteca");
+  return carpeta.path();
 }
 
 // ---- sqlite3 directly ------------------------------------------------------------------------

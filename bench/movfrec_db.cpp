@@ -24,6 +24,7 @@
 #include <string>
 #include <vector>
 
+#include "carpeta_temporal.h"
 #include "kivmovfrec/db.h"
 
 namespace {
@@ -51,13 +52,9 @@ const char* const kMovimiento = R"({
   ]
 })";
 
-std::filesystem::path Folder() {
-  static const std::filesystem::path folder = [] {
-    auto f = std::filesystem::temp_directory_path() / ("kmf_bench_" + std::to_string(::getpid()));
-    std::filesystem::create_directories(f);
-    return f;
-  }();
-  return folder;
+const std::filesystem::path& Folder() {
+  static const kmf_bench::CarpetaTemporal carpeta("kmf_bench");
+  return carpeta.path();
 }
 
 // A JSON list of `n` new movements, written once per size.

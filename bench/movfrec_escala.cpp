@@ -36,6 +36,7 @@
 #include <string>
 #include <vector>
 
+#include "carpeta_temporal.h"
 #include "kivmovfrec/db.h"
 
 extern char** environ;
@@ -48,21 +49,9 @@ int Movimientos() {
   return std::getenv("KMF_BENCH_PEQUENO") != nullptr ? 5 : 1000;
 }
 
-struct Carpeta {
-  fs::path path;
-  Carpeta() {
-    path = fs::temp_directory_path() / ("kmf_escala_" + std::to_string(::getpid()));
-    fs::create_directories(path);
-  }
-  ~Carpeta() {
-    std::error_code ec;
-    fs::remove_all(path, ec);
-  }
-};
-
 const fs::path& Folder() {
-  static const Carpeta carpeta;
-  return carpeta.path;
+  static const kmf_bench::CarpetaTemporal carpeta("kmf_escala");
+  return carpeta.path();
 }
 
 std::string Movfrec() {

@@ -141,7 +141,7 @@ class Simple final : public ControlDe<controles::IControl> {
     if (auto* g = qobject_cast<QGroupBox*>(widget))
       g->setTitle(Q(caption));
     else
-      static_cast<QLabel*>(widget)->setText(Q(SinAcceso(caption)));
+      static_cast<QLabel*>(widget)->setText(Q(controles::SinMarcasDeAcceso(caption)));
   }
 };
 
@@ -323,7 +323,8 @@ class Boton final : public ControlDe<controles::IBoton> {
   ~Boton() override { form.MarcarCancela(this, false); }
   void MostrarCaption() override {
     if (auto* l = qobject_cast<QLabel*>(widget))
-      l->setText("<a href=\"#\">" + Q(SinAcceso(caption)).toHtmlEscaped() + "</a>");
+      l->setText("<a href=\"#\">" + Q(controles::SinMarcasDeAcceso(caption)).toHtmlEscaped() +
+                 "</a>");
     else
       static_cast<QAbstractButton*>(widget)->setText(Q(caption));
   }
@@ -613,18 +614,6 @@ class Arbol final : public ControlDe<controles::IArbol> {
 };
 
 }  // namespace
-
-std::string SinAcceso(std::string_view caption) {
-  std::string out;
-  for (size_t i = 0; i < caption.size(); ++i) {
-    if (caption[i] == '&') {
-      if (i + 1 < caption.size() && caption[i + 1] == '&') out += caption[++i];
-      continue;
-    }
-    out += caption[i];
-  }
-  return out;
-}
 
 void ControlQt::MostrarCaption() {}
 

@@ -37,9 +37,6 @@ namespace kivmovfrec::qt {
 class DialogoQt;
 class FormularioQt;
 
-// A caption as a plain label shows it: access-key "&" removed, "&&" as "&".
-std::string SinAcceso(std::string_view caption);
-
 // What every control keeps beside its widget: the common properties, applied to the widget and
 // to its caption label.
 class ControlQt {

@@ -12,7 +12,6 @@
 
 #include "formulario_qt.h"
 #include "kivmovfrec/vb.h"
-#include "platform/vb/typed_number.h"
 #include "ventanas_qt.h"
 
 namespace kivmovfrec::qt {
@@ -100,7 +99,7 @@ class MensajesQt final : public IMessages {
 
 // An input box: the prompt, a field with the proposed text selected, Aceptar and Cancelar. A
 // numeric prompt ("pedirNumero") takes the text only when it reads as a Spanish number
-// (vb::ReadTypedNumber, as the console does) and otherwise shows why beneath the field and stays
+// (vb::LeerNumeroTecleado, as the console does) and otherwise shows why beneath the field and stays
 // open; a text prompt ("pedirTexto") takes any text.
 class PedirQt final : public QDialog {
  public:
@@ -133,15 +132,16 @@ class PedirQt final : public QDialog {
   void accept() override {
     texto = campo_->text().toStdString();
     if (numero_) {
-      const vb::TypedNumber n = vb::ReadTypedNumber(texto);
-      if (n.status != vb::TypedNumber::kNumber) {
-        error_->setText(Q(n.explanation));
+      std::string explicacion;
+      const std::optional<double> n = vb::LeerNumeroTecleado(texto, &explicacion);
+      if (!n) {
+        error_->setText(Q(explicacion));
         error_->show();
         campo_->selectAll();
         campo_->setFocus();
         return;
       }
-      valor = n.value;
+      valor = *n;
     }
     QDialog::accept();
   }

@@ -49,6 +49,9 @@ enum class ClaseControl {
 
 using Evento = std::function<void()>;
 
+// A caption as shown: each access-key "&" removed, "&&" shown as one "&".
+KMF_API std::string SinMarcasDeAcceso(std::string_view caption);
+
 enum class Alineacion { Izquierda, Centro, Derecha };
 
 class KMF_API IControl {

@@ -117,4 +117,10 @@ KMF_API std::vector<std::string> Split(std::string_view s, std::string_view sep)
 inline constexpr size_t kMaxCharsInMessage = 60;
 KMF_API std::string ShortForMessage(std::string_view text, size_t max_chars = kMaxCharsInMessage);
 
+// A number a person typed at a prompt, read the Spanish way ("1.500,25"): the value, or nothing
+// when the entry is not a number or could be read two ways ("1.5", "1,500"); `explicacion` then
+// receives one Spanish sentence saying why. Every numeric prompt reads its answers this way.
+KMF_API std::optional<double> LeerNumeroTecleado(std::string_view texto,
+                                                 std::string* explicacion = nullptr);
+
 }  // namespace kivmovfrec::vb

@@ -1,5 +1,5 @@
 // Dialogs played by a script file (--guion), as a script or a person at a terminal would run
-// them: the task-list editor, and the frequency, user and link dialogs.
+// them: the task-list editor, the movement wizard, and the frequency, user and link dialogs.
 #include <fstream>
 #include <string>
 
@@ -111,6 +111,28 @@ TEST_P(MovfrecGuion, ACaptureWritesThePanelAskedForAndNothingElse) {
   EXPECT_EQ(Run({"usuarios", "--panel", "2"}).status, 2) << "--panel goes with --captura";
 }
 #endif
+
+TEST_P(MovfrecGuion, SavesANewEntryAndRefusesAMovementThatDoesNotExist) {
+  const Result asiento = Correr(R"([
+    {"escribir": "tNombre", "texto": "Cobro de alquiler"}, {"pulsar": "bfSiguiente"},
+    {"escribir": "tEditCta", "texto": "1.1.01"}, {"escribir": "ocEditD", "texto": "500"},
+    {"pulsar": "bfEditOK"},
+    {"escribir": "tEditCta", "texto": "4.1.02"}, {"escribir": "ocEditH", "texto": "500"},
+    {"pulsar": "bfEditOK"}, {"pulsar": "bfFinalizar"}, {"responder": "si"}])",
+                                {"--json", "asistente"});
+  ASSERT_EQ(asiento.status, 0) << asiento.err << asiento.out;
+  const auto j = nlohmann::json::parse(asiento.out);
+  EXPECT_GT(j["Resultado"].get<int>(), 100);
+  EXPECT_EQ(j["Formulario"], "frmWMovFrec");
+  EXPECT_EQ(j["Mensajes"][0]["Numero"], 801);
+  const auto ver =
+      nlohmann::json::parse(Run({"--json", "ver", std::to_string(j["Resultado"].get<int>())}).out);
+  EXPECT_TRUE(Has(ver.dump(), "Cobro de alquiler")) << ver.dump();
+
+  const Result ninguno = Correr("[]", {"asistente", "999"});
+  EXPECT_EQ(ninguno.status, 1);
+  EXPECT_TRUE(Has(ninguno.err, "no existe el movimiento frecuente 999")) << ninguno.err;
+}
 
 KMF_INSTANTIATE_ENGINES(MovfrecGuion);
 

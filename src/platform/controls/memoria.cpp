@@ -8,7 +8,21 @@
 #include "kivmovfrec/vb.h"
 #include "platform/vb/utf8.h"
 
-namespace kivmovfrec::controles::memoria {
+namespace kivmovfrec::controles {
+
+std::string SinMarcasDeAcceso(std::string_view caption) {
+  std::string out;
+  for (size_t i = 0; i < caption.size(); ++i) {
+    if (caption[i] == '&') {
+      if (i + 1 < caption.size() && caption[i + 1] == '&') out += caption[++i];
+      continue;
+    }
+    out += caption[i];
+  }
+  return out;
+}
+
+namespace memoria {
 
 namespace {
 
@@ -27,15 +41,7 @@ int Caracteres(std::string_view s) {
 }  // namespace
 
 std::string CaptionVisible(std::string_view caption) {
-  std::string out;
-  for (size_t i = 0; i < caption.size(); ++i) {
-    if (caption[i] == '&') {
-      if (i + 1 < caption.size() && caption[i + 1] == '&') out += caption[++i];
-      continue;
-    }
-    out += caption[i];
-  }
-  return vb::Trim(out);
+  return vb::Trim(SinMarcasDeAcceso(caption));
 }
 
 // What the form keeps of every control: the common properties.
@@ -622,4 +628,5 @@ std::unique_ptr<IFormulario> Fabrica::Crear(std::string_view nombre) {
   return std::make_unique<Formulario>(std::string(nombre), al_mostrar_);
 }
 
-}  // namespace kivmovfrec::controles::memoria
+}  // namespace memoria
+}  // namespace kivmovfrec::controles

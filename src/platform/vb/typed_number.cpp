@@ -1,5 +1,7 @@
 #include "platform/vb/typed_number.h"
 
+#include "kivmovfrec/vb.h"
+
 #include <charconv>
 #include <optional>
 
@@ -117,6 +119,13 @@ TypedNumber ReadTypedNumber(std::string_view text) {
                        "y la coma los decimales): escriba " + ShortForMessage(Swapped(text)) + ".");
   }
   return Refused(TypedNumber::kNotANumber, shown + " no es un número.");
+}
+
+std::optional<double> LeerNumeroTecleado(std::string_view texto, std::string* explicacion) {
+  const TypedNumber n = ReadTypedNumber(texto);
+  if (n.status == TypedNumber::kNumber) return n.value;
+  if (explicacion) *explicacion = n.explanation;
+  return std::nullopt;
 }
 
 }  // namespace kivmovfrec::vb
