@@ -1,7 +1,8 @@
 // libFuzzer target for the link text and the order step's rule. Any text must either be refused
-// with a message or read into pairs that are valid (ids ≥ 1 and distinct, orders 1..255) and that
-// read back unchanged from the text written for them. Any set of order cells must get a verdict
-// consistent with reading each cell on its own. Nothing may throw.
+// with a message or read into pairs that are valid (distinct ids ≥ 0, 0 being the movement edited
+// while it is new; orders 1..255) and that read back unchanged from the text written for them.
+// Any set of order cells must get a verdict consistent with reading each cell on its own.
+// Nothing may throw.
 #include <cstdint>
 #include <cstdlib>
 #include <set>
@@ -26,7 +27,7 @@ void CheckTexto(std::string_view texto) {
   }
   std::set<int32_t> ids;
   for (const Vinculo& v : r.vinculos) {
-    Check(v.id >= 1);
+    Check(v.id >= 0);
     Check(v.orden >= 1 && v.orden <= kOrdenMaximo);
     Check(ids.insert(v.id).second);
   }
