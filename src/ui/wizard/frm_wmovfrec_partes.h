@@ -170,6 +170,7 @@ struct frmWMovFrec::Estado {
   void ElegirUsuarios();
 
   // ---- frm_wmovfrec_validar.cpp: true when the panel passes; a refusal is shown ----
+  bool ValidarNombreYLeyenda();
   bool ValidarGeneral();
   bool ValidarCuentas();
   bool ValidarFrecuencia();

@@ -48,7 +48,8 @@ bool ConComilla(const ITexto& t) {
 
 }  // namespace
 
-bool frmWMovFrec::Estado::ValidarGeneral() {
+// The name (required) and the legend or comment: neither may hold a single quote.
+bool frmWMovFrec::Estado::ValidarNombreYLeyenda() {
   if (vb::Trim(nombre->Text()).empty() || ConComilla(*nombre)) {
     Rechazar(msg::kCampoNoValido, *nombre);
     return false;
@@ -57,6 +58,11 @@ bool frmWMovFrec::Estado::ValidarGeneral() {
     Rechazar(msg::kCampoNoValido, *leyenda);
     return false;
   }
+  return true;
+}
+
+bool frmWMovFrec::Estado::ValidarGeneral() {
+  if (!ValidarNombreYLeyenda()) return false;
   if (tipo == 2) {
     if (!contacto) {
       Rechazar(msg::kCampoNoValido, *ente);
@@ -156,14 +162,7 @@ bool frmWMovFrec::Estado::ValidarFrecuencia() {
 }
 
 bool frmWMovFrec::Estado::ValidarAviso() {
-  if (vb::Trim(nombre->Text()).empty() || ConComilla(*nombre)) {
-    Rechazar(msg::kCampoNoValido, *nombre);
-    return false;
-  }
-  if (ConComilla(*leyenda)) {
-    Rechazar(msg::kCampoNoValido, *leyenda);
-    return false;
-  }
+  if (!ValidarNombreYLeyenda()) return false;
   // Every piece of the receivers' text must be a user code.
   const std::vector<int32_t> codigos = LeerCodigosUsuario(ente->Text());
   size_t piezas = 0;
