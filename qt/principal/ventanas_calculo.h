@@ -1,0 +1,31 @@
+// Windows the main window opens for computations over the company's movements: "Calcular" (the
+// computed lines and the trace of every value), the forecast (projected balances by month as a
+// chart and a table) and "Ejecutar lo vencido" (the dry run for review, then the run with a
+// progress bar and a cancel button that stops between occurrences, then the run's summary).
+//
+// Each function is modal: it returns when the person closes its window. `padre` may be null.
+// The façade must be connected, with its company set; errors the library reports are shown in
+// the window (never thrown), so the caller only refreshes its views afterwards.
+#pragma once
+
+#include <cstdint>
+
+#include "kivmovfrec/mov_frecuente.h"
+
+class QWidget;
+
+namespace kivmovfrec::qt {
+
+// Computes movement `id` as of today (prompts allowed, through the façade's services) and shows
+// every line's amount and the trace of each value. A failed computation shows the error and the
+// part of the trace that was reached.
+void MostrarCalculo(QWidget* padre, clsMovFrecuente& mf, int32_t id);
+
+// The forecast window: accounts, range and period are chosen in it (by month unless changed).
+void MostrarPronostico(QWidget* padre, clsMovFrecuente& mf);
+
+// Runs the main job up to the day of `hasta` after the person reviewed its dry run. Returns how
+// many occurrences were posted (0 when the person did not confirm or nothing was due).
+int EjecutarLoVencido(QWidget* padre, clsMovFrecuente& mf, Date hasta);
+
+}  // namespace kivmovfrec::qt
