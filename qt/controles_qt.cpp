@@ -201,9 +201,14 @@ class Texto final : public ControlDe<controles::ITexto> {
   void MostrarCaption() override { etiqueta->setText(Q(caption)); }
 
   std::string Text() const override { return S(edit_->text()); }
+  // A new text puts the cursor at its start. The logic often writes back what a person is
+  // typing (a count tidied after each key): the same text leaves the cursor where it is, or the
+  // next key would land before the ones typed.
   void Text(std::string_view t) override {
+    const QString nuevo = Q(t);
+    if (nuevo == edit_->text()) return;
     FormularioQt::Silencio s(form);
-    edit_->setText(Q(t));
+    edit_->setText(nuevo);
     edit_->setCursorPosition(0);
   }
   int SelStart() const override {

@@ -110,6 +110,7 @@ class PedirQt final : public QDialog {
     setWindowTitle(Q(caption));
     auto* v = new QVBoxLayout(this);
     auto* etiqueta = new QLabel(Q(prompt));
+    etiqueta->setObjectName("lPregunta");
     etiqueta->setWordWrap(true);
     v->addWidget(etiqueta);
     campo_ = new QLineEdit(Q(propuesto));
@@ -123,8 +124,8 @@ class PedirQt final : public QDialog {
     error_->hide();
     v->addWidget(error_);
     auto* botones = new QDialogButtonBox;
-    botones->addButton("Aceptar", QDialogButtonBox::AcceptRole)->setDefault(true);
-    botones->addButton("Cancelar", QDialogButtonBox::RejectRole);
+    botones->addButton("&Aceptar", QDialogButtonBox::AcceptRole)->setDefault(true);
+    botones->addButton("&Cancelar", QDialogButtonBox::RejectRole);
     connect(botones, &QDialogButtonBox::accepted, this, &PedirQt::accept);
     connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
     v->addWidget(botones);
