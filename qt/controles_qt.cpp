@@ -386,9 +386,29 @@ class Grilla final : public ControlDe<controles::IGrilla> {
   QWidget* Foco() const override { return t_; }
   void MostrarCaption() override { etiqueta->setText(Q(caption)); }
   // Every column wide enough for its contents and up to ten rows on view, so that nothing is
-  // clipped in Spanish unless the grid would outgrow a screen.
+  // clipped in Spanish unless the grid would outgrow a screen. A grid still empty (rows come as
+  // a person types them) gets its first text column wide enough for an account's code and name
+  // and the others for an amount. The widest text column takes the room left over.
   void AntesDeMostrar() override {
+    QHeaderView& h = *t_->horizontalHeader();
+    h.setStretchLastSection(false);
+    h.setSectionResizeMode(QHeaderView::Interactive);
     t_->resizeColumnsToContents();
+    bool vacia = true;
+    for (int f = 0; f < Filas() && vacia; ++f) vacia = t_->isRowHidden(f);
+    const QFontMetrics letras(t_->font());
+    int estirar = -1;
+    for (int c = 0; c < CantidadColumnas(); ++c) {
+      const Col& col = ColDe(c);
+      if (col.oculta || col.casilla) continue;
+      const bool texto = col.alineacion != Alineacion::Derecha;
+      if (vacia) {
+        const char* muestra =
+            texto && estirar < 0 ? "0.0.00 Cuenta de nombre largo" : "000.000.000,00";
+        t_->setColumnWidth(c, std::max(t_->columnWidth(c), letras.horizontalAdvance(muestra)));
+      }
+      if (texto && (estirar < 0 || t_->columnWidth(c) > t_->columnWidth(estirar))) estirar = c;
+    }
     int ancho = 2 * t_->frameWidth() + t_->verticalScrollBar()->sizeHint().width();
     for (int c = 0; c < CantidadColumnas(); ++c)
       if (!t_->isColumnHidden(c)) ancho += t_->columnWidth(c);
@@ -398,6 +418,8 @@ class Grilla final : public ControlDe<controles::IGrilla> {
       if (!t_->isRowHidden(f)) alto += t_->rowHeight(f), ++filas;
     if (filas < 4) alto += (4 - filas) * t_->verticalHeader()->defaultSectionSize();
     t_->setMinimumSize(std::min(ancho, 1000), std::min(alto, 600));
+    h.setStretchLastSection(estirar < 0);
+    if (estirar >= 0) h.setSectionResizeMode(estirar, QHeaderView::Stretch);
   }
 
   void Columnas(std::string_view formato) override {

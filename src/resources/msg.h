@@ -129,6 +129,8 @@ inline constexpr int kAyudaBajar = 593;
 inline constexpr int kAyudaQuitarRenglon = 594;
 inline constexpr int kAyudaAplicarRenglon = 595;
 inline constexpr int kAyudaDeshacerRenglon = 596;
+// The wizard's "Mostrar sólo para esta empresa" (its access key is taken by "&Siguiente").
+inline constexpr int kCapSoloEstaEmpresaAsistente = 597;
 inline constexpr int kErrorEdicionGrilla = 580;
 inline constexpr int kErrorAplicarEdicion = 581;
 inline constexpr int kErrorMoverFila = 582;

@@ -3,6 +3,10 @@
 // formula editor, a formula composed and saved, a task list with two items, two movements linked
 // in order, two users picked, a frequency composed.
 #include <QCheckBox>
+#include <QGroupBox>
+#include <QStackedWidget>
+#include <map>
+#include <vector>
 
 #include "api/fachada_fixture.h"
 #include "persona_qt.h"
@@ -212,6 +216,82 @@ TEST_P(DialogosQt, TwoUsersArePickedAndAFrequencyComposed) {
     Pulsar(w, "Aceptar");
   });
   EXPECT_EQ(mf.EditarFrecuencia(), "500003 El último día hábil de cada 3 meses");
+}
+
+// The access key of a caption ("&x"; "&&" is a literal "&"), lower case; empty without one.
+QString Tecla(const QString& caption) {
+  for (qsizetype i = 0; i + 1 < caption.size(); ++i) {
+    if (caption[i] != '&') continue;
+    if (caption[i + 1] != '&') return caption.mid(i + 1, 1).toLower();
+    ++i;
+  }
+  return {};
+}
+
+// Captions on view that share an access key, on each page of the window: "a: &Aceptar, &Anterior".
+std::vector<std::string> TeclasRepetidas(QWidget& w) {
+  std::vector<std::string> repetidas;
+  auto revisar = [&] {
+    std::map<QString, QStringList> por_tecla;
+    for (QWidget* c : w.findChildren<QWidget*>()) {
+      if (!c->isVisibleTo(&w)) continue;
+      QString caption;
+      if (auto* l = qobject_cast<QLabel*>(c); l && l->buddy()) caption = l->text();
+      if (auto* b = qobject_cast<QAbstractButton*>(c)) caption = b->text();
+      if (auto* g = qobject_cast<QGroupBox*>(c)) caption = g->title();
+      if (const QString t = Tecla(caption); !t.isEmpty()) por_tecla[t] << caption;
+    }
+    for (const auto& [tecla, captions] : por_tecla)
+      if (captions.size() > 1)
+        repetidas.push_back((tecla + ": " + captions.join(", ")).toStdString());
+  };
+  auto* paginas = w.findChild<QStackedWidget*>();
+  if (!paginas || paginas->count() == 0) {
+    revisar();
+    return repetidas;
+  }
+  const int actual = paginas->currentIndex();
+  for (int i = 0; i < paginas->count(); ++i) {
+    paginas->setCurrentIndex(i);
+    revisar();
+  }
+  paginas->setCurrentIndex(actual);
+  return repetidas;
+}
+
+// Every dialog as it opens (each wizard panel): no two captions on view share an access key,
+// so that Alt and a letter always reach one control.
+TEST_P(DialogosQt, NoTwoCaptionsOnViewShareAnAccessKey) {
+  sv.rights->Set(1, "Comprobantes", "A");
+  std::map<std::string, std::vector<std::string>> repetidas;
+  auto revisar = [&](const std::string& como) {
+    return [&repetidas, como](QWidget& w) {
+      repetidas[como] = TeclasRepetidas(w);
+      QTest::keyClick(&w, Qt::Key_Escape);
+    };
+  };
+  for (auto [tipo, como] : {std::pair{enuTipoMovFrec::Asiento, "asiento"},
+                            {enuTipoMovFrec::Comprobante, "comprobante"},
+                            {enuTipoMovFrec::Calendario, "aviso"}}) {
+    persona.En("frmWMovFrec", revisar(como));
+    mf.CleanEstructura();
+    mf.EstructuraMovFrec()->MovFrecuente()->Tipo(tipo);
+    mf.ShowWizard(1);
+  }
+  persona.En("frmCheckList", revisar("lista de tareas"));
+  mf.ShowCheckList(0, 1);
+  persona.En("frmVincular", revisar("vínculos"));
+  ui::frmVincular(*cn, servicios, 1, 1, 18, "PasajeAsientos").Mostrar("");
+  persona.En("frmFindUser", revisar("usuarios"));
+  mf.ElegirUsuarios("");
+  persona.En("frmFrecuencia", revisar("frecuencia"));
+  mf.EditarFrecuencia();
+  persona.En("frmDefFormula", revisar("fórmula"));
+  mf.EditarFormula(2, 2);
+
+  ASSERT_EQ(repetidas.size(), 8u) << "every dialog opened";
+  for (const auto& [como, teclas] : repetidas)
+    EXPECT_EQ(teclas, std::vector<std::string>{}) << como;
 }
 
 KMF_INSTANTIATE_ENGINES(DialogosQt);

@@ -100,7 +100,7 @@ void frmWMovFrec::Estado::CrearGeneral() {
     tipo_cambio = &lista("cfTipoCambio", msg::kCapTCa);
   }
   sin_empresa = &f.CrearCasilla("chSinEmpresa", p);
-  sin_empresa->Caption(Texto(msg::kCapSoloEstaEmpresa));
+  sin_empresa->Caption(Texto(msg::kCapSoloEstaEmpresaAsistente));
   vincular = &f.CrearBoton("hlVincular", p, ClaseControl::Enlace);
   vincular->Caption(Texto(msg::kVincularMovimiento));
   vincular->AlPulsar([this] { Atrapar(msg::kErrorGrabarMovimiento, [this] { Vincular(); }); });
