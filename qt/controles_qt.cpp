@@ -650,7 +650,10 @@ void ControlQt::Aplicar() {
     w->setEnabled(enabled);
     w->setToolTip(Q(hint));
   }
-  widget->setVisible(visible);
+  // A label or a link without text takes no row (a schedule line with nothing to say yet).
+  const bool vacio =
+      caption.empty() && (clase == ClaseControl::Etiqueta || clase == ClaseControl::Enlace);
+  widget->setVisible(visible && !vacio);
   if (etiqueta) etiqueta->setVisible(visible && !caption.empty());
   // Colours go to the field itself (not to a grid's header or a date's calendar button):
   // the background of what is typed or shown, and its text.
