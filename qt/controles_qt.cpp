@@ -137,6 +137,13 @@ class Simple final : public ControlDe<controles::IControl> {
       widget = l;
     }
   }
+  // A frame that holds no control is only its title (a step's heading), not an empty box.
+  void AntesDeMostrar() override {
+    auto* g = qobject_cast<QGroupBox*>(widget);
+    if (!g || !g->layout() || g->layout()->count() > 0) return;
+    g->setFlat(true);
+    g->setFixedHeight(g->fontMetrics().height() + 2 * g->fontMetrics().descent());
+  }
   void MostrarCaption() override {
     if (auto* g = qobject_cast<QGroupBox*>(widget))
       g->setTitle(Q(caption));
