@@ -41,9 +41,10 @@ void ElegirFila(QWidget& w, const std::string& grilla, int fila, const std::stri
   Pulsar(w, boton);
 }
 
-// A new scheduled entry: Caja 1.500,25 on the debit side; Ventas on the credit side with the
-// formula "Cuenta Ingresada" built in the formula editor (the first line's account picked from
-// its list); monthly from 10/12/2026 09:30, twelve times. Finalizar and Sí save all of it.
+// A new scheduled entry: Caja 1.500,25 on the debit side (Enter applies the row); Ventas on the
+// credit side with the formula "Cuenta Ingresada" built in the formula editor (the first line's
+// account picked from its list); monthly from 10/12/2026 09:30, twelve times. Finalizar and Sí save
+// all of it.
 TEST_P(DialogosQt, AScheduledEntryWithAFormulaLineIsTypedInTheWizardAndSaved) {
   std::string confirmacion;
   persona
@@ -54,7 +55,7 @@ TEST_P(DialogosQt, AScheduledEntryWithAFormulaLineIsTypedInTheWizardAndSaved) {
             Pulsar(w, "bfSiguiente");
             Escribir(w, "tEditCta", "1.1.01");
             Escribir(w, "ocEditD", "1.500,25");
-            Pulsar(w, "bfEditOK");
+            QTest::keyClick(&Hijo<QLineEdit>(w, "ocEditD"), Qt::Key_Return);  // applies the row
             Escribir(w, "tEditCta", "4.1.01");
             Escribir(w, "ocEditH", "0");
             SeguirEnlace(w, "hlFormula");  // the editor's window runs its own steps

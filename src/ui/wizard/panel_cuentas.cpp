@@ -114,6 +114,7 @@ void PanelCuentas::Estado::CrearControles() {
     return &b;
   };
   e.ok = boton("bfEditOK", msg::kBotonAplicarRenglon, msg::kAyudaAplicarRenglon);
+  e.ok->PorDefecto(true);  // Enter applies the row typed (the panel's only default button)
   e.deshacer = boton("bfEditUndo", msg::kBotonDeshacerRenglon, msg::kAyudaDeshacerRenglon);
   e.subir = boton("MnuGridUp", msg::kBotonSubir, msg::kAyudaSubir);
   e.bajar = boton("MnuGridDown", msg::kBotonBajar, msg::kAyudaBajar);
