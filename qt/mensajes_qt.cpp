@@ -68,16 +68,16 @@ class MensajesQt final : public IMessages {
     };
     switch (r.buttons) {
       case MsgButtons::OK:
-        agregar("Aceptar", QMessageBox::AcceptRole, kMsgOK);
+        agregar("&Aceptar", QMessageBox::AcceptRole, kMsgOK);
         break;
       case MsgButtons::OKCancel:
-        agregar("Aceptar", QMessageBox::AcceptRole, kMsgOK);
-        agregar("Cancelar", QMessageBox::RejectRole, kMsgCancel);
+        agregar("&Aceptar", QMessageBox::AcceptRole, kMsgOK);
+        agregar("&Cancelar", QMessageBox::RejectRole, kMsgCancel);
         break;
       case MsgButtons::YesNoCancel:
         agregar("&Sí", QMessageBox::YesRole, kMsgYes);
         agregar("&No", QMessageBox::NoRole, kMsgNo);
-        agregar("Cancelar", QMessageBox::RejectRole, kMsgCancel);
+        agregar("&Cancelar", QMessageBox::RejectRole, kMsgCancel);
         break;
       case MsgButtons::YesNo:
         agregar("&Sí", QMessageBox::YesRole, kMsgYes);
