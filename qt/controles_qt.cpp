@@ -137,6 +137,13 @@ class Simple final : public ControlDe<controles::IControl> {
       widget = l;
     }
   }
+  // A frame that holds no control is only its title (a step's heading), not an empty box.
+  void AntesDeMostrar() override {
+    auto* g = qobject_cast<QGroupBox*>(widget);
+    if (!g || !g->layout() || g->layout()->count() > 0) return;
+    g->setFlat(true);
+    g->setFixedHeight(g->fontMetrics().height() + 2 * g->fontMetrics().descent());
+  }
   void MostrarCaption() override {
     if (auto* g = qobject_cast<QGroupBox*>(widget))
       g->setTitle(Q(caption));
@@ -201,9 +208,14 @@ class Texto final : public ControlDe<controles::ITexto> {
   void MostrarCaption() override { etiqueta->setText(Q(caption)); }
 
   std::string Text() const override { return S(edit_->text()); }
+  // A new text puts the cursor at its start. The logic often writes back what a person is
+  // typing (a count tidied after each key): the same text leaves the cursor where it is, or the
+  // next key would land before the ones typed.
   void Text(std::string_view t) override {
+    const QString nuevo = Q(t);
+    if (nuevo == edit_->text()) return;
     FormularioQt::Silencio s(form);
-    edit_->setText(Q(t));
+    edit_->setText(nuevo);
     edit_->setCursorPosition(0);
   }
   int SelStart() const override {
@@ -381,9 +393,29 @@ class Grilla final : public ControlDe<controles::IGrilla> {
   QWidget* Foco() const override { return t_; }
   void MostrarCaption() override { etiqueta->setText(Q(caption)); }
   // Every column wide enough for its contents and up to ten rows on view, so that nothing is
-  // clipped in Spanish unless the grid would outgrow a screen.
+  // clipped in Spanish unless the grid would outgrow a screen. A grid still empty (rows come as
+  // a person types them) gets its first text column wide enough for an account's code and name
+  // and the others for an amount. The widest text column takes the room left over.
   void AntesDeMostrar() override {
+    QHeaderView& h = *t_->horizontalHeader();
+    h.setStretchLastSection(false);
+    h.setSectionResizeMode(QHeaderView::Interactive);
     t_->resizeColumnsToContents();
+    bool vacia = true;
+    for (int f = 0; f < Filas() && vacia; ++f) vacia = t_->isRowHidden(f);
+    const QFontMetrics letras(t_->font());
+    int estirar = -1;
+    for (int c = 0; c < CantidadColumnas(); ++c) {
+      const Col& col = ColDe(c);
+      if (col.oculta || col.casilla) continue;
+      const bool texto = col.alineacion != Alineacion::Derecha;
+      if (vacia) {
+        const char* muestra =
+            texto && estirar < 0 ? "0.0.00 Cuenta de nombre largo" : "000.000.000,00";
+        t_->setColumnWidth(c, std::max(t_->columnWidth(c), letras.horizontalAdvance(muestra)));
+      }
+      if (texto && (estirar < 0 || t_->columnWidth(c) > t_->columnWidth(estirar))) estirar = c;
+    }
     int ancho = 2 * t_->frameWidth() + t_->verticalScrollBar()->sizeHint().width();
     for (int c = 0; c < CantidadColumnas(); ++c)
       if (!t_->isColumnHidden(c)) ancho += t_->columnWidth(c);
@@ -393,6 +425,8 @@ class Grilla final : public ControlDe<controles::IGrilla> {
       if (!t_->isRowHidden(f)) alto += t_->rowHeight(f), ++filas;
     if (filas < 4) alto += (4 - filas) * t_->verticalHeader()->defaultSectionSize();
     t_->setMinimumSize(std::min(ancho, 1000), std::min(alto, 600));
+    h.setStretchLastSection(estirar < 0);
+    if (estirar >= 0) h.setSectionResizeMode(estirar, QHeaderView::Stretch);
   }
 
   void Columnas(std::string_view formato) override {
@@ -623,7 +657,10 @@ void ControlQt::Aplicar() {
     w->setEnabled(enabled);
     w->setToolTip(Q(hint));
   }
-  widget->setVisible(visible);
+  // A label or a link without text takes no row (a schedule line with nothing to say yet).
+  const bool vacio =
+      caption.empty() && (clase == ClaseControl::Etiqueta || clase == ClaseControl::Enlace);
+  widget->setVisible(visible && !vacio);
   if (etiqueta) etiqueta->setVisible(visible && !caption.empty());
   // Colours go to the field itself (not to a grid's header or a date's calendar button):
   // the background of what is typed or shown, and its text.

@@ -264,7 +264,7 @@ void FormularioQt::Capturar() {
   QApplication::processEvents();
   const QPixmap imagen = ventana_->grab();
   ventana_->hide();
-  if (!imagen.save(Q(opciones_.captura), "PNG")) {
+  if (!imagen.save(Q(opciones_.captura), "PNG", 0)) {  // 0: smallest file
     captura_->error = "no se puede escribir " + opciones_.captura;
     return;
   }

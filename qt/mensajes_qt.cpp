@@ -68,16 +68,16 @@ class MensajesQt final : public IMessages {
     };
     switch (r.buttons) {
       case MsgButtons::OK:
-        agregar("Aceptar", QMessageBox::AcceptRole, kMsgOK);
+        agregar("&Aceptar", QMessageBox::AcceptRole, kMsgOK);
         break;
       case MsgButtons::OKCancel:
-        agregar("Aceptar", QMessageBox::AcceptRole, kMsgOK);
-        agregar("Cancelar", QMessageBox::RejectRole, kMsgCancel);
+        agregar("&Aceptar", QMessageBox::AcceptRole, kMsgOK);
+        agregar("&Cancelar", QMessageBox::RejectRole, kMsgCancel);
         break;
       case MsgButtons::YesNoCancel:
         agregar("&Sí", QMessageBox::YesRole, kMsgYes);
         agregar("&No", QMessageBox::NoRole, kMsgNo);
-        agregar("Cancelar", QMessageBox::RejectRole, kMsgCancel);
+        agregar("&Cancelar", QMessageBox::RejectRole, kMsgCancel);
         break;
       case MsgButtons::YesNo:
         agregar("&Sí", QMessageBox::YesRole, kMsgYes);
@@ -110,6 +110,7 @@ class PedirQt final : public QDialog {
     setWindowTitle(Q(caption));
     auto* v = new QVBoxLayout(this);
     auto* etiqueta = new QLabel(Q(prompt));
+    etiqueta->setObjectName("lPregunta");
     etiqueta->setWordWrap(true);
     v->addWidget(etiqueta);
     campo_ = new QLineEdit(Q(propuesto));
@@ -123,8 +124,8 @@ class PedirQt final : public QDialog {
     error_->hide();
     v->addWidget(error_);
     auto* botones = new QDialogButtonBox;
-    botones->addButton("Aceptar", QDialogButtonBox::AcceptRole)->setDefault(true);
-    botones->addButton("Cancelar", QDialogButtonBox::RejectRole);
+    botones->addButton("&Aceptar", QDialogButtonBox::AcceptRole)->setDefault(true);
+    botones->addButton("&Cancelar", QDialogButtonBox::RejectRole);
     connect(botones, &QDialogButtonBox::accepted, this, &PedirQt::accept);
     connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
     v->addWidget(botones);

@@ -113,6 +113,24 @@ inline constexpr int kEncabezadoCuentas = 570;      // grid header of the lines 
 inline constexpr int kCuentasDelAsiento = 571;      // panel caption
 inline constexpr int kCuentasDelComprobante = 572;  // panel caption
 inline constexpr int kEditarFormula = 573;          // link label hlFormula
+// The edit strip of the lines grid and its menu buttons.
+inline constexpr int kCapCuentaRenglon = 574;
+inline constexpr int kCapDebe = 575;
+inline constexpr int kCapHaber = 576;
+inline constexpr int kCapTipoCambioRenglon = 577;
+inline constexpr int kCapValorTC = 578;
+inline constexpr int kCapDetalleRenglon = 579;
+inline constexpr int kBotonAplicarRenglon = 585;
+inline constexpr int kBotonDeshacerRenglon = 586;
+inline constexpr int kBotonSubir = 587;
+inline constexpr int kBotonBajar = 588;
+inline constexpr int kAyudaSubir = 592;
+inline constexpr int kAyudaBajar = 593;
+inline constexpr int kAyudaQuitarRenglon = 594;
+inline constexpr int kAyudaAplicarRenglon = 595;
+inline constexpr int kAyudaDeshacerRenglon = 596;
+// The wizard's "Mostrar sólo para esta empresa" (its access key is taken by "&Siguiente").
+inline constexpr int kCapSoloEstaEmpresaAsistente = 597;
 inline constexpr int kErrorEdicionGrilla = 580;
 inline constexpr int kErrorAplicarEdicion = 581;
 inline constexpr int kErrorMoverFila = 582;

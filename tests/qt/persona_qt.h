@@ -8,6 +8,7 @@
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTableWidget>
@@ -57,6 +58,12 @@ inline void Pulsar(QWidget& ventana, const std::string& boton) {
       return;
     }
   throw std::runtime_error(ventana.objectName().toStdString() + " no tiene el botón " + boton);
+}
+
+// Follows a link (a label holding one anchor) with a click on its first letters.
+inline void SeguirEnlace(QWidget& ventana, const std::string& enlace) {
+  auto& l = Hijo<QLabel>(ventana, enlace);
+  QTest::mouseClick(&l, Qt::LeftButton, {}, QPoint(l.contentsRect().left() + 3, l.height() / 2));
 }
 
 // Chooses a list entry by caption with the arrow keys.

@@ -113,7 +113,7 @@ TEST_P(DialogoVincular, TickingAGroupTicksItsMembersAndTheOrderComesBackAsPairs)
     {"tildar": "vsGrid", "fila": 2, "columna": "1"}, {"responder": "aceptar"},
     {"tildar": "vsGrid", "fila": 5, "columna": "1"},
     {"tildar": "vsGrid", "fila": 4, "columna": "1"},
-    {"pulsar": "&Continuar"},
+    {"pulsar": "C&ontinuar"},
     {"escribir": "vsGrid", "fila": 2, "columna": "Orden", "texto": "5"},
     {"pulsar": "Aceptar"}, {"responder": "aceptar"},
     {"escribir": "vsGrid", "fila": 4, "columna": "Orden", "texto": "9"},

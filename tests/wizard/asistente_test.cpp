@@ -503,7 +503,7 @@ TEST_P(Asistente, TheScheduleLabelsAndTheFrequencyCaptionsFollowWhatIsChosen) {
       {"tHora", "&Hora:|10:00"},
       {"dtNotificar", "No&tificar:|17/11/2026"},
       {"tHoraNot", "|10:00"},
-      {"dtHasta", "Última fec&ha:|"},
+      {"dtHasta", "Ú&ltima fecha:|"},
       {"una vez", "&Vencimiento|20/11/2026"},
       {"cancelado", "&Vencimiento|20/11/2026"},
       {"quincenal", "Cada 15 días"},

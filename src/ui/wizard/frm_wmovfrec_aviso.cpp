@@ -14,7 +14,7 @@ void frmWMovFrec::Estado::CrearAviso() {
   IFormulario& f = *form;
   const int p = kPanelGeneral;
   sin_empresa = &f.CrearCasilla("chSinEmpresa", p);
-  sin_empresa->Caption(Texto(msg::kCapSoloEstaEmpresa));
+  sin_empresa->Caption(Texto(msg::kCapSoloEstaEmpresaAsistente));
   nombre = &f.CrearTexto("tNombre", p);
   nombre->Caption(Texto(msg::kCapNombre));
   leyenda = &f.CrearTexto("tMemoAviso", p);

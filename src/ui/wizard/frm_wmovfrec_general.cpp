@@ -79,8 +79,11 @@ void frmWMovFrec::Estado::CrearGeneral() {
   for (int n : {msg::kImporteEstimado, msg::kImporteFijo, msg::kImporteAutomatico})
     tipo_importe->Agregar(Texto(n), n - msg::kImporteEstimado + kImporteEstimado);
   agendado = &lista("cfAgendado", asiento ? msg::kCapAsiento : msg::kCapComprobante);
-  agendado->Agregar(Texto(asiento ? msg::kAgendado : msg::kAgendadoAlterno), kAgendado);
-  agendado->Agregar(Texto(asiento ? msg::kFrecuente : msg::kFrecuenteAlterno), kFrecuente);
+  // The voucher's texts carry an access key (they were option captions); a list shows none.
+  agendado->Agregar(SinMarcasDeAcceso(Texto(asiento ? msg::kAgendado : msg::kAgendadoAlterno)),
+                    kAgendado);
+  agendado->Agregar(SinMarcasDeAcceso(Texto(asiento ? msg::kFrecuente : msg::kFrecuenteAlterno)),
+                    kFrecuente);
   agendado->AlElegir([this] { MostrarPanel(panel); });
   autoriza = &lista("cfAutoriza", msg::kCapAutoriza);
   if (asiento) {
@@ -97,7 +100,7 @@ void frmWMovFrec::Estado::CrearGeneral() {
     tipo_cambio = &lista("cfTipoCambio", msg::kCapTCa);
   }
   sin_empresa = &f.CrearCasilla("chSinEmpresa", p);
-  sin_empresa->Caption(Texto(msg::kCapSoloEstaEmpresa));
+  sin_empresa->Caption(Texto(msg::kCapSoloEstaEmpresaAsistente));
   vincular = &f.CrearBoton("hlVincular", p, ClaseControl::Enlace);
   vincular->Caption(Texto(msg::kVincularMovimiento));
   vincular->AlPulsar([this] { Atrapar(msg::kErrorGrabarMovimiento, [this] { Vincular(); }); });

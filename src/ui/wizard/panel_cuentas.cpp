@@ -92,22 +92,33 @@ void PanelCuentas::Estado::CrearControles() {
   e.grilla->Columnas(texto(msg::kEncabezadoCuentas));
   f.CrearEtiqueta("picEditGrid", p, ClaseControl::Panel);
   e.cuenta = &f.CrearTexto("tEditCta", p);
+  e.cuenta->Caption(texto(msg::kCapCuentaRenglon));
   e.debe = &f.CrearTexto("ocEditD", p);
+  e.debe->Caption(texto(msg::kCapDebe));
   e.haber = &f.CrearTexto("ocEditH", p);
+  e.haber->Caption(texto(msg::kCapHaber));
   e.tipo_cambio = &f.CrearLista(e.tipo == 2 ? "cfTCComp" : "cfTipoCambio", p);
+  e.tipo_cambio->Caption(texto(msg::kCapTipoCambioRenglon));
   e.valor_tc = &f.CrearTexto("tValorTC", p);
+  e.valor_tc->Caption(texto(msg::kCapValorTC));
   e.detalle = &f.CrearTexto("tMemoRenglon", p);
+  e.detalle->Caption(texto(msg::kCapDetalleRenglon));
   e.detalle->MaxLength(kLargoDetalle);
   e.hl_formula = &f.CrearBoton("hlFormula", p, ClaseControl::Enlace);
   e.hl_formula->Caption(texto(msg::kEditarFormula));
-  e.ok = &f.CrearBoton("bfEditOK", p);
-  e.ok->Caption(texto(msg::kCapAceptar));
-  e.deshacer = &f.CrearBoton("bfEditUndo", p);
-  e.deshacer->Caption(texto(msg::kBotonCancelar));
-  e.subir = &f.CrearBoton("MnuGridUp", p);
-  e.bajar = &f.CrearBoton("MnuGridDown", p);
-  e.quitar = &f.CrearBoton("MnuGridDel", p);
-  e.quitar->Caption(texto(msg::kBotonEliminar));
+  // The strip's own buttons and the grid menu; each says in its hint what it does.
+  auto boton = [&](const char* nombre, int caption, int ayuda) {
+    IBoton& b = f.CrearBoton(nombre, p);
+    b.Caption(texto(caption));
+    b.Hint(texto(ayuda));
+    return &b;
+  };
+  e.ok = boton("bfEditOK", msg::kBotonAplicarRenglon, msg::kAyudaAplicarRenglon);
+  e.ok->PorDefecto(true);  // Enter applies the row typed (the panel's only default button)
+  e.deshacer = boton("bfEditUndo", msg::kBotonDeshacerRenglon, msg::kAyudaDeshacerRenglon);
+  e.subir = boton("MnuGridUp", msg::kBotonSubir, msg::kAyudaSubir);
+  e.bajar = boton("MnuGridDown", msg::kBotonBajar, msg::kAyudaBajar);
+  e.quitar = boton("MnuGridDel", msg::kBotonEliminar, msg::kAyudaQuitarRenglon);
 }
 
 void PanelCuentas::Estado::LeerMonedasYTipos() {
