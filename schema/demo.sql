@@ -126,7 +126,7 @@ INSERT INTO genParametros (ParNombre, ParTexto, ParValor, ParDescripcion) VALUES
   ('sis_Multiusuario', '1', 1, 'Instalación multiusuario'),
   ('sis_LibroAsientoResumen', '9', 9, 'Libro de los asientos resumen'),
   ('defBkColorObligatorio', '&H00C0FFFF&', 12648447, 'Color de fondo de los campos obligatorios'),
-  ('sis_colores_1', 'checklist', NULL, '16777215|14737632|255|32768|8421504');
+  ('sis_colores_1', 'checklist', NULL, '16777215|14737632|15794175|32768|8421504');
 
 -- ---- Table counters ------------------------------------------------------------------------
 -- Last key handed out per table; every demo key is below these values.

@@ -184,6 +184,8 @@ constexpr auto kEntradas = std::to_array<EntradaCatalogo>({
     Es(kBotonNuevo, "N&uevo"),
     Es(kBotonEditar, "E&ditar"),
     Es(kBotonEliminar, "&Eliminar"),
+    Es(kBotonGuardarItem, "&Guardar"),
+    Es(kBotonDescartarItem, "&Descartar"),
     Es(kConfirmaCumplirLista, "¿Confirma dar por cumplida la lista de tareas?"),
     Es(kListaDuplicada,
        "Duplicación de datos ya que existe un lista de tareas con el mismo nombre, modifique "

@@ -174,6 +174,10 @@ inline constexpr int kEncabezadoItems = 630;
 inline constexpr int kBotonNuevo = 631;
 inline constexpr int kBotonEditar = 632;
 inline constexpr int kBotonEliminar = 633;
+// bfEdit and bfDelCancel while an item is edited: the list's own buttons already use the access
+// keys of "&Aceptar" and "&Cancelar" ("&Comentario:").
+inline constexpr int kBotonGuardarItem = 634;
+inline constexpr int kBotonDescartarItem = 635;
 inline constexpr int kConfirmaCumplirLista = 640;
 inline constexpr int kListaDuplicada = 641;
 inline constexpr int kCampoObligatorio = 642;

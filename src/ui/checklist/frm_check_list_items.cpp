@@ -49,9 +49,10 @@ void frmCheckList::ModoItem(bool editando) {
   c.nuevo->Enabled(!editando);
   c.finalizar->Enabled(!editando);
   c.items->Enabled(!editando);
-  c.editar->Caption(resources::Texto(editando ? msg::kCapAceptar : msg::kBotonEditar, idioma_));
+  c.editar->Caption(
+      resources::Texto(editando ? msg::kBotonGuardarItem : msg::kBotonEditar, idioma_));
   c.del_cancel->Caption(
-      resources::Texto(editando ? msg::kCapCancelar : msg::kBotonEliminar, idioma_));
+      resources::Texto(editando ? msg::kBotonDescartarItem : msg::kBotonEliminar, idioma_));
 }
 
 void frmCheckList::Nuevo() {
