@@ -1,0 +1,217 @@
+// The main window on the demo database of every engine: what it lists and shows in the agenda,
+// its filters, and actions run through its tool bar with their questions answered in the real
+// message boxes.
+#include <QToolBar>
+#include <map>
+#include <set>
+
+#include "api/fachada_fixture.h"
+#include "movimientos_empresa.h"
+#include "persona_qt.h"
+#include "ventana_principal.h"
+
+namespace kivmovfrec::testing {
+namespace {
+
+class VentanaPrincipalQt : public Fachada {
+ protected:
+  void SetUpDatabase() override {
+    Fachada::SetUpDatabase();
+    AplicacionSinPantalla();
+    sv.rights->Set(1, "Comprobantes", "AME");
+    sv.rights->Set(1, "Papelera", "e");
+    sv.rights->Set(1, "CheckList", "AM");
+    servicios = sv.Bundle();
+    qt::Instalar(servicios, persona.Opciones());
+    mf.Servicios(servicios);
+    ventana = std::make_unique<qt::VentanaPrincipal>(mf, 1, 1);
+    ventana->show();
+  }
+  void TearDown() override {
+    EXPECT_TRUE(persona.Terminada()) << "a window the test expected did not open";
+  }
+
+  QTableWidget& Tabla(const char* nombre = "tablaMovimientos") {
+    return Hijo<QTableWidget>(*ventana, nombre);
+  }
+  // The list as shown: ID -> the text of column `encabezado`.
+  std::map<int32_t, std::string> Columna(const std::string& encabezado) {
+    auto& t = Tabla();
+    const int c = ColumnaDe(t, encabezado);
+    std::map<int32_t, std::string> filas;
+    for (int r = 0; r < t.rowCount(); ++r)
+      filas[t.item(r, 0)->text().toInt()] = t.item(r, c)->text().toStdString();
+    return filas;
+  }
+  std::set<int32_t> Ids() {
+    std::set<int32_t> ids;
+    for (const auto& [id, _] : Columna("ID")) ids.insert(id);
+    return ids;
+  }
+  // Clicks the row of movement `id` in the list.
+  void ElegirFila(int32_t id) {
+    auto& t = Tabla();
+    for (int r = 0; r < t.rowCount(); ++r)
+      if (t.item(r, 0)->text().toInt() == id) {
+        ClicEnCelda(*ventana, "tablaMovimientos", r, ColumnaDe(t, "Nombre"));
+        return;
+      }
+    FAIL() << "the list does not show movement " << id;
+  }
+  QAction& Accion(const char* nombre) { return Hijo<QAction>(*ventana, nombre); }
+  // Clicks the action's button on the tool bar.
+  void PulsarAccion(const char* accion) {
+    auto& barra = Hijo<QToolBar>(*ventana, "barraAcciones");
+    QTest::mouseClick(barra.widgetForAction(&Accion(accion)), Qt::LeftButton);
+  }
+  // The agenda as shown: "date|event|ID|detail" per row.
+  std::vector<std::string> FilasAgenda() {
+    auto& t = Tabla("tablaAgenda");
+    std::vector<std::string> filas;
+    for (int r = 0; r < t.rowCount(); ++r)
+      filas.push_back(
+          t.item(r, 0)->text().toStdString() + "|" + t.item(r, 1)->text().toStdString() + "|" +
+          t.item(r, 2)->text().toStdString() + "|" + t.item(r, 7)->text().toStdString());
+    return filas;
+  }
+
+  SuiteServices servicios;
+  Persona persona;
+  std::unique_ptr<qt::VentanaPrincipal> ventana;
+};
+
+TEST_P(VentanaPrincipalQt, ListsTheCompanysMovementsWithTheirKindDueDateAndState) {
+  // Company 1 only (23 is company 2's), task-list items (11-14, 29, 30) under their lists.
+  EXPECT_EQ(Ids().size(), 23u);
+  EXPECT_FALSE(Ids().count(23));
+  EXPECT_FALSE(Ids().count(11));
+  const auto tipo = Columna("Tipo");
+  const auto proxima = Columna("Próximo vencimiento");
+  const auto importe = Columna("Tipo de importe");
+  const auto estado = Columna("Estado");
+  struct Caso {
+    int32_t id;
+    const char *tipo, *proxima, *importe, *estado;
+  };
+  for (const Caso& c : {Caso{1, "Asiento", "10/11/2026", "Automático", "Vigente"},
+                        Caso{2, "Asiento", "", "Estimado", "Vigente"},
+                        Caso{6, "Comprobante", "01/12/2026", "Fijo", "Vigente"},
+                        Caso{8, "Aviso", "20/11/2026 10:00", "", "Vigente"},
+                        Caso{10, "Lista de tareas", "30/11/2026 18:00", "", "Vigente"},
+                        Caso{19, "Asiento del sistema", "", "Automático", "Vigente"},
+                        Caso{20, "Asiento", "", "Fijo", "En papelera"},
+                        Caso{21, "Aviso", "15/06/2026 09:00", "", "Realizado"}}) {
+    SCOPED_TRACE(c.id);
+    EXPECT_EQ(tipo.at(c.id), c.tipo);
+    EXPECT_EQ(proxima.at(c.id), c.proxima);
+    EXPECT_EQ(importe.at(c.id), c.importe);
+    EXPECT_EQ(estado.at(c.id), c.estado);
+  }
+}
+
+TEST_P(VentanaPrincipalQt, FiltersNarrowTheList) {
+  Elegir(*ventana, "filtroTipo", "Aviso");
+  EXPECT_EQ(Ids(), (std::set<int32_t>{8, 9, 21, 22}));
+  Elegir(*ventana, "filtroEstado", "Vigente");
+  EXPECT_EQ(Ids(), (std::set<int32_t>{8, 9, 22}));
+  Elegir(*ventana, "filtroTipo", "Todos");
+  Elegir(*ventana, "filtroEstado", "Todos");
+  Escribir(*ventana, "filtroNombre", "CIERRE");  // case ignored
+  EXPECT_EQ(Ids(), (std::set<int32_t>{10, 15, 19, 27}));
+  // Accented capitals too (QTest types ASCII only, so the text is put in the field).
+  Hijo<QLineEdit>(*ventana, "filtroNombre").setText("PRÉSTAMO");
+  EXPECT_EQ(Ids(), (std::set<int32_t>{5}));
+}
+
+TEST_P(VentanaPrincipalQt, TheAgendaShowsTheMonthsDueDatesNoticesAndTaskLists) {
+  // Opens on today's month: the rent due on 10/11 and the month-end list with two of its three
+  // items open (one done, one in the bin).
+  const auto noviembre = FilasAgenda();
+  EXPECT_NE(std::find(noviembre.begin(), noviembre.end(),
+                      "10/11/2026|Vencimiento|1|Alquiler de oficina &[FFAñoMes]"),
+            noviembre.end());
+  EXPECT_NE(std::find(noviembre.begin(), noviembre.end(),
+                      "30/11/2026 18:00|Vencimiento|10|2 de 3 tareas pendientes"),
+            noviembre.end());
+  Pulsar(*ventana, "bfMesSiguiente");
+  const auto diciembre = FilasAgenda();
+  // The voucher due on the 1st; the meeting and its notice a day before it.
+  for (const char* fila :
+       {"01/12/2026|Vencimiento|6|Honorarios de &[FMes-1]",
+        "14/12/2026 15:30|Notificación|9|Revisar el cierre del ejercicio con el estudio.",
+        "15/12/2026 15:30|Vencimiento|9|Revisar el cierre del ejercicio con el estudio."})
+    EXPECT_NE(std::find(diciembre.begin(), diciembre.end(), fila), diciembre.end()) << fila;
+  for (const std::string& f : diciembre) EXPECT_EQ(f.find("10/11/2026"), std::string::npos) << f;
+}
+
+TEST_P(VentanaPrincipalQt, ActionsApplyOnlyToTheRowsTheyFit) {
+  struct Caso {
+    int32_t id;
+    bool editar, vincular, papelera, eliminar, realizado;
+  };
+  EXPECT_FALSE(Accion("accEditar").isEnabled());                   // nothing selected
+  for (const Caso& c : {Caso{1, true, true, true, false, true},    // scheduled entry
+                        Caso{2, true, true, true, false, false},   // frequent entry: no due date
+                        Caso{8, true, false, true, false, true},   // notice
+                        Caso{10, true, false, true, false, true},  // task list
+                        Caso{19, false, false, true, false, false},
+                        Caso{20, false, false, false, true, false},    // in the bin
+                        Caso{21, true, false, true, false, false}}) {  // done
+    SCOPED_TRACE(c.id);
+    ElegirFila(c.id);
+    EXPECT_EQ(Accion("accEditar").isEnabled(), c.editar);
+    EXPECT_EQ(Accion("accVincular").isEnabled(), c.vincular);
+    EXPECT_EQ(Accion("accPapelera").isEnabled(), c.papelera);
+    EXPECT_EQ(Accion("accEliminar").isEnabled(), c.eliminar);
+    EXPECT_EQ(Accion("accRealizado").isEnabled(), c.realizado);
+  }
+}
+
+TEST_P(VentanaPrincipalQt, AVoucherGoesToTheBinAndIsThenDeleted) {
+  std::string pregunta;
+  persona.En("mensaje", [&](QWidget& w) {
+    pregunta = static_cast<QMessageBox&>(w).text().toStdString();
+    Pulsar(w, "Sí");
+  });
+  ElegirFila(24);
+  PulsarAccion("accPapelera");
+  EXPECT_FALSE(pregunta.empty());
+  EXPECT_EQ(Columna("Estado").at(24), "En papelera");
+  EXPECT_EQ(Estado(24), 9);
+  // Still selected: the bin's actions now apply.
+  EXPECT_FALSE(Accion("accPapelera").isEnabled());
+  ASSERT_TRUE(Accion("accEliminar").isEnabled());
+
+  persona.En("mensaje", [](QWidget& w) { Pulsar(w, "No"); });
+  PulsarAccion("accEliminar");
+  EXPECT_TRUE(Ids().count(24));
+  persona.En("mensaje", [](QWidget& w) { Pulsar(w, "Sí"); });
+  PulsarAccion("accEliminar");
+  EXPECT_FALSE(Ids().count(24));
+  EXPECT_TRUE(Mov(24, "MFrID").IsNull());
+}
+
+// The next due date keeps the day of the schedule's start: the rent started on 10/01, the
+// month-end list on 31/01 at 18:00 (so December's is the 31st, not the 30th).
+TEST_P(VentanaPrincipalQt, MarkingDoneMovesTheNextDueDate) {
+  struct Caso {
+    int32_t id;
+    const char* siguiente;
+  };
+  for (const Caso& c : {Caso{1, "10/12/2026"}, Caso{10, "31/12/2026 18:00"}}) {
+    SCOPED_TRACE(c.id);
+    persona.En("mensaje", [](QWidget& w) { Pulsar(w, "Sí"); });
+    ElegirFila(c.id);
+    PulsarAccion("accRealizado");
+    EXPECT_EQ(Columna("Próximo vencimiento").at(c.id), c.siguiente);
+    EXPECT_EQ(qt::FechaTexto(*vb::ParseDate(vb::CStr(Agenda(c.id).FechaProxima()))), c.siguiente);
+  }
+  // November's agenda no longer holds the rent's occurrence that was done.
+  for (const std::string& f : FilasAgenda())
+    EXPECT_FALSE(f.starts_with("10/11/2026|Vencimiento|1|")) << f;
+}
+
+KMF_INSTANTIATE_ENGINES(VentanaPrincipalQt);
+
+}  // namespace
+}  // namespace kivmovfrec::testing
