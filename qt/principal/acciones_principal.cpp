@@ -8,6 +8,7 @@
 #include "kivmovfrec/enums.h"
 #include "kivmovfrec/errors.h"
 #include "ventana_principal_impl.h"
+#include "ventanas_calculo.h"
 
 namespace kivmovfrec::qt {
 namespace {
@@ -109,6 +110,22 @@ void VentanaPrincipal::Impl::CrearAcciones() {
                        mf.DarRealizadaFechaAgenda(f->id);
                        return 0;
                      });
+  calcular = accion("accCalcular", "&Calcular...",
+                    "Calcula los renglones del movimiento y muestra de dónde sale cada valor",
+                    [this]() -> int32_t {
+                      if (const auto f = Seleccionada()) MostrarCalculo(&ventana, mf, f->id);
+                      return 0;
+                    });
+  pronostico = accion("accPronostico", "Pro&nóstico...",
+                      "Saldos proyectados por mes con lo que vencerá", [this]() -> int32_t {
+                        MostrarPronostico(&ventana, mf);
+                        return 0;
+                      });
+  ejecutar = accion("accEjecutar", "E&jecutar lo vencido...",
+                    "Revisa y registra lo que vence hasta hoy", [this]() -> int32_t {
+                      EjecutarLoVencido(&ventana, mf, mf.Contexto().Reloj().Today());
+                      return 0;
+                    });
   actualizar =
       accion("accActualizar", "Ac&tualizar", "Vuelve a leer los movimientos", [] { return 0; });
   actualizar->setShortcut(QKeySequence::Refresh);
@@ -128,6 +145,8 @@ void VentanaPrincipal::Impl::CrearAcciones() {
   for (QAction* a : {editar, vincular, realizado}) movimiento->addAction(a);
   movimiento->addSeparator();
   for (QAction* a : {papelera, eliminar}) movimiento->addAction(a);
+  auto* calculo = ventana.menuBar()->addMenu("&Cálculo");
+  for (QAction* a : {calcular, pronostico, ejecutar}) calculo->addAction(a);
 
   barra = ventana.addToolBar("Acciones");
   barra->setObjectName("barraAcciones");
@@ -136,6 +155,8 @@ void VentanaPrincipal::Impl::CrearAcciones() {
     barra->addAction(a);
   barra->addSeparator();
   for (QAction* a : {editar, vincular, realizado, papelera, eliminar}) barra->addAction(a);
+  barra->addSeparator();
+  for (QAction* a : {calcular, pronostico, ejecutar}) barra->addAction(a);
   Habilitar();
 }
 
@@ -150,7 +171,8 @@ void VentanaPrincipal::Impl::Habilitar() {
   papelera->setEnabled(activo);
   eliminar->setEnabled(hay && f->estado == kPapelera);
   realizado->setEnabled(hay && f->estado == kVigente && f->proxima.has_value());
-  (void)kAsientoSistema;
+  calcular->setEnabled(activo &&
+                       (tipo == kAsiento || tipo == kComprobante || tipo == kAsientoSistema));
 }
 
 void VentanaPrincipal::Impl::Correr(const std::function<int32_t()>& trabajo) {

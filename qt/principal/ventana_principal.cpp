@@ -10,16 +10,13 @@
 #include <QVBoxLayout>
 #include <map>
 
+#include "comun_principal.h"
 #include "kivmovfrec/enums.h"
 #include "kivmovfrec/vb.h"
 #include "ventana_principal_impl.h"
 
 namespace kivmovfrec::qt {
 namespace {
-
-QString Q(const std::string& s) {
-  return QString::fromStdString(s);
-}
 
 QTableWidget* NuevaTabla(const char* nombre, const QStringList& encabezados) {
   auto* t = new QTableWidget(0, static_cast<int>(encabezados.size()));
@@ -33,10 +30,8 @@ QTableWidget* NuevaTabla(const char* nombre, const QStringList& encabezados) {
   return t;
 }
 
-QTableWidgetItem* Celda(const std::string& texto, bool derecha = false) {
-  auto* c = new QTableWidgetItem(Q(texto));
-  if (derecha) c->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  return c;
+QTableWidgetItem* CeldaDe(const std::string& texto, bool derecha = false) {
+  return qt::Celda(Q(texto), derecha);
 }
 
 // A caption beside the widget it names, which its access key focuses.
@@ -200,14 +195,14 @@ void VentanaPrincipal::Impl::MostrarLista(int32_t id) {
     if (!Cumple(f, filtro)) continue;
     const int r = tabla->rowCount();
     tabla->insertRow(r);
-    auto* celda_id = Celda(std::to_string(f.id), true);
+    auto* celda_id = CeldaDe(std::to_string(f.id), true);
     celda_id->setData(Qt::UserRole, f.id);
     tabla->setItem(r, 0, celda_id);
-    tabla->setItem(r, 1, Celda(TipoTexto(f.tipo)));
-    tabla->setItem(r, 2, Celda(f.nombre));
-    tabla->setItem(r, 3, Celda(f.proxima ? FechaTexto(*f.proxima) : ""));
-    tabla->setItem(r, 4, Celda(TipoImporteTexto(f.tipo_importe)));
-    tabla->setItem(r, 5, Celda(EstadoTexto(f.estado)));
+    tabla->setItem(r, 1, CeldaDe(TipoTexto(f.tipo)));
+    tabla->setItem(r, 2, CeldaDe(f.nombre));
+    tabla->setItem(r, 3, CeldaDe(f.proxima ? FechaTexto(*f.proxima) : ""));
+    tabla->setItem(r, 4, CeldaDe(TipoImporteTexto(f.tipo_importe)));
+    tabla->setItem(r, 5, CeldaDe(EstadoTexto(f.estado)));
     if (f.id == id) elegida = r;
   }
   tabla->resizeColumnsToContents();
@@ -243,14 +238,14 @@ void VentanaPrincipal::Impl::LeerAgenda() {
       detalle = std::to_string(abiertas) + " de " + std::to_string(todas) +
                 (todas == 1 ? " tarea pendiente" : " tareas pendientes");
     }
-    agenda->setItem(f, 0, Celda(FechaTexto(e.fecha)));
-    agenda->setItem(f, 1, Celda(e.aviso ? "Notificación" : "Vencimiento"));
-    agenda->setItem(f, 2, Celda(std::to_string(e.movimiento), true));
-    agenda->setItem(f, 3, Celda(TipoTexto(e.tipo)));
-    agenda->setItem(f, 4, Celda(e.nombre));
-    agenda->setItem(f, 5, Celda(std::to_string(e.ocurrencia), true));
-    agenda->setItem(f, 6, Celda(e.aviso ? FechaTexto(e.vencimiento) : ""));
-    agenda->setItem(f, 7, Celda(detalle));
+    agenda->setItem(f, 0, CeldaDe(FechaTexto(e.fecha)));
+    agenda->setItem(f, 1, CeldaDe(e.aviso ? "Notificación" : "Vencimiento"));
+    agenda->setItem(f, 2, CeldaDe(std::to_string(e.movimiento), true));
+    agenda->setItem(f, 3, CeldaDe(TipoTexto(e.tipo)));
+    agenda->setItem(f, 4, CeldaDe(e.nombre));
+    agenda->setItem(f, 5, CeldaDe(std::to_string(e.ocurrencia), true));
+    agenda->setItem(f, 6, CeldaDe(e.aviso ? FechaTexto(e.vencimiento) : ""));
+    agenda->setItem(f, 7, CeldaDe(detalle));
   }
   agenda->resizeColumnsToContents();
   QString nota = r.ocurrencias.empty() ? "No hay vencimientos ni notificaciones en el mes." : "";

@@ -145,25 +145,24 @@ TEST_P(VentanaPrincipalQt, TheAgendaShowsTheMonthsDueDatesNoticesAndTaskLists) {
 }
 
 TEST_P(VentanaPrincipalQt, ActionsApplyOnlyToTheRowsTheyFit) {
-  struct Caso {
-    int32_t id;
-    bool editar, vincular, papelera, eliminar, realizado;
+  // editar, vincular, papelera, eliminar, realizado, calcular
+  const std::map<int32_t, std::string> casos = {
+      {1, "111011"},   // scheduled entry
+      {2, "111001"},   // frequent entry: no due date
+      {8, "101010"},   // notice
+      {10, "101010"},  // task list
+      {19, "001001"},  // system entry: computed, never edited in the wizard
+      {20, "000100"},  // in the bin
+      {21, "101000"},  // done
   };
-  EXPECT_FALSE(Accion("accEditar").isEnabled());                   // nothing selected
-  for (const Caso& c : {Caso{1, true, true, true, false, true},    // scheduled entry
-                        Caso{2, true, true, true, false, false},   // frequent entry: no due date
-                        Caso{8, true, false, true, false, true},   // notice
-                        Caso{10, true, false, true, false, true},  // task list
-                        Caso{19, false, false, true, false, false},
-                        Caso{20, false, false, false, true, false},    // in the bin
-                        Caso{21, true, false, true, false, false}}) {  // done
-    SCOPED_TRACE(c.id);
-    ElegirFila(c.id);
-    EXPECT_EQ(Accion("accEditar").isEnabled(), c.editar);
-    EXPECT_EQ(Accion("accVincular").isEnabled(), c.vincular);
-    EXPECT_EQ(Accion("accPapelera").isEnabled(), c.papelera);
-    EXPECT_EQ(Accion("accEliminar").isEnabled(), c.eliminar);
-    EXPECT_EQ(Accion("accRealizado").isEnabled(), c.realizado);
+  EXPECT_FALSE(Accion("accEditar").isEnabled());  // nothing selected
+  for (const auto& [id, esperado] : casos) {
+    ElegirFila(id);
+    std::string habilitadas;
+    for (const char* a :
+         {"accEditar", "accVincular", "accPapelera", "accEliminar", "accRealizado", "accCalcular"})
+      habilitadas += Accion(a).isEnabled() ? '1' : '0';
+    EXPECT_EQ(habilitadas, esperado) << "movement " << id;
   }
 }
 
