@@ -1,5 +1,6 @@
 // The main window's actions: menus, tool bar, when each applies and what it calls.
 #include <QKeySequence>
+#include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <exception>
@@ -32,6 +33,19 @@ std::string Motivo(std::exception_ptr error) {
   } catch (...) {
     return "error desconocido";
   }
+}
+
+// The link text of a group as the link dialog starts from it ("id:orden|..." in execution
+// order, a member without order placed by its position); "" for a movement alone.
+std::string TextoVinculos(const GrupoVinculado& grupo) {
+  if (grupo.miembros.size() < 2) return "";
+  std::string texto;
+  for (size_t i = 0; i < grupo.miembros.size(); ++i) {
+    const MiembroGrupo& m = grupo.miembros[i];
+    texto += (texto.empty() ? "" : "|") + std::to_string(m.id) + ":" +
+             std::to_string(m.orden > 0 ? m.orden : static_cast<int32_t>(i) + 1);
+  }
+  return texto;
 }
 
 }  // namespace
@@ -73,9 +87,16 @@ void VentanaPrincipal::Impl::CrearAcciones() {
     return mf.ShowWizard(usuario);
   });
   editar->setShortcut(Qt::Key_Return);
-  vincular = accion("accVincular", "&Vincular...",
-                    "Vincula el movimiento elegido con otros que se ejecutan con él",
-                    [this]() -> int32_t { return 0; });
+  vincular =
+      accion("accVincular", "&Vincular...",
+             "Vincula el movimiento elegido con otros que se ejecutan con él", [this]() -> int32_t {
+               const auto f = Seleccionada();
+               if (!f) return 0;
+               const std::string antes = TextoVinculos(mf.GrupoEnOrden(f->id));
+               const auto despues = mf.VincularMovimientos(f->id, f->tipo, antes);
+               if (despues && *despues != antes) mf.GuardarVinculos(f->id, *despues);
+               return 0;
+             });
   papelera = accion("accPapelera", "Enviar a la &papelera", "Envía el movimiento a la papelera",
                     [this]() -> int32_t {
                       const auto f = Seleccionada();
@@ -134,6 +155,16 @@ void VentanaPrincipal::Impl::CrearAcciones() {
   salir->setShortcut(QKeySequence::Quit);
   QObject::connect(salir, &QAction::triggered, &ventana, &QWidget::close);
 
+  // Shorter captions on the tool bar, so that every button fits the window's width.
+  for (auto [a, texto] : {std::pair{nuevo_asiento, "Asiento"},
+                          {nuevo_comprobante, "Comprobante"},
+                          {nuevo_aviso, "Aviso"},
+                          {nueva_lista, "Lista de tareas"},
+                          {realizado, "Realizado"},
+                          {papelera, "Papelera"},
+                          {ejecutar, "Ejecutar lo vencido"}})
+    a->setIconText(QString::fromUtf8(texto));
+
   auto* archivo = ventana.menuBar()->addMenu("&Archivo");
   archivo->addAction(actualizar);
   archivo->addSeparator();
@@ -151,6 +182,7 @@ void VentanaPrincipal::Impl::CrearAcciones() {
   barra = ventana.addToolBar("Acciones");
   barra->setObjectName("barraAcciones");
   barra->setToolButtonStyle(Qt::ToolButtonTextOnly);
+  barra->addWidget(new QLabel("Nuevo:"));
   for (QAction* a : {nuevo_asiento, nuevo_comprobante, nuevo_aviso, nueva_lista})
     barra->addAction(a);
   barra->addSeparator();

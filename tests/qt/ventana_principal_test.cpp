@@ -18,6 +18,7 @@ class VentanaPrincipalQt : public Fachada {
   void SetUpDatabase() override {
     Fachada::SetUpDatabase();
     AplicacionSinPantalla();
+    sv.rights->Set(1, "PasajeAsientos", "M");
     sv.rights->Set(1, "Comprobantes", "AME");
     sv.rights->Set(1, "Papelera", "e");
     sv.rights->Set(1, "CheckList", "AM");
@@ -208,6 +209,30 @@ TEST_P(VentanaPrincipalQt, MarkingDoneMovesTheNextDueDate) {
   // November's agenda no longer holds the rent's occurrence that was done.
   for (const std::string& f : FilasAgenda())
     EXPECT_FALSE(f.starts_with("10/11/2026|Vencimiento|1|")) << f;
+}
+
+// The link dialog opens on movement 18 (rows by name: 5, 17, 24, 2, 16, 7); 5 and 2 are ticked
+// and ordered 2, 1 and 18 third, and the group is saved in that order.
+TEST_P(VentanaPrincipalQt, LinkingSavesTheGroupChosenInTheDialog) {
+  persona.En("frmVincular", [](QWidget& w) {
+    auto& t = Hijo<QTableWidget>(w, "vsGrid");
+    TildarPrimera(w, "vsGrid", 0, ColumnaDe(t, "Nombre"));
+    TildarPrimera(w, "vsGrid", 3, ColumnaDe(t, "Nombre"));
+    Pulsar(w, "bfContinuar");
+    int fila = 0;
+    for (const char* orden : {"2", "1", "3"}) {
+      while (t.isRowHidden(fila)) ++fila;
+      EscribirCelda(w, "vsGrid", fila++, ColumnaDe(t, "Orden"), orden);
+    }
+    Pulsar(w, "bfContinuar");
+  });
+  ElegirFila(18);
+  PulsarAccion("accVincular");
+  const GrupoVinculado grupo = mf.GrupoEnOrden(18);
+  EXPECT_EQ(grupo.id, 2);
+  std::vector<int32_t> orden;
+  for (const MiembroGrupo& m : grupo.miembros) orden.push_back(m.id);
+  EXPECT_EQ(orden, (std::vector<int32_t>{2, 5, 18}));
 }
 
 KMF_INSTANTIATE_ENGINES(VentanaPrincipalQt);
