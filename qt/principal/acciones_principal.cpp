@@ -86,9 +86,8 @@ void VentanaPrincipal::Impl::CrearAcciones() {
     if (!mf.LoadMF(f->id)) return 0;
     return mf.ShowWizard(usuario);
   });
-  editar->setShortcut(Qt::Key_Return);
   vincular =
-      accion("accVincular", "&Vincular...",
+      accion("accVincular", "V&incular...",
              "Vincula el movimiento elegido con otros que se ejecutan con él", [this]() -> int32_t {
                const auto f = Seleccionada();
                if (!f) return 0;

@@ -65,6 +65,11 @@ int Correr(int argc, char** argv) {
   if (const char* env = std::getenv("MOVFREC_DB"); env != nullptr && *env != '\0') o.db = env;
   CLI::App app{"movfrec-qt: ventana principal de los movimientos frecuentes de la empresa.",
                "movfrec-qt"};
+  auto formato = app.get_formatter();
+  formato->label("Usage", "Uso");
+  formato->label("OPTIONS", "OPCIONES");
+  formato->column_width(34);
+  app.option_defaults()->group("Opciones");
   app.set_help_flag("-h,--help", "Muestra la ayuda y termina");
   app.add_option("--db", o.db,
                  "Base de datos: sqlite:ARCHIVO, sqlite::memory: o postgresql://... "

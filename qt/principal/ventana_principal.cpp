@@ -128,7 +128,8 @@ void VentanaPrincipal::Impl::ArmarLista(QWidget& pagina) {
   QObject::connect(filtro_estado, &QComboBox::currentIndexChanged, &ventana, refiltrar);
   QObject::connect(filtro_nombre, &QLineEdit::textChanged, &ventana, refiltrar);
   QObject::connect(tabla, &QTableWidget::itemSelectionChanged, &ventana, [this] { Habilitar(); });
-  QObject::connect(tabla, &QTableWidget::cellDoubleClicked, &ventana, [this] {
+  // Enter or a double click on a row edits it.
+  QObject::connect(tabla, &QTableWidget::activated, &ventana, [this] {
     if (editar->isEnabled()) editar->trigger();
   });
 }
@@ -140,7 +141,7 @@ void VentanaPrincipal::Impl::ArmarAgenda(QWidget& pagina) {
   anio = new QSpinBox;
   anio->setObjectName("agendaAnio");
   anio->setRange(1900, 9998);
-  auto* anterior = new QPushButton("< Mes &anterior");
+  auto* anterior = new QPushButton("< Mes ante&rior");
   anterior->setObjectName("bfMesAnterior");
   auto* siguiente = new QPushButton("Mes s&iguiente >");
   siguiente->setObjectName("bfMesSiguiente");
@@ -150,9 +151,9 @@ void VentanaPrincipal::Impl::ArmarAgenda(QWidget& pagina) {
 
   auto* barra_mes = new QHBoxLayout;
   barra_mes->addWidget(anterior);
-  barra_mes->addWidget(Rotulo("M&es:", mes));
+  barra_mes->addWidget(Rotulo("Me&s:", mes));
   barra_mes->addWidget(mes);
-  barra_mes->addWidget(Rotulo("A&ño:", anio));
+  barra_mes->addWidget(new QLabel("Año:"));
   barra_mes->addWidget(anio);
   barra_mes->addWidget(siguiente);
   barra_mes->addStretch(1);

@@ -167,6 +167,30 @@ TEST_P(VentanaPrincipalQt, ActionsApplyOnlyToTheRowsTheyFit) {
   }
 }
 
+// Enter on a row opens the editor of its kind on that movement; cancelling it changes nothing.
+TEST_P(VentanaPrincipalQt, EnterEditsTheRowInTheEditorOfItsKind) {
+  struct Caso {
+    int32_t id;
+    const char *formulario, *nombre, *cancelar;
+  };
+  for (const Caso& c : {Caso{10, "frmCheckList", "tNombreC", "bfCancel"},
+                        Caso{8, "frmWMovFrec", "tNombre", "bfCancelar"},
+                        Caso{6, "frmWMovFrec", "tNombre", "bfCancelar"}}) {
+    SCOPED_TRACE(c.id);
+    std::string nombre;
+    persona.En(c.formulario, [&](QWidget& w) {
+      nombre = Hijo<QLineEdit>(w, c.nombre).text().toStdString();
+      Pulsar(w, c.cancelar);
+    });
+    ElegirFila(c.id);
+    const auto antes = Tablas();
+    QTest::keyClick(&Tabla(), Qt::Key_Return);
+    EXPECT_TRUE(persona.Terminada());
+    EXPECT_EQ(nombre, vb::CStr(Mov(c.id, "MFrNombre")));
+    EXPECT_EQ(Tablas(), antes);
+  }
+}
+
 TEST_P(VentanaPrincipalQt, AVoucherGoesToTheBinAndIsThenDeleted) {
   std::string pregunta;
   persona.En("mensaje", [&](QWidget& w) {
