@@ -101,6 +101,7 @@ void Grafico(QChart& grafico, const ResultadoPronostico& r, PeriodoPronostico po
                    QDateTime(AQDate(r.hasta), QTime(0, 0)));
   const double margen = std::max(1.0, (maximo - minimo) * 0.05);
   saldos->setRange(minimo - margen, maximo + margen);
+  saldos->applyNiceNumbers();
 }
 
 void Tabla(QTableWidget& t, const ResultadoPronostico& r, const clsPresentacionMF& p) {
