@@ -248,6 +248,9 @@ int EjecutarLoVencido(QWidget* padre, clsMovFrecuente& mf, Date hasta) {
     } catch (const std::exception& e) {
       fallo = e.what();
       r.ocurrencias = hechas;
+    } catch (...) {
+      fallo = "error desconocido";
+      r.ocurrencias = hechas;
     }
     v.ocupada = false;
     if (r.ocurrencias.empty() || (r.completa() && !cancelada && fallo.empty())) {
