@@ -156,9 +156,9 @@ TEST_P(VentanasCalculo, CancelStopsBetweenOccurrencesAndNothingDueRunsNothing) {
 }
 
 // Movement 27 as of 20/11/2026 (no due date: computed as of today) is the demo's month-end
-// adjustment worth 39.650,00, with the bank balance taken at the end of October and the dollar
-// rate of 16/11. Movement 2 asks the gross pay: cancelled, the window shows why and the trace
-// reached.
+// adjustment: 21.000 + 15.500 + 3.150 = 39.650,00, with the bank balance taken at the end of
+// October and the dollar rate of 16/11. Movement 2 asks the gross pay: cancelled, the window shows
+// why and the trace reached.
 TEST_P(VentanasCalculo, CalcularShowsTheAmountsAndTheOriginOfEveryValue) {
   auto sv20 = suite::ScriptedServices::Make(cn, Dia(2026, 11, 20));
   clsMovFrecuente m20;
@@ -174,8 +174,10 @@ TEST_P(VentanasCalculo, CalcularShowsTheAmountsAndTheOriginOfEveryValue) {
     auto& arbol = Hijo<QTreeWidget>(w, "arbolCalculo");
     ASSERT_EQ(arbol.topLevelItemCount(), 4);
     std::set<std::tuple<std::string, std::string, std::string>> origenes;  // element, origin, date
+    const char* importes[] = {"21.000,00", "15.500,00", "3.150,00", "39.650,00"};
     for (int i = 0; i < 4; ++i) {
       QTreeWidgetItem& l = *arbol.topLevelItem(i);
+      EXPECT_EQ(Texto(l, 3), importes[i]) << "renglón " << i + 1;
       EXPECT_EQ(l.textAlignment(3) & Qt::AlignRight, Qt::AlignRight);
       for (int j = 0; j < l.childCount(); ++j) {
         origenes.emplace(Texto(*l.child(j), 0), Texto(*l.child(j), 1), Texto(*l.child(j), 5));
