@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QTreeWidget>
+#include <algorithm>
 #include <cmath>
 
 #include "comun_principal.h"
@@ -75,7 +76,8 @@ void Renglon(QTreeWidget& arbol, const clsPresentacionMF& p, const TrazaLineaFx&
   }
   Hoja(*fila, "Fórmula", Q(p.FormulaVisible(l.formula)));
   for (const TrazaElementoFx& e : l.elementos) {
-    auto* h = Hoja(*fila, Q(e.elemento), Q(e.detalle));
+    // A query or a script can be long: shortened in its cell, whole in the tooltip.
+    auto* h = Hoja(*fila, Q(vb::ShortForMessage(e.elemento, 40)), Q(e.detalle));
     h->setText(kCuenta, Origen(e.origen));
     h->setText(kImporte, Valor(e.valor));
     AlinearImporte(*h, kImporte);
@@ -84,6 +86,7 @@ void Renglon(QTreeWidget& arbol, const clsPresentacionMF& p, const TrazaLineaFx&
       h->setText(kDetalle, Q(e.detalle + " (tras el error: " + e.reintento_tras_error + ")"));
     }
     h->setToolTip(kRenglon, Q(e.elemento));
+    h->setToolTip(kDetalle, h->text(kDetalle));
   }
   if (!l.expresion.empty()) Hoja(*fila, "Expresión", Q(l.expresion));
   if (!l.reintento_tras_error.empty()) {
@@ -136,7 +139,10 @@ void MostrarCalculo(QWidget* padre, clsMovFrecuente& mf, int32_t id) {
     Renglon(*arbol, p, t.lineas[i], moneda, moneda_cuenta);
   }
   arbol->expandAll();
-  for (int c = 0; c < kDetalle; ++c) arbol->resizeColumnToContents(c);
+  for (int c = 0; c < kDetalle; ++c) {
+    arbol->resizeColumnToContents(c);
+    arbol->setColumnWidth(c, std::min(arbol->columnWidth(c), c == kRenglon ? 240 : 320));
+  }
   v.Cuerpo().addWidget(arbol, 1);
 
   auto* totales = new QLabel(&v);
@@ -157,7 +163,7 @@ void MostrarCalculo(QWidget* padre, clsMovFrecuente& mf, int32_t id) {
     MostrarError(*error, "Sin resultado: " + (motivo.empty() ? "fórmula sin resultado" : motivo));
   }
   v.Cerrar().setDefault(true);
-  v.resize(900, 520);
+  v.resize(1100, 560);
   v.exec();
 }
 

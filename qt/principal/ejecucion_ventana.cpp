@@ -15,6 +15,7 @@
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTreeWidget>
+#include <algorithm>
 #include <exception>
 #include <map>
 
@@ -92,6 +93,7 @@ void Revision(QTreeWidget& arbol, const ResultadoSimulacion& s, const Importes& 
                                                                       : Estado(o.estado));
     if (!o.ok()) {
       fila->setText(kDetalle, Q(o.error));
+      fila->setToolTip(kDetalle, Q(o.error));
       fila->setForeground(kDetalle, QColor(0xb0, 0, 0));
     } else if (!o.detalle.empty()) {
       fila->setText(kDetalle, Q(o.detalle));
@@ -104,6 +106,7 @@ void Revision(QTreeWidget& arbol, const ResultadoSimulacion& s, const Importes& 
       doc->setText(kDebe, imp.De(d.debe, d));
       doc->setText(kHaber, imp.De(d.haber, d));
       doc->setText(kDetalle, Q(d.leyenda));
+      doc->setToolTip(kDetalle, Q(d.leyenda));
       for (const LineaDocumento& l : d.lineas) {
         auto* r = new QTreeWidgetItem(doc);
         r->setText(kDocumento, Q(l.codigo.empty() ? std::to_string(l.cuenta) : l.codigo) + " " +
@@ -119,7 +122,10 @@ void Revision(QTreeWidget& arbol, const ResultadoSimulacion& s, const Importes& 
     }
   }
   arbol.expandAll();
-  for (int c = 0; c < kDetalle; ++c) arbol.resizeColumnToContents(c);
+  for (int c = 0; c < kDetalle; ++c) {
+    arbol.resizeColumnToContents(c);
+    arbol.setColumnWidth(c, std::min(arbol.columnWidth(c), 320));
+  }
 }
 
 void Resultado(QTableWidget& tabla, const std::vector<OcurrenciaEjecutada>& ocurrencias) {
@@ -136,6 +142,7 @@ void Resultado(QTableWidget& tabla, const std::vector<OcurrenciaEjecutada>& ocur
     tabla.setItem(i, 2, Celda(Estado(o.estado)));
     tabla.setItem(i, 3, Celda(docs));
     tabla.setItem(i, 4, Celda(Q(o.ok() ? o.detalle : o.error)));
+    tabla.item(i, 4)->setToolTip(tabla.item(i, 4)->text());
   }
   tabla.resizeColumnsToContents();
 }
@@ -241,6 +248,9 @@ int EjecutarLoVencido(QWidget* padre, clsMovFrecuente& mf, Date hasta) {
     } catch (const std::exception& e) {
       fallo = e.what();
       r.ocurrencias = hechas;
+    } catch (...) {
+      fallo = "error desconocido";
+      r.ocurrencias = hechas;
     }
     v.ocupada = false;
     if (r.ocurrencias.empty() || (r.completa() && !cancelada && fallo.empty())) {
@@ -269,7 +279,7 @@ int EjecutarLoVencido(QWidget* padre, clsMovFrecuente& mf, Date hasta) {
     v.Cerrar().setDefault(true);
     v.Cerrar().setFocus();
   });
-  v.resize(900, 600);
+  v.resize(1000, 640);
   v.exec();
   return asentadas;
 }

@@ -21,6 +21,7 @@
 
 #include "comun_principal.h"
 #include "kivmovfrec/presentacion.h"
+#include "kivmovfrec/vb.h"
 #include "ventanas_calculo.h"
 
 namespace kivmovfrec::qt {
@@ -30,10 +31,16 @@ QString Cuenta(const CuentaPronostico& c) {
   return Q(c.codigo.empty() ? std::to_string(c.cuenta) : c.codigo) + " " + Q(c.nombre);
 }
 
-// The accounts the company's scheduled entries and vouchers use, offered ticked-off: a one-day
-// forecast without accounts names them (it writes nothing).
-void OfrecerCuentas(clsMovFrecuente& mf, Date hoy, QListWidget& lista) {
-  const ResultadoPronostico r = mf.PronosticarSaldos({{}, hoy, hoy, PeriodoPronostico::Dia});
+// The accounts the company's scheduled entries and vouchers use, offered unticked: a forecast
+// without accounts names them. It is asked for one day long past, so that nothing falls due in
+// it: no occurrence is simulated and no formula asks for a value.
+void OfrecerCuentas(clsMovFrecuente& mf, QListWidget& lista) {
+  vb::DateParts dia;
+  dia.year = 1900;
+  dia.month = 1;
+  dia.day = 1;
+  const Date antes = vb::MakeDate(dia);
+  const ResultadoPronostico r = mf.PronosticarSaldos({{}, antes, antes, PeriodoPronostico::Dia});
   for (const CuentaPronostico& c : r.cuentas) {
     auto* item = new QListWidgetItem(Cuenta(c), &lista);
     item->setData(Qt::UserRole, Q(c.codigo.empty() ? std::to_string(c.cuenta) : c.codigo));
@@ -94,6 +101,7 @@ void Grafico(QChart& grafico, const ResultadoPronostico& r, PeriodoPronostico po
                    QDateTime(AQDate(r.hasta), QTime(0, 0)));
   const double margen = std::max(1.0, (maximo - minimo) * 0.05);
   saldos->setRange(minimo - margen, maximo + margen);
+  saldos->applyNiceNumbers();
 }
 
 void Tabla(QTableWidget& t, const ResultadoPronostico& r, const clsPresentacionMF& p) {
@@ -153,7 +161,7 @@ void MostrarPronostico(QWidget* padre, clsMovFrecuente& mf) {
   cuentas->setToolTip(
       "Cuentas a pronosticar; ninguna marcada ni escrita: todas las que usan los "
       "movimientos agendados");
-  OfrecerCuentas(mf, hoy, *cuentas);
+  OfrecerCuentas(mf, *cuentas);
   auto* izquierda = new QVBoxLayout;
   auto* rotulo_cuentas = new QLabel("C&uentas:", &v);
   rotulo_cuentas->setBuddy(cuentas);
@@ -165,6 +173,7 @@ void MostrarPronostico(QWidget* padre, clsMovFrecuente& mf) {
   auto* otras = new QLineEdit(&v);
   otras->setObjectName("txtCuentas");
   otras->setPlaceholderText("código, nombre o número; separadas por «;»");
+  otras->setToolTip("Cualquier otra cuenta de la empresa, además de las marcadas");
   form->addRow("&Otras cuentas:", otras);
   auto* desde = new QDateEdit(AQDate(hoy), &v);
   desde->setObjectName("dtDesde");
