@@ -1,6 +1,7 @@
 // The main window on the demo database of every engine: what it lists and shows in the agenda,
 // its filters, and actions run through its tool bar with their questions answered in the real
 // message boxes.
+#include <QApplication>
 #include <QToolBar>
 #include <map>
 #include <set>
@@ -257,6 +258,29 @@ TEST_P(VentanaPrincipalQt, LinkingSavesTheGroupChosenInTheDialog) {
   std::vector<int32_t> orden;
   for (const MiembroGrupo& m : grupo.miembros) orden.push_back(m.id);
   EXPECT_EQ(orden, (std::vector<int32_t>{2, 5, 18}));
+}
+
+// "Ejecutar lo vencido" up to today (10/11/2026) posts the rent (1) and the social charges (25,
+// with 26 in its group); once its window is closed the list shows their next due dates.
+TEST_P(VentanaPrincipalQt, RunningWhatIsDueMovesTheListedDueDates) {
+  bool ejecutada = false;
+  QTimer::singleShot(0, [&] {
+    QWidget* w = QApplication::activeModalWidget();
+    if (!w || w->objectName() != "frmEjecutarVencidos") {
+      ADD_FAILURE() << "the run's window did not open";
+      if (w) w->close();
+      return;
+    }
+    Pulsar(*w, "btnEjecutar");
+    ejecutada = true;
+    Pulsar(*w, "btnCerrar");
+  });
+  PulsarAccion("accEjecutar");
+  EXPECT_TRUE(ejecutada);
+  const auto proxima = Columna("Próximo vencimiento");
+  EXPECT_EQ(proxima.at(1), "10/12/2026");
+  EXPECT_EQ(proxima.at(25), "10/12/2026");
+  EXPECT_EQ(proxima.at(3), "20/11/2026");  // not due yet
 }
 
 KMF_INSTANTIATE_ENGINES(VentanaPrincipalQt);
