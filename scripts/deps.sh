@@ -2,14 +2,15 @@
 # Installs the Debian 12 packages the build, the tests and the tools need. Packages already
 # present are skipped; apt-get runs only when something is missing. With --bench it also
 # installs hledger, the comparison point of bench/run for the agenda and the forecast (not needed
-# by the build or the tests).
+# by the build or the tests). The chart module's CMake files need the OpenGL module's, which
+# Debian ships in libqt6opengl6-dev without making qt6-charts-dev depend on it.
 set -euo pipefail
 packages=(
   cmake ninja-build g++ clang libclang-rt-14-dev pkg-config
   libsqlite3-dev sqlite3 libpq-dev postgresql
   libfmt-dev nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev
-  qt6-base-dev xvfb xauth
+  qt6-base-dev qt6-charts-dev libqt6opengl6-dev xvfb xauth
   python3-icalendar
 )
 if [ "${1:-}" = "--bench" ]; then packages+=(hledger); fi

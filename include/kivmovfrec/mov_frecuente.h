@@ -351,6 +351,17 @@ class KMF_API clsMovFrecuente {
   std::optional<std::string> VincularMovimientos(int32_t lIDMF, int16_t iTipo,
                                                  std::string_view sVinculos);
 
+  // Saves the link text sVinculos (as VincularMovimientos hands it back) of stored movement
+  // lIDMF in ONE transaction, as the wizard saves a movement's links: the other members must be
+  // pending and at most one movement of the group scheduled (refusals 862 and 863 with their
+  // second line, exclamation, the title of the kind as caption), then the group's rows are
+  // rewritten (the member that runs first heads it; a movement alone is no group; members of
+  // its former group left out of the text leave it). Needs "M" on the kind's option (the rights
+  // refusal otherwise); a text that cannot be read is refused with its reason. True when saved;
+  // false when refused, when the movement does not exist, or on any error (rolled back and
+  // reported as "Error al grabar el movimiento.").
+  bool GuardarVinculos(int32_t lIDMF, std::string_view sVinculos);
+
   // Opens the formula editor (frmDefFormula, host wiring, not part of the type library) on the
   // stored formula of the line of movement lIDMF whose Orden is `orden`. The movement is read
   // anew for the editor: its company, its id and its lines are what the editor offers; the

@@ -6,7 +6,10 @@
 #include "kivmovfrec/mov_frecuente.h"
 #include "resources/catalogue.h"
 #include "resources/msg.h"
+#include "storage/tabla_movimientos.h"
 #include "ui/links/frm_vincular.h"
+#include "ui/links/grupo_vinculos.h"
+#include "ui/links/texto_vinculos.h"
 #include "ui/user_picker/frm_find_user.h"
 
 namespace kivmovfrec {
@@ -67,6 +70,44 @@ std::optional<std::string> clsMovFrecuente::VincularMovimientos(int32_t lIDMF, i
   } catch (const std::exception& e) {
     Reportar(msg::kErrorGrabarMovimiento, e);
     return std::nullopt;
+  }
+}
+
+bool clsMovFrecuente::GuardarVinculos(int32_t lIDMF, std::string_view sVinculos) {
+  ultimo_error_.clear();
+  if (!ctx_.cn) return false;
+  try {
+    const int idioma = Idioma();
+    clsRegMovimientoFrecuente mov(ctx_.Reloj());
+    if (!storage::CargarMovimiento(*ctx_.cn, lIDMF, mov)) return false;
+    const int16_t tipo = ToInt(mov.Tipo());
+    if (!api::TieneDerecho(*ctx_.servicios.rights, empresa_, api::OpcionDeTipo(tipo), 'M')) {
+      api::MostrarSinDerechos(*ctx_.servicios.messages, tipo, idioma);
+      return false;
+    }
+    const std::string titulo(resources::Texto(msg::TituloDeTipo(tipo), idioma));
+    const ui::LecturaVinculos lectura = ui::LeerVinculos(sVinculos);
+    if (!lectura.ok()) {
+      ctx_.servicios.messages->Show(
+          {lectura.error, titulo, MsgIcon::Exclamation, MsgButtons::OK, 1, -1});
+      return false;
+    }
+    Transaccion transaccion(*ctx_.cn);
+    const std::vector<int> rechazo =
+        ui::RevisarGrupo(*ctx_.cn, lIDMF, mov.Recurrencia() > 0, sVinculos);
+    if (!rechazo.empty()) {
+      ctx_.servicios.messages->Show(
+          resources::Mensaje({rechazo[0], rechazo[1]}, msg::TituloDeTipo(tipo),
+                             MsgIcon::Exclamation, MsgButtons::OK, idioma));
+      return false;
+    }
+    ui::RegrabarGrupo(*ctx_.cn, lIDMF, lIDMF, mov.MovVinculado() > 0 ? mov.MovVinculado() : lIDMF,
+                      sVinculos);
+    transaccion.Commit();
+    return true;
+  } catch (const std::exception& e) {
+    Reportar(msg::kErrorGrabarMovimiento, e);
+    return false;
   }
 }
 

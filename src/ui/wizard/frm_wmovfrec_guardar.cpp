@@ -3,12 +3,11 @@
 // save, the group's rows rewritten from the link text, and a notice linked to its users. All of
 // it runs in one transaction: a refusal or an error leaves the database and the records as they
 // were.
-#include <algorithm>
-#include <set>
 #include <string>
 
 #include "kivmovfrec/vb.h"
 #include "resources/msg.h"
+#include "ui/links/grupo_vinculos.h"
 #include "ui/links/texto_vinculos.h"
 #include "ui/user_picker/eleccion_usuarios.h"
 #include "ui/wizard/frm_wmovfrec_partes.h"
@@ -27,37 +26,14 @@ bool MismaAgenda(const clsRegRecurrencia& a, const clsRegRecurrencia& b) {
          dia(a.FechaFinal()) == dia(b.FechaFinal());
 }
 
-std::string Lista(const std::vector<int32_t>& ids) {
-  std::string out;
-  for (int32_t id : ids) out += (out.empty() ? "" : ",") + std::to_string(id);
-  return out;
-}
-
 }  // namespace
 
 bool frmWMovFrec::Estado::RevisarVinculos() {
-  const int32_t propio = mf->MovFrecuente()->ID();
-  std::vector<int32_t> ids;
-  for (const Vinculo& v : LeerVinculos(vinculos).vinculos)
-    if (v.id > 0 && v.id != propio) ids.push_back(v.id);
-  if (ids.empty()) return true;
-  size_t vivos = 0;
-  int agendados = EsAgendado() ? 1 : 0;
-  for (auto rs = ctx.cn->OpenReadOnly("Select * From genMovimientosFrecuentes Where MFrID IN (" +
-                                      Lista(ids) + ")");
-       !rs->Eof(); rs->MoveNext()) {
-    if (Entero(rs->Get("MFrEstado")) == ToInt(enuEstadoMF::EnProceso)) ++vivos;
-    if (Entero(rs->Get("MFrRecurrencia")) > 0) ++agendados;
-  }
-  if (vivos < ids.size()) {
-    Rechazar({msg::kVinculadoEliminado, msg::kVerifiqueAntesDeGrabar}, *vincular);
-    return false;
-  }
-  if (agendados > 1) {
-    Rechazar({msg::kMasDeUnAgendado, msg::kAgendadoVidaPropia}, *vincular);
-    return false;
-  }
-  return true;
+  const std::vector<int> rechazo =
+      RevisarGrupo(*ctx.cn, mf->MovFrecuente()->ID(), EsAgendado(), vinculos);
+  if (rechazo.empty()) return true;
+  Rechazar({rechazo[0], rechazo[1]}, *vincular);
+  return false;
 }
 
 void frmWMovFrec::Estado::PanelesARegistros() {
@@ -149,58 +125,11 @@ int32_t frmWMovFrec::Estado::Guardar() {
 }
 
 void frmWMovFrec::Estado::RegrabarGrupo(int32_t id, int32_t grupo_antes) {
-  const int32_t propio = mf->MovFrecuente()->ID() > 0 ? mf->MovFrecuente()->ID() : id;
-  std::vector<Vinculo> pares;
-  for (Vinculo v : LeerVinculos(vinculos).vinculos) {
-    if (v.id == 0 || v.id == propio) v.id = id;  // the edited movement's own pair
-    pares.push_back(v);
-  }
-  // The group is headed by the movement that runs first; a movement alone is no group.
-  int32_t grupo = 0;
-  if (pares.size() >= 2) {
-    grupo = std::min_element(pares.begin(), pares.end(), [](const Vinculo& a, const Vinculo& b) {
-              return a.orden < b.orden;
-            })->id;
-  }
-  std::set<int32_t> quedan;
-  for (const Vinculo& v : pares) quedan.insert(v.id);
-  Connection& cn = *ctx.cn;
-
-  // Members of the former group that are no longer in it leave it.
-  if (grupo_antes > 0) {
-    auto rs = cn.OpenResultset("Select * From genMovimientosFrecuentes Where MFrMovVinculado = " +
-                               std::to_string(grupo_antes) + " And MFrID <> " + std::to_string(id));
-    for (; !rs->Eof(); rs->MoveNext()) {
-      if (grupo > 0 && quedan.count(Entero(rs->Get("MFrID")))) continue;
-      rs->Edit();
-      rs->Set("MFrMovVinculado", Variant::Null());
-      rs->Set("MFrMVOrden", Variant::Null());
-      rs->Update();
-    }
-    rs->Close();
-  }
-
-  clsRegMovimientoFrecuente& m = *mf->MovFrecuente();
-  std::vector<int32_t> ids;
-  for (const Vinculo& v : pares) ids.push_back(v.id);
-  if (grupo == 0) ids = {id};
-  auto rs = cn.OpenResultset("Select * From genMovimientosFrecuentes Where MFrID IN (" +
-                             Lista(ids) + ")");
-  for (; !rs->Eof(); rs->MoveNext()) {
-    const int32_t fila = Entero(rs->Get("MFrID"));
-    int32_t orden = 0;
-    for (const Vinculo& v : pares)
-      if (v.id == fila) orden = v.orden;
-    rs->Edit();
-    rs->Set("MFrMovVinculado", grupo > 0 ? Variant(grupo) : Variant::Null());
-    rs->Set("MFrMVOrden", grupo > 0 ? Variant(orden) : Variant::Null());
-    rs->Update();
-    if (fila == id) {
-      m.MovVinculado(grupo);
-      m.OrdenMovVinculado(static_cast<uint8_t>(grupo > 0 ? orden : 0));
-    }
-  }
-  rs->Close();
+  const auto puesto =
+      ui::RegrabarGrupo(*ctx.cn, id, mf->MovFrecuente()->ID(), grupo_antes, vinculos);
+  if (!puesto) return;
+  mf->MovFrecuente()->MovVinculado(puesto->grupo);
+  mf->MovFrecuente()->OrdenMovVinculado(static_cast<uint8_t>(puesto->orden));
 }
 
 std::vector<int32_t> frmWMovFrec::Estado::AgendasIguales(const clsRegRecurrencia& antes) {
