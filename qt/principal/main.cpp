@@ -1,10 +1,12 @@
 // movfrec-qt: the desktop main window of the frequent-movements component.
 //
-//   movfrec-qt [--db URI] [--empresa N] [--usuario N] [--hoy FECHA] [--captura PNG]
+//   movfrec-qt [--db URI] [--empresa N] [--usuario N] [--hoy FECHA] [--captura PNG |
+//   --foto-pantalla PNG]
 //
 // Opens the database as movfrec does (--db, else MOVFREC_DB, else sqlite:movfrec.db), builds the
 // suite's default services for the user with Qt windows for every dialog and message, and shows
-// the main window of the company. --captura renders the window to a PNG off screen and ends.
+// the main window of the company. --captura renders the window to a PNG off screen and ends;
+// --foto-pantalla shows it on the display and writes what the screen shows to a PNG.
 // Exit status: 0 done, 1 the database or the company could not be opened (said in a message box
 // and on stderr), 2 a wrong command line.
 #include <CLI/CLI.hpp>
@@ -36,6 +38,7 @@ struct Opciones {
   int32_t usuario = 1;
   std::string hoy;
   std::string captura;
+  std::string foto;
 };
 
 CLI::Validator FechaValida() {
@@ -47,10 +50,10 @@ CLI::Validator FechaValida() {
       "FECHA");
 }
 
-// Says why the program cannot go on: on stderr, and in a message box unless capturing.
+// Says why the program cannot go on: on stderr, and in a message box unless taking a picture.
 int Fallo(const Opciones& o, const std::string& texto) {
   std::cerr << "movfrec-qt: " << texto << '\n';
-  if (o.captura.empty()) {
+  if (o.captura.empty() && o.foto.empty()) {
     QMessageBox caja(QMessageBox::Critical, "Movimientos Frecuentes", QString::fromStdString(texto),
                      QMessageBox::Ok);
     caja.setObjectName("mensaje");
@@ -85,6 +88,10 @@ int Correr(int argc, char** argv) {
       ->check(FechaValida());
   app.add_option("--captura", o.captura, "Dibuja la ventana en este PNG, sin pantalla, y termina")
       ->type_name("PNG");
+  app.add_option("--foto-pantalla", o.foto,
+                 "Muestra la ventana, guarda en este PNG la pantalla tal como se ve y termina")
+      ->type_name("PNG")
+      ->excludes("--captura");
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
@@ -129,6 +136,12 @@ int Correr(int argc, char** argv) {
     const std::string error = qt::GuardarCaptura(*ventana, o.captura);
     if (!error.empty()) return Fallo(o, error);
     std::cout << "Captura: " << o.captura << '\n';
+    return 0;
+  }
+  if (!o.foto.empty()) {
+    const std::string error = qt::FotografiarPantalla(*ventana, o.foto);
+    if (!error.empty()) return Fallo(o, error);
+    std::cout << "Foto de la pantalla: " << o.foto << '\n';
     return 0;
   }
   ventana->show();

@@ -1,13 +1,18 @@
 #include "ventana_principal.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QPixmap>
 #include <QPushButton>
+#include <QScreen>
 #include <QStatusBar>
+#include <QToolBar>
 #include <QVBoxLayout>
+#include <QWindow>
+#include <algorithm>
 #include <map>
 
 #include "comun_principal.h"
@@ -63,7 +68,11 @@ VentanaPrincipal::VentanaPrincipal(clsMovFrecuente& mf, int32_t empresa, int32_t
   setCentralWidget(impl_->pestanas);
   impl_->CrearAcciones();
   statusBar();
-  resize(980, 560);
+  // Wide enough for every tool-bar action, so that none hides behind the overflow arrow.
+  int ancho = 980;
+  for (const QToolBar* barra : findChildren<QToolBar*>())
+    ancho = std::max(ancho, barra->sizeHint().width() + 24);
+  resize(ancho, 560);
 
   const vb::DateParts hoy = vb::Split(mf.Contexto().Reloj().Today());
   impl_->anio->setValue(hoy.year);
@@ -269,6 +278,22 @@ std::string GuardarCaptura(QWidget& ventana, const std::string& png) {
   QApplication::processEvents();
   const QPixmap imagen = ventana.grab();
   if (imagen.isNull()) return "no se pudo dibujar la ventana";
+  if (!imagen.save(Q(png), "PNG")) return "no se puede escribir " + png;
+  return "";
+}
+
+std::string FotografiarPantalla(QWidget& ventana, const std::string& png) {
+  ventana.show();
+  // A window manager may take a moment to map the window; give it a few seconds.
+  const QDeadlineTimer plazo(10000);
+  while (!(ventana.windowHandle() && ventana.windowHandle()->isExposed()) && !plazo.hasExpired())
+    QApplication::processEvents(QEventLoop::AllEvents, 50);
+  if (!ventana.windowHandle() || !ventana.windowHandle()->isExposed())
+    return "la ventana no llegó a verse en la pantalla";
+  QApplication::processEvents();
+  QScreen* pantalla = ventana.screen();
+  const QPixmap imagen = pantalla ? pantalla->grabWindow(0) : QPixmap();
+  if (imagen.isNull()) return "la pantalla no se pudo fotografiar";
   if (!imagen.save(Q(png), "PNG")) return "no se puede escribir " + png;
   return "";
 }

@@ -48,4 +48,9 @@ class VentanaPrincipal : public QMainWindow {
 // PNG file `png`. Returns "" when written, otherwise why not.
 std::string GuardarCaptura(QWidget& ventana, const std::string& png);
 
+// Shows `ventana` on its screen, waits (at most ten seconds) until the display shows it and
+// writes the whole screen, as it is seen, to the PNG file `png`: the proof that the window opens
+// on a real display. Returns "" when written, otherwise why not.
+std::string FotografiarPantalla(QWidget& ventana, const std::string& png);
+
 }  // namespace kivmovfrec::qt

@@ -22,11 +22,14 @@ struct Salida {
   std::string err;
 };
 
-Salida MovfrecQt(const std::string& argumentos) {
+// Runs movfrec-qt off screen, or under `delante` (e.g. a virtual X display) when given.
+Salida MovfrecQt(const std::string& argumentos, const std::string& delante = "") {
   const std::string base = ::testing::TempDir() + "movfrec_qt_" + std::to_string(::getpid());
-  const std::string cmd = "env -u MOVFREC_DB QT_QPA_PLATFORM=offscreen " +
-                          std::string(KMF_BINARY_DIR) + "/qt/principal/movfrec-qt " + argumentos +
-                          " < /dev/null > /dev/null 2> " + base + ".err";
+  const std::string entorno =
+      delante.empty() ? "env -u MOVFREC_DB QT_QPA_PLATFORM=offscreen "
+                      : delante + " env -u MOVFREC_DB -u QT_QPA_PLATFORM QT_QPA_PLATFORM=xcb ";
+  const std::string cmd = entorno + std::string(KMF_BINARY_DIR) + "/qt/principal/movfrec-qt " +
+                          argumentos + " < /dev/null > /dev/null 2> " + base + ".err";
   const int raw = std::system(cmd.c_str());
   std::ifstream in(base + ".err");
   std::ostringstream err;
@@ -62,6 +65,28 @@ TEST(MovfrecQt, RefusesWhatItCannotOpenAndDrawsTheWindow) {
   EXPECT_GE(imagen.width(), 800);
   EXPECT_GE(imagen.height(), 400);
   for (const std::string& f : {vacia, demo, png}) std::remove(f.c_str());
+}
+
+// On a real X display (a virtual one) the window opens and the screen shows the demo company's
+// movements: the picture is the screen, not the window drawn by itself.
+TEST(MovfrecQt, OpensOnARealDisplay) {
+  if (std::system("command -v xvfb-run > /dev/null 2>&1") != 0)
+    GTEST_SKIP() << "xvfb-run no está instalado (scripts/deps.sh lo instala)";
+  const std::string dir = ::testing::TempDir() + "movfrec_qt_x_" + std::to_string(::getpid());
+  const std::string demo = dir + "_demo.db", png = dir + ".png";
+  InstallSchema(*OpenConnection("sqlite:" + demo), {.demo = true});
+  // The X client libraries keep allocations for the life of the process.
+  const Salida s = MovfrecQt("--db sqlite:" + demo + " --hoy 2026-11-10 --foto-pantalla " + png,
+                             "ASAN_OPTIONS=detect_leaks=0 xvfb-run -a -s '-screen 0 1280x800x24'");
+  ASSERT_EQ(s.status, 0) << s.err;
+  const QImage pantalla(QString::fromStdString(png));
+  ASSERT_EQ(pantalla.size(), QSize(1280, 800));
+  // Xvfb's screen starts black: the window must have painted a good part of it in light colours.
+  int claros = 0;
+  for (int y = 0; y < 400; y += 10)
+    for (int x = 0; x < 600; x += 10) claros += qGray(pantalla.pixel(x, y)) > 200;
+  EXPECT_GT(claros, 60 * 40 / 2) << "the screen shows no window";
+  for (const std::string& f : {demo, png}) std::remove(f.c_str());
 }
 
 }  // namespace
