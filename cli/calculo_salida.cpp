@@ -40,34 +40,6 @@ int16_t MonedaLinea(const ResultadoCalculo& r, size_t i) {
 
 }  // namespace
 
-std::string OrigenTexto(enuOrigenFx o) {
-  switch (o) {
-    case enuOrigenFx::Linea:
-      return "renglón";
-    case enuOrigenFx::OtroMovimiento:
-      return "otro movimiento";
-    case enuOrigenFx::Saldo:
-      return "saldo";
-    case enuOrigenFx::Indice:
-      return "índice";
-    case enuOrigenFx::Cotizacion:
-      return "cotización";
-    case enuOrigenFx::Consulta:
-      return "consulta";
-    case enuOrigenFx::Script:
-      return "script";
-    case enuOrigenFx::ImporteTotal:
-      return "importe total";
-    case enuOrigenFx::PedirDato:
-      return "dato pedido";
-    case enuOrigenFx::Diferencia:
-      return "diferencia";
-    case enuOrigenFx::Desconocido:
-      break;
-  }
-  return "desconocido";
-}
-
 void ImprimirCalculo(std::ostream& out, const ResultadoCalculo& r, bool traza) {
   const clsPresentacionMF p(r.cn, r.mf);
   const TrazaCalculoFx& t = r.traza;
@@ -124,7 +96,7 @@ void ImprimirCalculo(std::ostream& out, const ResultadoCalculo& r, bool traza) {
     out << "  Guardada: " << l.formula << '\n';
     for (const TrazaElementoFx& e : l.elementos) {
       out << "  " << e.elemento << " = " << (e.valor ? Numero(*e.valor) : "sin valor") << "  ["
-          << OrigenTexto(e.origen) << "] " << e.detalle << '\n';
+          << NombreOrigenFx(e.origen) << "] " << e.detalle << '\n';
     }
     if (!l.expresion.empty()) out << "  Expresión: " << l.expresion << '\n';
     if (l.ok) {
@@ -171,7 +143,7 @@ nlohmann::ordered_json CalculoJson(const ResultadoCalculo& r, bool traza) {
       for (const TrazaElementoFx& e : l.elementos) {
         nlohmann::ordered_json y;
         y["Elemento"] = e.elemento;
-        y["Origen"] = OrigenTexto(e.origen);
+        y["Origen"] = NombreOrigenFx(e.origen);
         y["Valor"] = e.valor ? nlohmann::ordered_json(*e.valor) : nlohmann::ordered_json(nullptr);
         y["Detalle"] = e.detalle;
         y["Fecha"] = e.fecha ? nlohmann::ordered_json(FechaTexto(*e.fecha))

@@ -21,9 +21,6 @@ struct ResultadoCalculo {
   std::shared_ptr<Connection> cn;  // for currency formats and the formulas' display form
 };
 
-// Name of an origin for people ("saldo", "cotización", ...).
-std::string OrigenTexto(enuOrigenFx o);
-
 // Text: header (movement, date used and why, currency), a table of the lines (order, account,
 // side, amount in the movement's currency, amount in the account's currency, "Error" for a line
 // without result) and the totals with "balanceado" or the difference. With `traza`, each

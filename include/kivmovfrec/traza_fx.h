@@ -34,6 +34,9 @@ enum class enuOrigenFx : uint8_t {
   Desconocido      // an element the evaluator does not know
 };
 
+// The origin in Spanish as a person reads it in a trace: "renglón", "saldo", "cotización", ...
+KMF_API const char* NombreOrigenFx(enuOrigenFx o);
+
 // One bracketed element of a line's formula.
 struct KMF_API TrazaElementoFx {
   std::string elemento;  // as stored: "[5:101]", "[query]...[/query]"

@@ -17,34 +17,6 @@ namespace {
 // Columns of the tree.
 enum Col { kRenglon, kCuenta, kLado, kImporte, kImporteCuenta, kFecha, kDetalle, kColumnas };
 
-QString Origen(enuOrigenFx o) {
-  switch (o) {
-    case enuOrigenFx::Linea:
-      return "renglón";
-    case enuOrigenFx::OtroMovimiento:
-      return "otro movimiento";
-    case enuOrigenFx::Saldo:
-      return "saldo";
-    case enuOrigenFx::Indice:
-      return "índice";
-    case enuOrigenFx::Cotizacion:
-      return "cotización";
-    case enuOrigenFx::Consulta:
-      return "consulta";
-    case enuOrigenFx::Script:
-      return "script";
-    case enuOrigenFx::ImporteTotal:
-      return "importe total";
-    case enuOrigenFx::PedirDato:
-      return "dato pedido";
-    case enuOrigenFx::Diferencia:
-      return "diferencia";
-    case enuOrigenFx::Desconocido:
-      break;
-  }
-  return "desconocido";
-}
-
 // A value of an element: a balance, a rate, an index; as many decimals as it has.
 QString Valor(const std::optional<double>& v) {
   return v ? Q(vb::NumberToText(*v, vb::Locale::Spanish())) : QString("sin valor");
@@ -78,7 +50,7 @@ void Renglon(QTreeWidget& arbol, const clsPresentacionMF& p, const TrazaLineaFx&
   for (const TrazaElementoFx& e : l.elementos) {
     // A query or a script can be long: shortened in its cell, whole in the tooltip.
     auto* h = Hoja(*fila, Q(vb::ShortForMessage(e.elemento, 40)), Q(e.detalle));
-    h->setText(kCuenta, Origen(e.origen));
+    h->setText(kCuenta, NombreOrigenFx(e.origen));
     h->setText(kImporte, Valor(e.valor));
     AlinearImporte(*h, kImporte);
     if (e.fecha) h->setText(kFecha, FechaQ(*e.fecha));
