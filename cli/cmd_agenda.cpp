@@ -87,7 +87,7 @@ std::vector<EventoIcs> EventosCalendario(const std::vector<OcurrenciaAgenda>& ag
     ics.descripcion = e.memo;
     if (!ics.descripcion.empty()) ics.descripcion += "\n";
     ics.descripcion +=
-        fmt::format("{} {}, ocurrencia {}", TipoTexto(e.tipo), e.movimiento, e.ocurrencia);
+        fmt::format("{} {}, ocurrencia {}", NombreTipoMovFrec(e.tipo), e.movimiento, e.ocurrencia);
     ics.alarma = e.notificacion;
     ics.alarma_texto =
         fmt::format("Notificación: {} (vence el {})", e.nombre, FechaTexto(e.vencimiento));
@@ -203,7 +203,7 @@ Action Setup(CLI::App& app) {
       if (args->importes) tabla.headers.push_back("Importe");
       for (const OcurrenciaAgenda& e : eventos) {
         tabla.rows.push_back({FechaTexto(e.fecha), EventoTexto(e), std::to_string(e.movimiento),
-                              TipoTexto(e.tipo), e.nombre, std::to_string(e.ocurrencia),
+                              NombreTipoMovFrec(e.tipo), e.nombre, std::to_string(e.ocurrencia),
                               e.aviso ? FechaTexto(e.vencimiento) : ""});
         if (!args->importes) continue;
         std::string importe;

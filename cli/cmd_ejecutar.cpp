@@ -76,7 +76,7 @@ std::string Resultado(const OcurrenciaEjecutada& o) {
   return "no ejecutado: " + o.error;
 }
 
-const char* EstadoTexto(EstadoOcurrencia e) {
+const char* EstadoOcurrenciaTexto(EstadoOcurrencia e) {
   switch (e) {
     case EstadoOcurrencia::Ejecutada:
       return "ejecutada";
@@ -102,7 +102,7 @@ Json ComoJson(const OcurrenciaEjecutada& o) {
   return {{"ID", o.movimiento},
           {"Nombre", o.nombre},
           {"Fecha", FechaTexto(o.fecha)},
-          {"Estado", EstadoTexto(o.estado)},
+          {"Estado", EstadoOcurrenciaTexto(o.estado)},
           {"Ok", o.ok()},
           {"UltimaOcurrencia", o.terminada},
           {"Documentos", std::move(docs)},

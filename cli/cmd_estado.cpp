@@ -51,7 +51,7 @@ Action Setup(CLI::App& app) {
     }
     if (!ctx.json()) {
       ctx.out() << "Movimiento " << args->id << ": estado " << args->estado << " ("
-                << EstadoTexto(args->estado) << ").\n";
+                << NombreEstadoMF(args->estado) << ").\n";
     }
     return kExitOk;
   };

@@ -71,9 +71,9 @@ Action Setup(CLI::App& app) {
                       {"Nombre", nombre},
                       {"Estado", estado},
                       {"FechaProxima", FechaJson(proxima)}});
-      table.rows.push_back({std::to_string(id), std::to_string(tipo) + " " + TipoTexto(tipo),
-                            nombre, std::to_string(estado) + " " + EstadoTexto(estado),
-                            FechaTexto(proxima)});
+      table.rows.push_back(
+          {std::to_string(id), std::to_string(tipo) + " " + NombreTipoMovFrec(tipo), nombre,
+           std::to_string(estado) + " " + NombreEstadoMF(estado), FechaTexto(proxima)});
     }
     if (ctx.json()) {
       ctx.PrintJson(list);

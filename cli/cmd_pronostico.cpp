@@ -67,7 +67,7 @@ std::vector<std::string> Lista(const std::string& texto) {
 }
 
 std::string Recordatorio(const RecordatorioPronostico& r) {
-  return fmt::format("{}  {} {}: {}", FechaTexto(r.fecha), TipoTexto(r.tipo), r.movimiento,
+  return fmt::format("{}  {} {}: {}", FechaTexto(r.fecha), NombreTipoMovFrec(r.tipo), r.movimiento,
                      r.nombre);
 }
 

@@ -36,7 +36,7 @@ std::string SituacionTexto(const clsMFTipo& mf) {
   const clsRegRecurrencia& r = *mf.Recurrencia();
   if (m.Estado() != ToInt(enuEstadoMF::EnProceso)) {
     return fmt::format("estado {} {}; última ocurrencia {} del {}", m.Estado(),
-                       EstadoTexto(m.Estado()), r.NumOcurrencia(),
+                       NombreEstadoMF(m.Estado()), r.NumOcurrencia(),
                        FechaTexto(Variant(r.FechaProxima())));
   }
   if (r.FechaProxima().empty()) return "sin agenda, sin cambios";
@@ -57,7 +57,7 @@ Action Setup(CLI::App& app) {
       return Rechazo(ctx, "realizar",
                      fmt::format("el movimiento {} no está en proceso (estado {} {}): no tiene "
                                  "ocurrencia pendiente",
-                                 *id, m.Estado(), EstadoTexto(m.Estado())));
+                                 *id, m.Estado(), NombreEstadoMF(m.Estado())));
     }
     if (m.Recurrencia() < 1 || antes->Recurrencia()->ID() < 1) {
       return Rechazo(ctx, "realizar", fmt::format("el movimiento {} no está agendado", *id));

@@ -57,7 +57,7 @@ Json ListaJson(const ListaTareas& l) {
 }
 
 void ImprimirLista(std::ostream& out, const ListaTareas& l) {
-  out << "Lista " << l.id << ": " << l.nombre << " (" << EstadoTexto(l.estado) << ")";
+  out << "Lista " << l.id << ": " << l.nombre << " (" << NombreEstadoMF(l.estado) << ")";
   if (l.vencimiento) out << ", vence " << Fecha(l.vencimiento);
   out << ", ocurrencia " << l.num_ocurrencia;
   if (l.hasta) out << ", última fecha " << Fecha(l.hasta);
@@ -97,7 +97,7 @@ int CambiarEstado(Context& ctx, int32_t id, bool realizar) {
   if (realizar && antes->estado != 0) {
     return Rechazo(ctx, comando,
                    fmt::format("la lista de tareas {} no está en proceso (estado {} {})", id,
-                               antes->estado, EstadoTexto(antes->estado)));
+                               antes->estado, NombreEstadoMF(antes->estado)));
   }
   const bool hecho =
       realizar ? fachada->CheckListDarPorRealizado(id) : fachada->CheckListAPapelera(id);

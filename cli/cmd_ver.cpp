@@ -44,8 +44,8 @@ void Mostrar(std::ostream& out, const clsMFTipo& mf) {
   const int tipo = ToInt(m.Tipo());
   out << "Movimiento " << m.ID() << ": " << m.Nombre() << '\n';
   std::vector<std::pair<std::string, std::string>> cab = {
-      {"Tipo", fmt::format("{} {}", tipo, TipoTexto(tipo))},
-      {"Estado", fmt::format("{} {}, desde {}", m.Estado(), EstadoTexto(m.Estado()),
+      {"Tipo", fmt::format("{} {}", tipo, NombreTipoMovFrec(tipo))},
+      {"Estado", fmt::format("{} {}, desde {}", m.Estado(), NombreEstadoMF(m.Estado()),
                              FechaTexto(m.FechaEstado()))},
       {"Memo", m.Memo()},
       {"Empresa", std::to_string(m.Empresa())},

@@ -640,36 +640,4 @@ MovimientoLeido LeerMovimiento(const nlohmann::ordered_json& j, const std::strin
   return leido;
 }
 
-std::string TipoTexto(int tipo) {
-  switch (tipo) {
-    case 1:
-      return "Asiento";
-    case 2:
-      return "Comprobante";
-    case 3:
-      return "Aviso";
-    case 4:
-      return "Asiento del sistema";
-    case 5:
-      return "Lista de tareas";
-    case 6:
-      return "Tarea";
-    default:
-      return "";
-  }
-}
-
-std::string EstadoTexto(int estado) {
-  switch (estado) {
-    case 0:
-      return "En proceso";
-    case 1:
-      return "Realizado";
-    case 9:
-      return "Papelera";
-    default:
-      return "";
-  }
-}
-
 }  // namespace kivmovfrec::cli

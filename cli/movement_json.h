@@ -61,6 +61,7 @@
 #include <nlohmann/json.hpp>
 
 #include "kivmovfrec/mf_tipo.h"
+#include "kivmovfrec/nombres.h"
 #include "kivmovfrec/services.h"
 
 namespace kivmovfrec::cli {
@@ -92,9 +93,5 @@ nlohmann::ordered_json ParseSinClavesRepetidas(const std::string& texto,
 // A date given in a JSON file: dd/mm/aaaa or aaaa-mm-dd, optionally followed by a blank (or
 // "T") and hh:nn or hh:nn:ss. Nothing when it is neither or names no real moment.
 std::optional<Date> LeerFechaJson(const std::string& texto);
-
-// Names for people.
-std::string TipoTexto(int tipo);      // "Asiento", "Comprobante", "Aviso", ...
-std::string EstadoTexto(int estado);  // "En proceso", "Realizado", "Papelera"
 
 }  // namespace kivmovfrec::cli

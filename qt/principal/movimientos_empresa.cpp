@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "kivmovfrec/enums.h"
+#include "kivmovfrec/nombres.h"
 #include "kivmovfrec/vb.h"
 
 namespace kivmovfrec::qt {
@@ -54,48 +55,13 @@ bool Cumple(const FilaMovimiento& fila, const FiltroMovimientos& filtro) {
 }
 
 std::string TipoTexto(int tipo) {
-  switch (tipo) {
-    case ToInt(enuTipoMovFrec::Asiento):
-      return "Asiento";
-    case ToInt(enuTipoMovFrec::Comprobante):
-      return "Comprobante";
-    case ToInt(enuTipoMovFrec::Calendario):
-      return "Aviso";
-    case ToInt(enuTipoMovFrec::AsientoSistema):
-      return "Asiento del sistema";
-    case ToInt(enuTipoMovFrec::CheckList):
-      return "Lista de tareas";
-    case kTipoItemCheckList:
-      return "Tarea";
-    default:
-      return std::to_string(tipo);
-  }
+  const std::string n = NombreTipoMovFrec(tipo);
+  return n.empty() ? std::to_string(tipo) : n;
 }
 
 std::string EstadoTexto(int estado) {
-  switch (estado) {
-    case ToInt(enuEstadoMF::EnProceso):
-      return "Vigente";
-    case ToInt(enuEstadoMF::Realizado):
-      return "Realizado";
-    case ToInt(enuEstadoMF::Papelera):
-      return "En papelera";
-    default:
-      return std::to_string(estado);
-  }
-}
-
-std::string TipoImporteTexto(int tipo_importe) {
-  switch (tipo_importe) {
-    case 1:
-      return "Estimado";
-    case 2:
-      return "Fijo";
-    case 3:
-      return "Automático";
-    default:
-      return "";
-  }
+  const std::string n = NombreEstadoMF(estado);
+  return n.empty() ? std::to_string(estado) : n;
 }
 
 std::string FechaTexto(Date fecha) {

@@ -37,13 +37,10 @@ struct FiltroMovimientos {
 };
 bool Cumple(const FilaMovimiento& fila, const FiltroMovimientos& filtro);
 
-// "Asiento", "Comprobante", "Aviso", "Asiento del sistema", "Lista de tareas", "Tarea"; the
-// number for any other.
+// The library's names of a kind and of a state (kivmovfrec/nombres.h); the number for a code
+// that has none, so that no row hides what it holds.
 std::string TipoTexto(int tipo);
-// "Vigente" (en proceso), "Realizado", "En papelera"; the number for any other.
 std::string EstadoTexto(int estado);
-// "Estimado", "Fijo", "Automático"; "" when not set (notices and task lists).
-std::string TipoImporteTexto(int tipo_importe);
 // "dd/mm/aaaa", with " hh:nn" when the moment has a time of day.
 std::string FechaTexto(Date fecha);
 

@@ -17,6 +17,7 @@
 
 #include "comun_principal.h"
 #include "kivmovfrec/enums.h"
+#include "kivmovfrec/nombres.h"
 #include "kivmovfrec/vb.h"
 #include "ventana_principal_impl.h"
 
@@ -211,7 +212,7 @@ void VentanaPrincipal::Impl::MostrarLista(int32_t id) {
     tabla->setItem(r, 1, CeldaDe(TipoTexto(f.tipo)));
     tabla->setItem(r, 2, CeldaDe(f.nombre));
     tabla->setItem(r, 3, CeldaDe(f.proxima ? FechaTexto(*f.proxima) : ""));
-    tabla->setItem(r, 4, CeldaDe(TipoImporteTexto(f.tipo_importe)));
+    tabla->setItem(r, 4, CeldaDe(NombreTipoImporte(f.tipo_importe)));
     tabla->setItem(r, 5, CeldaDe(EstadoTexto(f.estado)));
     if (f.id == id) elegida = r;
   }

@@ -95,13 +95,13 @@ TEST_P(VentanaPrincipalQt, ListsTheCompanysMovementsWithTheirKindDueDateAndState
     int32_t id;
     const char *tipo, *proxima, *importe, *estado;
   };
-  for (const Caso& c : {Caso{1, "Asiento", "10/11/2026", "Automático", "Vigente"},
-                        Caso{2, "Asiento", "", "Estimado", "Vigente"},
-                        Caso{6, "Comprobante", "01/12/2026", "Fijo", "Vigente"},
-                        Caso{8, "Aviso", "20/11/2026 10:00", "", "Vigente"},
-                        Caso{10, "Lista de tareas", "30/11/2026 18:00", "", "Vigente"},
-                        Caso{19, "Asiento del sistema", "", "Automático", "Vigente"},
-                        Caso{20, "Asiento", "", "Fijo", "En papelera"},
+  for (const Caso& c : {Caso{1, "Asiento", "10/11/2026", "Automático", "En proceso"},
+                        Caso{2, "Asiento", "", "Estimado", "En proceso"},
+                        Caso{6, "Comprobante", "01/12/2026", "Fijo", "En proceso"},
+                        Caso{8, "Aviso", "20/11/2026 10:00", "", "En proceso"},
+                        Caso{10, "Lista de tareas", "30/11/2026 18:00", "", "En proceso"},
+                        Caso{19, "Asiento del sistema", "", "Automático", "En proceso"},
+                        Caso{20, "Asiento", "", "Fijo", "Papelera"},
                         Caso{21, "Aviso", "15/06/2026 09:00", "", "Realizado"}}) {
     SCOPED_TRACE(c.id);
     EXPECT_EQ(tipo.at(c.id), c.tipo);
@@ -114,7 +114,7 @@ TEST_P(VentanaPrincipalQt, ListsTheCompanysMovementsWithTheirKindDueDateAndState
 TEST_P(VentanaPrincipalQt, FiltersNarrowTheList) {
   Elegir(*ventana, "filtroTipo", "Aviso");
   EXPECT_EQ(Ids(), (std::set<int32_t>{8, 9, 21, 22}));
-  Elegir(*ventana, "filtroEstado", "Vigente");
+  Elegir(*ventana, "filtroEstado", "En proceso");
   EXPECT_EQ(Ids(), (std::set<int32_t>{8, 9, 22}));
   Elegir(*ventana, "filtroTipo", "Todos");
   Elegir(*ventana, "filtroEstado", "Todos");
@@ -201,7 +201,7 @@ TEST_P(VentanaPrincipalQt, AVoucherGoesToTheBinAndIsThenDeleted) {
   ElegirFila(24);
   PulsarAccion("accPapelera");
   EXPECT_FALSE(pregunta.empty());
-  EXPECT_EQ(Columna("Estado").at(24), "En papelera");
+  EXPECT_EQ(Columna("Estado").at(24), "Papelera");
   EXPECT_EQ(Estado(24), 9);
   // Still selected: the bin's actions now apply.
   EXPECT_FALSE(Accion("accPapelera").isEnabled());
