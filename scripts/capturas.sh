@@ -69,8 +69,16 @@ captura usuarios usuarios "1, 2"
 captura frecuencia frecuencia
 
 if [[ -n "$principal" && -x "$principal" ]]; then
-  "$principal" --db "$base" --hoy "$hoy" --captura "$destino/movfrec-qt.png" >/dev/null
-  echo "$destino/movfrec-qt.png"
+  # The main window, then each computation window it opens (the forecast with its figures).
+  for ventana in "" calcular:27 pronostico ejecutar; do
+    if [[ -z $ventana ]]; then
+      nombre=movfrec-qt abrir=()
+    else
+      nombre=movfrec-qt-${ventana%%:*} abrir=(--abrir "$ventana")
+    fi
+    "$principal" --db "$base" --hoy "$hoy" "${abrir[@]}" --captura "$destino/$nombre.png" >/dev/null
+    echo "$destino/$nombre.png"
+  done
 else
   echo "$0: sin movfrec-qt (ni junto a movfrec ni en el PATH): la ventana principal queda sin captura" >&2
 fi

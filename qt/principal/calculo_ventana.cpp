@@ -19,7 +19,13 @@ enum Col { kRenglon, kCuenta, kLado, kImporte, kImporteCuenta, kFecha, kDetalle,
 
 // A value of an element: a balance, a rate, an index; as many decimals as it has.
 QString Valor(const std::optional<double>& v) {
-  return v ? Q(vb::NumberToText(*v, vb::Locale::Spanish())) : QString("sin valor");
+  if (!v) return "sin valor";
+  // The digits as the number has them, with the thousands grouped: "1.050.000", "638,9012".
+  QString texto = Q(vb::NumberToText(*v, vb::Locale::Spanish()));
+  const int signo = texto.startsWith('-') ? 1 : 0;
+  const int coma = texto.indexOf(',');
+  for (int i = (coma < 0 ? texto.size() : coma) - 3; i > signo; i -= 3) texto.insert(i, '.');
+  return texto;
 }
 
 QTreeWidgetItem* Hoja(QTreeWidgetItem& padre, const QString& titulo, const QString& detalle) {

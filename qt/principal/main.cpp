@@ -6,13 +6,17 @@
 // Opens the database as movfrec does (--db, else MOVFREC_DB, else sqlite:movfrec.db), builds the
 // suite's default services for the user with Qt windows for every dialog and message, and shows
 // the main window of the company. --captura renders the window to a PNG off screen and ends;
-// --foto-pantalla shows it on the display and writes what the screen shows to a PNG.
+// --foto-pantalla shows it on the display and writes what the screen shows to a PNG. --abrir
+// opens a computation window at once, as its action would (with --captura, that window is drawn).
 // Exit status: 0 done, 1 the database or the company could not be opened (said in a message box
 // and on stderr), 2 a wrong command line.
 #include <CLI/CLI.hpp>
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QMessageBox>
+#include <QPushButton>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -20,6 +24,7 @@
 #include <optional>
 #include <string>
 
+#include "capturas.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/empresa.h"
 #include "kivmovfrec/mov_frecuente.h"
@@ -39,7 +44,25 @@ struct Opciones {
   std::string hoy;
   std::string captura;
   std::string foto;
+  std::string abrir;
 };
+
+// What --abrir names: the action of the main window and the movement it applies to (0: none).
+struct Apertura {
+  const char* accion;
+  int32_t id;
+};
+
+std::optional<Apertura> LeerApertura(const std::string& texto) {
+  if (texto == "pronostico") return Apertura{"accPronostico", 0};
+  if (texto == "ejecutar") return Apertura{"accEjecutar", 0};
+  const std::string prefijo = "calcular:";
+  if (texto.rfind(prefijo, 0) != 0) return std::nullopt;
+  const std::string id = texto.substr(prefijo.size());
+  if (id.empty() || id.size() > 9 || id.find_first_not_of("0123456789") != std::string::npos)
+    return std::nullopt;
+  return Apertura{"accCalcular", std::stoi(id)};
+}
 
 CLI::Validator FechaValida() {
   return CLI::Validator(
@@ -92,6 +115,15 @@ int Correr(int argc, char** argv) {
                  "Muestra la ventana, guarda en este PNG la pantalla tal como se ve y termina")
       ->type_name("PNG")
       ->excludes("--captura");
+  app.add_option("--abrir", o.abrir,
+                 "Abre al empezar la ventana de calcular:ID, pronostico o ejecutar (con "
+                 "--captura, dibuja esa ventana)")
+      ->type_name("VENTANA")
+      ->check(CLI::Validator(
+          [](std::string& v) -> std::string {
+            return LeerApertura(v) ? "" : "«" + v + "» no es calcular:ID, pronostico ni ejecutar";
+          },
+          "VENTANA"));
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
@@ -131,6 +163,27 @@ int Correr(int argc, char** argv) {
     ventana = std::make_unique<qt::VentanaPrincipal>(mf, o.empresa, o.usuario);
   } catch (const DbError& e) {
     return Fallo(o, "No se pudieron leer los movimientos de " + o.db + ":\n" + DescribirErrorDb(e));
+  }
+  if (const auto apertura = LeerApertura(o.abrir)) {
+    if (apertura->id != 0 && !ventana->Seleccionar(apertura->id))
+      return Fallo(o, "El movimiento " + std::to_string(apertura->id) + " no está en la lista.");
+    QAction* accion = ventana->findChild<QAction*>(apertura->accion);
+    if (!accion || !accion->isEnabled())
+      return Fallo(o, "«" + o.abrir + "» no se aplica" +
+                          (apertura->id ? " al movimiento " + std::to_string(apertura->id) : "") +
+                          ".");
+    if (!o.captura.empty()) {
+      // The forecast is drawn with its figures: worked out with the window's defaults.
+      const auto estado = qt::CapturarProximoDialogo(o.captura, [](QDialog& d) {
+        if (auto* calcular = d.findChild<QPushButton*>("btnCalcular")) calcular->click();
+      });
+      accion->trigger();
+      if (!estado->empty()) return Fallo(o, *estado);
+      std::cout << "Captura: " << o.captura << '\n';
+      return 0;
+    }
+    ventana->show();
+    accion->trigger();
   }
   if (!o.captura.empty()) {
     const std::string error = qt::GuardarCaptura(*ventana, o.captura);

@@ -79,13 +79,15 @@ void Grafico(QChart& grafico, const ResultadoPronostico& r, PeriodoPronostico po
   auto* saldos = new QValueAxis;
   saldos->setTitleText("Saldo al cierre");
   saldos->setLabelFormat("%.2f");
+  grafico.legend()->setAlignment(Qt::AlignRight);
   grafico.addAxis(fechas, Qt::AlignBottom);
   grafico.addAxis(saldos, Qt::AlignLeft);
   double minimo = std::numeric_limits<double>::max(),
          maximo = std::numeric_limits<double>::lowest();
   for (const CuentaPronostico& c : r.cuentas) {
     auto* serie = new QLineSeries;
-    serie->setName(Cuenta(c));
+    // The legend holds one code per line at the side; the names are in the table.
+    serie->setName(Q(c.codigo.empty() ? std::to_string(c.cuenta) : c.codigo));
     for (const SaldoPeriodo& p : c.periodos) {
       serie->append(static_cast<qreal>(Milisegundos(p.hasta)), p.cierre);
       minimo = std::min(minimo, p.cierre);
@@ -205,7 +207,7 @@ void MostrarPronostico(QWidget* padre, clsMovFrecuente& mf) {
   hojas->setObjectName("tabResultado");
   auto* grafico = new QChart;
   grafico->setLocalizeNumbers(true);
-  grafico->setLocale(QLocale(QLocale::Spanish, QLocale::Spain));
+  grafico->setLocale(QLocale(QLocale::Spanish, QLocale::Argentina));
   auto* vista = new QChartView(grafico, &v);
   vista->setObjectName("grafico");
   vista->setRenderHint(QPainter::Antialiasing);
@@ -245,7 +247,7 @@ void MostrarPronostico(QWidget* padre, clsMovFrecuente& mf) {
     hojas->setTabText(3, r.fallidas.empty() ? QString("&Rechazadas")
                                             : QString("&Rechazadas (%1)").arg(r.fallidas.size()));
   });
-  v.resize(960, 640);
+  v.resize(960, 720);
   v.exec();
 }
 

@@ -1,17 +1,13 @@
 #include "ventana_principal.h"
 
 #include <QApplication>
-#include <QDeadlineTimer>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QPixmap>
 #include <QPushButton>
-#include <QScreen>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
-#include <QWindow>
 #include <algorithm>
 #include <map>
 
@@ -274,29 +270,10 @@ std::optional<FilaMovimiento> VentanaPrincipal::Impl::Seleccionada() const {
   return std::nullopt;
 }
 
-std::string GuardarCaptura(QWidget& ventana, const std::string& png) {
-  ventana.show();
-  QApplication::processEvents();
-  const QPixmap imagen = ventana.grab();
-  if (imagen.isNull()) return "no se pudo dibujar la ventana";
-  if (!imagen.save(Q(png), "PNG")) return "no se puede escribir " + png;
-  return "";
-}
-
-std::string FotografiarPantalla(QWidget& ventana, const std::string& png) {
-  ventana.show();
-  // A window manager may take a moment to map the window; give it a few seconds.
-  const QDeadlineTimer plazo(10000);
-  while (!(ventana.windowHandle() && ventana.windowHandle()->isExposed()) && !plazo.hasExpired())
-    QApplication::processEvents(QEventLoop::AllEvents, 50);
-  if (!ventana.windowHandle() || !ventana.windowHandle()->isExposed())
-    return "la ventana no llegó a verse en la pantalla";
-  QApplication::processEvents();
-  QScreen* pantalla = ventana.screen();
-  const QPixmap imagen = pantalla ? pantalla->grabWindow(0) : QPixmap();
-  if (imagen.isNull()) return "la pantalla no se pudo fotografiar";
-  if (!imagen.save(Q(png), "PNG")) return "no se puede escribir " + png;
-  return "";
+bool VentanaPrincipal::Seleccionar(int32_t id) {
+  impl_->MostrarLista(id);
+  const auto f = impl_->Seleccionada();
+  return f && f->id == id;
 }
 
 }  // namespace kivmovfrec::qt

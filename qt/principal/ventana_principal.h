@@ -38,19 +38,13 @@ class VentanaPrincipal : public QMainWindow {
   void Actualizar();
   // Shows the agenda of month `mes` (1-12) of `anio`.
   void MostrarMes(int anio, int mes);
+  // Selects the row of movement `id` in the list as filtered. False when the list does not
+  // show it.
+  bool Seleccionar(int32_t id);
 
  private:
   struct Impl;
   std::unique_ptr<Impl> impl_;
 };
-
-// Renders `ventana` (shown at its size, off any screen when the platform is offscreen) to the
-// PNG file `png`. Returns "" when written, otherwise why not.
-std::string GuardarCaptura(QWidget& ventana, const std::string& png);
-
-// Shows `ventana` on its screen, waits (at most ten seconds) until the display shows it and
-// writes the whole screen, as it is seen, to the PNG file `png`: the proof that the window opens
-// on a real display. Returns "" when written, otherwise why not.
-std::string FotografiarPantalla(QWidget& ventana, const std::string& png);
 
 }  // namespace kivmovfrec::qt

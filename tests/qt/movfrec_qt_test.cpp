@@ -13,6 +13,7 @@
 
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/install.h"
+#include "kivmovfrec/vb.h"
 
 namespace kivmovfrec::testing {
 namespace {
@@ -52,6 +53,9 @@ TEST(MovfrecQt, RefusesWhatItCannotOpenAndDrawsTheWindow) {
            Caso{"--db sqlite:" + dir + "_no_existe/x.db", 1, "No se pudo abrir la base de datos"},
            Caso{"--db sqlite:" + demo + " --empresa 7", 1, "La empresa 7 no existe"},
            Caso{"--db sqlite:" + demo + " --hoy 31/02/2026", 2, "no es una fecha válida"},
+           Caso{"--db sqlite:" + demo + " --abrir calcular:", 2, "no es calcular:ID"},
+           Caso{"--db sqlite:" + demo + " --abrir calcular:8", 1, "no se aplica al movimiento 8"},
+           Caso{"--db sqlite:" + demo + " --abrir calcular:999", 1, "999 no está en la lista"},
        }) {
     SCOPED_TRACE(c.argumentos);
     const Salida s = MovfrecQt(c.argumentos + " --captura " + png);
@@ -64,6 +68,19 @@ TEST(MovfrecQt, RefusesWhatItCannotOpenAndDrawsTheWindow) {
   const QImage imagen(QString::fromStdString(png));
   EXPECT_GE(imagen.width(), 800);
   EXPECT_GE(imagen.height(), 400);
+  // A computation window opened at start is drawn instead of the main window, and the run's
+  // window is closed from its review: nothing is posted.
+  const auto asientos = [&demo] {
+    return vb::CLng(OpenConnection("sqlite:" + demo)
+                        ->OpenResultset("Select Count(*) From cceAsientos")
+                        ->Get(0));
+  };
+  const int32_t antes = asientos();
+  const Salida e =
+      MovfrecQt("--db sqlite:" + demo + " --hoy 2026-11-20 --abrir ejecutar --captura " + png);
+  ASSERT_EQ(e.status, 0) << e.err;
+  EXPECT_NE(QImage(QString::fromStdString(png)).size(), imagen.size());
+  EXPECT_EQ(asientos(), antes) << "the review posts nothing";
   for (const std::string& f : {vacia, demo, png}) std::remove(f.c_str());
 }
 
