@@ -11,6 +11,7 @@
 
 #include "api/avance_agenda.h"
 #include "api/grupo_vinculado.h"
+#include "api/saldos_memoria.h"
 #include "formula/calculo_fx.h"
 #include "formula/funciones_fx.h"
 #include "formula/leyenda.h"
@@ -144,12 +145,18 @@ struct Linea {
 
 class Ejecutor {
  public:
-  Ejecutor(clsMovFrecuente& mf, Connection& cn, int32_t empresa, int nivel)
+  // `memoria`: work the occurrences out in memory, their entries added there (CalcularVencidos).
+  Ejecutor(clsMovFrecuente& mf, Connection& cn, int32_t empresa, int nivel,
+           SaldosEnMemoria* memoria)
       : ctx_(mf.Contexto()),
         cn_(cn),
         nivel_(nivel),
+        memoria_(memoria),
         monedas_(ctx_.servicios.clock, ctx_.parametros) {
     const SuiteServices& sv = ctx_.servicios;
+    saldos_ = memoria_ != nullptr
+                  ? std::shared_ptr<IAccountBalance>(std::shared_ptr<IAccountBalance>{}, memoria_)
+                  : sv.balance;
     dbf_ = sv.db.get();
     reloj_ = sv.clock.get();
     usuario_ = sv.rights ? sv.rights->Usuario() : 0;
@@ -169,6 +176,7 @@ class Ejecutor {
   // Runs one occurrence in its own transaction. Throws Detencion when the database cannot be
   // used any more.
   OcurrenciaEjecutada Ocurrencia(const Vencimiento& v) {
+    if (memoria_ != nullptr) return EnMemoria(v);
     OcurrenciaEjecutada r;
     r.movimiento = v.id;
     r.nombre = v.nombre;
@@ -239,7 +247,151 @@ class Ejecutor {
     return r;
   }
 
+  // The documents of the company's movements dated from day `desde` to day `hasta`, read once
+  // for an in-memory run: the occurrences it works out find them there instead of in a read
+  // of their own.
+  void LeerGenerados(int64_t desde, int64_t hasta) {
+    const DbParams dias = {Variant(Date{static_cast<double>(desde)}),
+                           Variant(Date{static_cast<double>(hasta + 1)})};
+    DbParams params = dias;
+    params.insert(params.end(), dias.begin(), dias.end());
+    for (auto rs = cn_.OpenResultset(
+             "Select 1, AsiID, AsiMovFrecuente, AsiFecha From cceAsientos Where AsiMovFrecuente "
+             "Is Not Null And AsiFecha >= ? And AsiFecha < ? Union All Select 2, ComID, "
+             "ComMovFrecuente, ComFecha From cceComprobantes Where ComMovFrecuente Is Not Null "
+             "And ComFecha >= ? And ComFecha < ? Order By 1, 2",
+             params);
+         !rs->Eof(); rs->MoveNext()) {
+      generados_[{storage::ALong(rs->Get(2)), Dia(storage::AFecha(rs->Get(3)))}].push_back(
+          {storage::ALong(rs->Get(2)), static_cast<int16_t>(storage::ALong(rs->Get(0))),
+           storage::ALong(rs->Get(1)), 0});
+    }
+  }
+
  private:
+  // A movement as an in-memory run read it once: its records then follow the occurrences it
+  // works out (the schedule advanced, Realizado after the last), and the stored amounts of its
+  // lines are put back before each computation, as a fresh read would give them.
+  struct Leido {
+    bool existe = false;
+    clsMFTipo mov;
+    std::vector<std::pair<double, double>> importes;  // ImporteMF, ImporteCta as stored
+    std::optional<std::vector<MiembroGrupo>> grupo;
+  };
+
+  Leido& Leer(int32_t id) {
+    std::unique_ptr<Leido>& l = leidos_[id];
+    if (!l) {
+      auto nuevo = std::make_unique<Leido>();
+      nuevo->mov = clsMFTipo(ctx_.servicios.clock);
+      nuevo->existe = nuevo->mov.Load(cn_, id);
+      if (nuevo->existe) {
+        const clsRenglonesMF& renglones = *nuevo->mov.Renglones();
+        for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+          nuevo->importes.emplace_back(renglones.Renglon(i)->ImporteMF(),
+                                       renglones.Renglon(i)->ImporteCta());
+        }
+      }
+      l = std::move(nuevo);
+    }
+    return *l;
+  }
+
+  void Restituir(clsMFTipo& mov) {
+    const Leido& l = *leidos_.at(mov.MovFrecuente()->ID());
+    const clsRenglonesMF& renglones = *mov.Renglones();
+    for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+      renglones.Renglon(i)->ImporteMF(l.importes[i - 1].first);
+      renglones.Renglon(i)->ImporteCta(l.importes[i - 1].second);
+    }
+  }
+
+  // The problem of each account a line would be written to; an in-memory run reads each
+  // account once.
+  std::map<int32_t, std::optional<std::string>> Problemas(int32_t empresa,
+                                                          const std::set<int32_t>& cuentas) {
+    if (memoria_ == nullptr) return storage::ProblemasCuentasRenglones(cn_, empresa, cuentas);
+    std::set<int32_t> faltan;
+    for (int32_t c : cuentas) {
+      if (problemas_.count({empresa, c}) == 0) faltan.insert(c);
+    }
+    if (!faltan.empty()) {
+      for (auto& [c, p] : storage::ProblemasCuentasRenglones(cn_, empresa, faltan)) {
+        problemas_[{empresa, c}] = std::move(p);
+      }
+    }
+    std::map<int32_t, std::optional<std::string>> out;
+    for (int32_t c : cuentas) out[c] = problemas_.at({empresa, c});
+    return out;
+  }
+
+  // One occurrence of the in-memory run: the steps of the real one on the movement as read
+  // once, its entries added to memoria_ (kept when it succeeds) instead of written, the
+  // schedule advanced on the records kept here.
+  OcurrenciaEjecutada EnMemoria(const Vencimiento& v) {
+    OcurrenciaEjecutada r;
+    r.movimiento = v.id;
+    r.nombre = v.nombre;
+    r.fecha = v.fecha;
+    try {
+      Leido& leido = Leer(v.id);
+      clsMFTipo& mov = leido.mov;
+      if (leido.existe) r.nombre = mov.MovFrecuente()->Nombre();
+      r.detalle = Cambio(leido.existe, mov, v.fecha, r.proxima);
+      if (!r.detalle.empty()) {
+        r.estado = EstadoOcurrencia::HechaEnOtraParte;
+        return r;
+      }
+      clsRegMovimientoFrecuente cabecera = *mov.MovFrecuente();
+      clsRegRecurrencia agenda = *mov.Recurrencia();
+      if (!leido.grupo) leido.grupo = GrupoEnOrden(cn_, v.id, cabecera.MovVinculado()).miembros;
+      const int64_t dia = Dia(v.fecha);
+      for (const MiembroGrupo& m : *leido.grupo) {
+        const auto g = generados_.find({m.id, dia});
+        if (g == generados_.end()) continue;
+        for (DocumentoGenerado d : g->second) {
+          if (d.tipo == 1 && m.tipo == 4) d.tipo = 4;
+          r.documentos.push_back(d);
+        }
+      }
+      r.estado = EstadoOcurrencia::YaGenerada;
+      if (r.documentos.empty()) {
+        r.estado = EstadoOcurrencia::Ejecutada;
+        for (const MiembroGrupo& m : *leido.grupo) {
+          const bool pendiente = m.estado == 0 && terminados_.count(m.id) == 0;
+          if (m.id == v.id || (pendiente && EsAsientoOComprobante(m.tipo))) {
+            r.documentos.push_back(
+                Documento(m, v.fecha, r.documentos, m.id == v.id ? &mov : nullptr));
+          }
+        }
+      }
+      Date proxima{};
+      r.terminada = AvanzarRegistros(ctx_, *calendario_, cabecera, agenda, &proxima);
+      if (!r.terminada) r.proxima = proxima;
+      // Kept as the commit would keep them.
+      *mov.MovFrecuente() = cabecera;
+      *mov.Recurrencia() = agenda;
+      if (r.terminada) terminados_.insert(v.id);
+      for (const DocumentoGenerado& d : r.documentos) {
+        if (d.id != 0 && r.estado == EstadoOcurrencia::Ejecutada) {
+          generados_[{d.movimiento, dia}].push_back({d.movimiento, d.tipo, d.id, 0});
+        }
+      }
+      memoria_->Confirmar();
+    } catch (const DbError& e) {
+      memoria_->Descartar();
+      if (InutilizaLaBase(e.kind())) {
+        throw Detencion{"la base de datos no se puede usar (" + sql::DescribirErrorDb(e) +
+                        "); lo que falta queda vencido para la próxima ejecución"};
+      }
+      Fallar(r, sql::DescribirErrorDb(e));
+    } catch (const std::exception& e) {
+      memoria_->Descartar();
+      Fallar(r, e.what());
+    }
+    return r;
+  }
+
   static void Fallar(OcurrenciaEjecutada& r, std::string error) {
     r.estado = EstadoOcurrencia::Fallida;
     r.error = std::move(error);
@@ -335,6 +487,11 @@ class Ejecutor {
       return std::nullopt;
     });
     clsMFTipo propio(ctx_.servicios.clock);
+    if (memoria_ != nullptr && cargado == nullptr) {
+      Leido& leido = Leer(m.id);
+      if (leido.existe) cargado = &leido.mov;
+    }
+    if (memoria_ != nullptr && cargado != nullptr) Restituir(*cargado);
     clsMFTipo& mov = cargado != nullptr ? *cargado : propio;
     Date dia = SoloDia(fecha);
     // Prompts are allowed: a movement that needs a typed value cannot run unattended.
@@ -375,7 +532,7 @@ class Ejecutor {
       const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
       if (u && *u != 0) cuentas.insert(r.Cuenta());
     }
-    const auto problemas = storage::ProblemasCuentasRenglones(cn_, cab.Empresa(), cuentas);
+    const auto problemas = Problemas(cab.Empresa(), cuentas);
     for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
       const clsRegRenglonMF& r = *renglones.Renglon(i);
       const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
@@ -407,13 +564,22 @@ class Ejecutor {
     const std::string leyenda = vb::Left(
         formula::InterpretarFormulaLeyenda(plantilla, SoloDia(fecha), reloj_), kLargoLeyenda);
     if (cab.Tipo() == enuTipoMovFrec::Comprobante) {
-      doc.id = Comprobante(cab, lineas, SoloDia(fecha), leyenda);
+      doc.id = memoria_ != nullptr ? --ultimo_en_memoria_
+                                   : Comprobante(cab, lineas, SoloDia(fecha), leyenda);
     } else {
       if (cab.Moneda() != 0 && moneda_contable_ != 0 && cab.Moneda() != moneda_contable_) {
         throw std::runtime_error(quien +
                                  ": el asiento está en otra moneda que la de la contabilidad");
       }
-      doc.id = Asiento(cab, lineas, SoloDia(fecha), leyenda);
+      if (memoria_ != nullptr) {
+        doc.id = --ultimo_en_memoria_;
+        for (const Linea& l : lineas) {
+          memoria_->Agregar(l.renglon->Cuenta(), SoloDia(fecha), l.al_debe ? l.importe : 0.0,
+                            l.al_debe ? 0.0 : l.importe);
+        }
+      } else {
+        doc.id = Asiento(cab, lineas, SoloDia(fecha), leyenda);
+      }
     }
     return doc;
   }
@@ -426,13 +592,11 @@ class Ejecutor {
     const SuiteServices& sv = ctx_.servicios;
     const auto cn = std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn_);
     if (!contexto_fx_) {
-      formula::clsCalculoFx primero(cn, empresa_, {sv.input, sv.clock, sv.balance},
-                                    ctx_.parametros);
+      formula::clsCalculoFx primero(cn, empresa_, {sv.input, sv.clock, saldos_}, ctx_.parametros);
       contexto_fx_ = primero.Funciones().Contexto();
       if (monedas_leidas_) contexto_fx_->monedas = monedas_.Monedas();
     }
-    return formula::clsCalculoFx(cn, *contexto_fx_, {sv.input, sv.clock, sv.balance},
-                                 ctx_.parametros);
+    return formula::clsCalculoFx(cn, *contexto_fx_, {sv.input, sv.clock, saldos_}, ctx_.parametros);
   }
 
   int32_t Asiento(const clsRegMovimientoFrecuente& cab, const std::vector<Linea>& lineas,
@@ -511,6 +675,15 @@ class Ejecutor {
   const ContextoMF& ctx_;
   Connection& cn_;
   int nivel_ = 0;  // the caller's transaction level in a dry run, 0 in a real one
+  SaldosEnMemoria* memoria_ = nullptr;       // an in-memory run's entries; null in the others
+  std::shared_ptr<IAccountBalance> saldos_;  // the balances the formulas read
+  // The in-memory run's reads, once each: movements, accounts' problems by (company, account),
+  // and the documents generated by (movement, day), those it worked out included.
+  std::map<int32_t, std::unique_ptr<Leido>> leidos_;
+  std::map<std::pair<int32_t, int32_t>, std::optional<std::string>> problemas_;
+  std::map<std::pair<int32_t, int64_t>, std::vector<DocumentoGenerado>> generados_;
+  std::set<int32_t> terminados_;   // schedules it ended
+  int32_t ultimo_en_memoria_ = 0;  // documents it works out get -1, -2, ...
   formula::clsMonedas monedas_;
   IDBFncs* dbf_ = nullptr;
   IClock* reloj_ = nullptr;
@@ -523,11 +696,10 @@ class Ejecutor {
   std::optional<formula::ContextoEmpresaFx> contexto_fx_;
 };
 
-}  // namespace
-
-ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
-                                    Date hasta, const AlTerminarOcurrencia& al_terminar,
-                                    int nivel) {
+// The run, real, dry (nivel > 0) or in memory (memoria set).
+ResultadoEjecucion Correr(clsMovFrecuente& mf, Connection& cn, int32_t empresa, Date hasta,
+                          const AlTerminarOcurrencia& al_terminar, int nivel,
+                          SaldosEnMemoria* memoria) {
   ResultadoEjecucion out;
   if (!mf.Conectado() || !mf.Servicios().db) return out;
   // Due occurrences by date, then movement: the earliest runs first, and a movement whose
@@ -535,9 +707,12 @@ ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t
   std::multimap<std::pair<int64_t, int32_t>, Vencimiento> cola;
   std::unique_ptr<Ejecutor> ejecutor;
   try {
-    ejecutor = std::make_unique<Ejecutor>(mf, cn, empresa, nivel);
+    ejecutor = std::make_unique<Ejecutor>(mf, cn, empresa, nivel, memoria);
     for (Vencimiento& v : Vencimientos(cn, empresa)) {
       if (Dia(v.fecha) <= Dia(hasta)) cola.emplace(std::make_pair(Dia(v.fecha), v.id), v);
+    }
+    if (memoria != nullptr && !cola.empty()) {
+      ejecutor->LeerGenerados(cola.begin()->first.first, Dia(hasta));
     }
   } catch (const DbError& e) {
     out.detenida = "no se pudo leer lo vencido (" + sql::DescribirErrorDb(e) + ")";
@@ -565,6 +740,19 @@ ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t
     }
   }
   return out;
+}
+
+}  // namespace
+
+ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
+                                    Date hasta, const AlTerminarOcurrencia& al_terminar,
+                                    int nivel) {
+  return Correr(mf, cn, empresa, hasta, al_terminar, nivel, nullptr);
+}
+
+ResultadoEjecucion CalcularVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
+                                    Date hasta, SaldosEnMemoria& saldos) {
+  return Correr(mf, cn, empresa, hasta, {}, 0, &saldos);
 }
 
 }  // namespace kivmovfrec::api

@@ -16,10 +16,17 @@ namespace kivmovfrec::api {
 // Only desde and hasta of each are set.
 std::vector<SaldoPeriodo> Periodos(Date desde, Date hasta, PeriodoPronostico por);
 
-// The forecast for `mf` (connected to `cn`, company `empresa`). The balances are read inside
-// the dry run's transaction, by the definition of suite::DbAccountBalance over `cn`, so they
-// count the simulated entries. Database errors never propagate (ResultadoPronostico::detenida).
+// How the forecast works out the occurrences: in memory unless a formula needs the dry run
+// (Automatico), or always by the dry run (Simulacion: the reference the in-memory figures are
+// checked against).
+enum class MotorPronostico { Automatico, Simulacion };
+
+// The forecast for `mf` (connected to `cn`, company `empresa`). Balances follow the definition
+// of suite::DbAccountBalance over `cn`: read inside the dry run's transaction, so they count
+// the simulated entries; or with the entries of the in-memory run (api::CalcularVencidos) added
+// to them. Database errors never propagate (ResultadoPronostico::detenida).
 ResultadoPronostico Pronosticar(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
-                                const SolicitudPronostico& solicitud);
+                                const SolicitudPronostico& solicitud,
+                                MotorPronostico motor = MotorPronostico::Automatico);
 
 }  // namespace kivmovfrec::api
