@@ -27,6 +27,7 @@
 #include "storage/contador.h"
 #include "storage/fila.h"
 #include "storage/tabla_cuentas.h"
+#include "storage/tabla_movimientos.h"
 #include "storage/tabla_recurrencias.h"
 
 namespace kivmovfrec::api {
@@ -282,21 +283,40 @@ class Ejecutor {
   Leido& Leer(int32_t id) {
     std::unique_ptr<Leido>& l = leidos_[id];
     if (!l) {
-      auto nuevo = std::make_unique<Leido>();
-      nuevo->mov = clsMFTipo(ctx_.servicios.clock);
-      nuevo->existe = nuevo->mov.Load(cn_, id);
-      if (nuevo->existe) {
-        const clsRenglonesMF& renglones = *nuevo->mov.Renglones();
-        for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
-          nuevo->importes.emplace_back(renglones.Renglon(i)->ImporteMF(),
-                                       renglones.Renglon(i)->ImporteCta());
-        }
-      }
-      l = std::move(nuevo);
+      l = std::make_unique<Leido>();
+      l->mov = clsMFTipo(ctx_.servicios.clock);
+      Guardar(*l, l->mov.Load(cn_, id));
     }
     return *l;
   }
 
+  void Guardar(Leido& l, bool existe) {
+    l.existe = existe;
+    if (!existe) return;
+    const clsRenglonesMF& renglones = *l.mov.Renglones();
+    for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+      l.importes.emplace_back(renglones.Renglon(i)->ImporteMF(),
+                              renglones.Renglon(i)->ImporteCta());
+    }
+  }
+
+ public:
+  // Reads the scheduled movements `ids` of an in-memory run together, before it starts.
+  void Precargar(const std::vector<int32_t>& ids) {
+    std::map<int32_t, int32_t> vinculados;
+    for (auto& [id, mov] : storage::CargarMovimientos(cn_, ids, ctx_.servicios.clock)) {
+      auto l = std::make_unique<Leido>();
+      l->mov = std::move(mov);
+      Guardar(*l, true);
+      vinculados[id] = l->mov.MovFrecuente()->MovVinculado();
+      leidos_[id] = std::move(l);
+    }
+    for (auto& [id, grupo] : GruposEnOrden(cn_, vinculados)) {
+      leidos_.at(id)->grupo = std::move(grupo.miembros);
+    }
+  }
+
+ private:
   void Restituir(clsMFTipo& mov) {
     const Leido& l = *leidos_.at(mov.MovFrecuente()->ID());
     const clsRenglonesMF& renglones = *mov.Renglones();
@@ -561,8 +581,24 @@ class Ejecutor {
     // The movement's memo is its legend template ("Alquiler de oficina &[FFAñoMes]"); a
     // movement without one is described by its name.
     const std::string& plantilla = cab.Memo().empty() ? cab.Nombre() : cab.Memo();
-    const std::string leyenda = vb::Left(
-        formula::InterpretarFormulaLeyenda(plantilla, SoloDia(fecha), reloj_), kLargoLeyenda);
+    if (memoria_ != nullptr) {
+      // Nothing in memory shows the legend, but a legend whose date macros cannot be worked
+      // out refuses the occurrence; whether it can depends only on the template and the day.
+      const auto [l, nueva] = leyendas_.try_emplace({plantilla, Dia(fecha)});
+      if (nueva) {
+        try {
+          formula::InterpretarFormulaLeyenda(plantilla, SoloDia(fecha), reloj_);
+        } catch (const std::exception& e) {
+          l->second = e.what();
+        }
+      }
+      if (l->second) throw std::runtime_error(*l->second);
+    }
+    const std::string leyenda =
+        memoria_ != nullptr
+            ? std::string()
+            : vb::Left(formula::InterpretarFormulaLeyenda(plantilla, SoloDia(fecha), reloj_),
+                       kLargoLeyenda);
     if (cab.Tipo() == enuTipoMovFrec::Comprobante) {
       doc.id = memoria_ != nullptr ? --ultimo_en_memoria_
                                    : Comprobante(cab, lineas, SoloDia(fecha), leyenda);
@@ -682,7 +718,9 @@ class Ejecutor {
   std::map<int32_t, std::unique_ptr<Leido>> leidos_;
   std::map<std::pair<int32_t, int32_t>, std::optional<std::string>> problemas_;
   std::map<std::pair<int32_t, int64_t>, std::vector<DocumentoGenerado>> generados_;
-  std::set<int32_t> terminados_;   // schedules it ended
+  std::set<int32_t> terminados_;  // schedules it ended
+  // Why the legend of a template cannot be worked out on a day, by (template, day).
+  std::map<std::pair<std::string, int64_t>, std::optional<std::string>> leyendas_;
   int32_t ultimo_en_memoria_ = 0;  // documents it works out get -1, -2, ...
   formula::clsMonedas monedas_;
   IDBFncs* dbf_ = nullptr;
@@ -713,6 +751,9 @@ ResultadoEjecucion Correr(clsMovFrecuente& mf, Connection& cn, int32_t empresa, 
     }
     if (memoria != nullptr && !cola.empty()) {
       ejecutor->LeerGenerados(cola.begin()->first.first, Dia(hasta));
+      std::vector<int32_t> ids;
+      for (const auto& [clave, v] : cola) ids.push_back(v.id);
+      ejecutor->Precargar(ids);
     }
   } catch (const DbError& e) {
     out.detenida = "no se pudo leer lo vencido (" + sql::DescribirErrorDb(e) + ")";
