@@ -217,7 +217,8 @@ std::vector<SaldoPeriodo> Periodos(Date desde, Date hasta, PeriodoPronostico por
 }
 
 ResultadoPronostico Pronosticar(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
-                                const SolicitudPronostico& solicitud, MotorPronostico motor) {
+                                const SolicitudPronostico& solicitud, MotorPronostico motor,
+                                const FechasAgenda& agenda) {
   ResultadoPronostico out;
   if (!mf.Conectado()) return out;
   IClock* reloj = mf.Servicios().clock.get();
@@ -236,7 +237,9 @@ ResultadoPronostico Pronosticar(clsMovFrecuente& mf, Connection& cn, int32_t emp
     }
     if (solicitud.cuentas.empty()) out.cuentas = CuentasAgendadas(cn, empresa);
     // Notices and task lists move no money: only their due dates are listed.
-    for (const OcurrenciaAgenda& o : mf.Agenda(out.desde, out.hasta).ocurrencias) {
+    const ResultadoAgenda fechas =
+        agenda ? agenda(out.desde, out.hasta) : mf.Agenda(out.desde, out.hasta);
+    for (const OcurrenciaAgenda& o : fechas.ocurrencias) {
       if (o.aviso || (o.tipo != ToInt(enuTipoMovFrec::Calendario) &&
                       o.tipo != ToInt(enuTipoMovFrec::CheckList))) {
         continue;

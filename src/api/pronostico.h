@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
+#include "kivmovfrec/agenda.h"
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/mov_frecuente.h"
 #include "kivmovfrec/simulacion.h"
@@ -25,8 +27,12 @@ enum class MotorPronostico { Automatico, Simulacion };
 // of suite::DbAccountBalance over `cn`: read inside the dry run's transaction, so they count
 // the simulated entries; or with the entries of the in-memory run (api::CalcularVencidos) added
 // to them. Database errors never propagate (ResultadoPronostico::detenida).
+// `agenda`: the agenda's dates from one day to another, of which the notices and task lists
+// are listed; by default mf.Agenda.
+using FechasAgenda = std::function<ResultadoAgenda(Date desde, Date hasta)>;
 ResultadoPronostico Pronosticar(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
                                 const SolicitudPronostico& solicitud,
-                                MotorPronostico motor = MotorPronostico::Automatico);
+                                MotorPronostico motor = MotorPronostico::Automatico,
+                                const FechasAgenda& agenda = {});
 
 }  // namespace kivmovfrec::api

@@ -9,6 +9,7 @@
 #include "formula/elementos.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
+#include "platform/vb/decimal.h"
 #include "platform/vb/format.h"
 #include "platform/vb/text.h"
 
@@ -110,6 +111,12 @@ int DecimalesFormato(std::string_view formato) {
 
 double RedondearFormato(double v, std::string_view formato) {
   const int dec = DecimalesFormato(formato);
+  if (std::isfinite(v) && std::fabs(v) < 1e300) {
+    // The rounding Format applies to "0.00…" (the decimal the double stands for, halves away
+    // from zero), read back as the nearest double, without writing and reading the text.
+    const double r = vb::ToDouble(vb::RoundDecimal(v, dec, vb::HalfRule::AwayFromZero));
+    return r == 0 ? 0.0 : r;
+  }
   std::string patron = "0";
   if (dec > 0) patron += "." + std::string(static_cast<size_t>(dec), '0');
   const std::string t = vb::FormatNumberPattern(v, patron, vb::Locale::Invariant());
@@ -161,12 +168,19 @@ void clsFuncionesFx::Empresa(const ContextoEmpresaFx& contexto) {
   prms_ = contexto.prms;
   monedas_cargadas_ = contexto.monedas.has_value();
   if (monedas_cargadas_) monedas_.Usar(*contexto.monedas);
+  if (contexto.piezas) piezas_ = contexto.piezas;
 }
 
 ContextoEmpresaFx clsFuncionesFx::Contexto() const {
-  ContextoEmpresaFx c{empresa_, prms_, std::nullopt};
+  ContextoEmpresaFx c{empresa_, prms_, std::nullopt, piezas_};
   if (monedas_cargadas_) c.monedas = monedas_.Monedas();
   return c;
+}
+
+const std::vector<ElementoFx>& clsFuncionesFx::Piezas(const std::string& formula) {
+  auto p = piezas_->find(formula);
+  if (p == piezas_->end()) p = piezas_->emplace(formula, DividirFormula(formula)).first;
+  return p->second;
 }
 
 bool clsFuncionesFx::CargarEmpresa(int16_t id) {

@@ -40,8 +40,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
+#include "formula/elementos.h"
 #include "formula/monedas.h"
 #include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
@@ -99,10 +101,15 @@ std::string FechaCorta(Date d);
 // Formulas only read (their statements run in savepoints that are rolled back), so an
 // evaluator can hand its context to the next one on the same connection and company instead of
 // both reading it (the main job runs one evaluator per member of each occurrence).
+// The pieces (DividirFormula) of the formulas an evaluator has worked out, by formula text: a
+// text always splits alike, so evaluators that share them split each formula once.
+using PiezasFormulas = std::unordered_map<std::string, std::vector<ElementoFx>>;
+
 struct ContextoEmpresaFx {
   clsEmpresa empresa;
   std::vector<std::pair<std::string, std::string>> prms;
   std::optional<std::vector<MonedaFx>> monedas;  // nothing until read
+  std::shared_ptr<PiezasFormulas> piezas;        // shared by the evaluators of the context
 };
 
 class clsFuncionesFx {
@@ -135,6 +142,9 @@ class clsFuncionesFx {
   const ParametrosBD& Parametros() const { return parametros_; }
   Date Ahora() const;
   Date Hoy() const;
+
+  // The pieces of `formula` (DividirFormula), split once and kept with the context.
+  const std::vector<ElementoFx>& Piezas(const std::string& formula);
 
   void Evaluador(EvaluadorExpresion f) { evaluador_ = std::move(f); }
   // Runs the installed evaluator (the script host by default); never throws.
@@ -206,6 +216,7 @@ class clsFuncionesFx {
   bool tipo_indice_leido_ = false;
   EvaluadorExpresion evaluador_;
   DocumentosOcurrencia ocurrencia_;
+  std::shared_ptr<PiezasFormulas> piezas_ = std::make_shared<PiezasFormulas>();
 };
 
 }  // namespace kivmovfrec::formula
