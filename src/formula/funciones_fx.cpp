@@ -169,10 +169,11 @@ void clsFuncionesFx::Empresa(const ContextoEmpresaFx& contexto) {
   monedas_cargadas_ = contexto.monedas.has_value();
   if (monedas_cargadas_) monedas_.Usar(*contexto.monedas);
   if (contexto.piezas) piezas_ = contexto.piezas;
+  if (contexto.aritmetica) aritmetica_ = contexto.aritmetica;
 }
 
 ContextoEmpresaFx clsFuncionesFx::Contexto() const {
-  ContextoEmpresaFx c{empresa_, prms_, std::nullopt, piezas_};
+  ContextoEmpresaFx c{empresa_, prms_, std::nullopt, piezas_, aritmetica_};
   if (monedas_cargadas_) c.monedas = monedas_.Monedas();
   return c;
 }
@@ -200,12 +201,26 @@ Date clsFuncionesFx::Hoy() const {
 }
 
 script::HostResult clsFuncionesFx::Evaluar(std::string_view expresion, bool exponer) const {
+  constexpr size_t kMaxAritmetica = 100000;
   try {
     if (evaluador_) return evaluador_(cn_.get(), expresion, exponer);
+    const bool aritmetica =
+        !exponer && !expresion.empty() &&
+        expresion.find_first_not_of("0123456789.+-*/\\^() ") == std::string_view::npos;
+    if (aritmetica) {
+      if (const auto r = aritmetica_->find(std::string(expresion)); r != aritmetica_->end()) {
+        return r->second;
+      }
+    }
     script::HostOptions opciones;
     auto reloj = servicios_.clock;
     opciones.clock = [reloj] { return core::RelojOSistema(reloj.get()).Now(); };
-    return script::EvaluateScript(cn_.get(), expresion, exponer, opciones);
+    script::HostResult r = script::EvaluateScript(cn_.get(), expresion, exponer, opciones);
+    if (aritmetica) {
+      if (aritmetica_->size() >= kMaxAritmetica) aritmetica_->clear();
+      aritmetica_->emplace(std::string(expresion), r);
+    }
+    return r;
   } catch (const std::exception& e) {
     script::HostResult r;
     r.error.description = e.what();

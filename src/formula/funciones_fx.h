@@ -105,11 +105,17 @@ std::string FechaCorta(Date d);
 // text always splits alike, so evaluators that share them split each formula once.
 using PiezasFormulas = std::unordered_map<std::string, std::vector<ElementoFx>>;
 
+// The results of expressions made only of number literals, arithmetic operators and
+// parentheses ("1045*1.21"), by text: such a text names nothing and reads no clock, so the
+// script host always gives it the same result, and evaluators that share them reduce each once.
+using ResultadosAritmetica = std::unordered_map<std::string, script::HostResult>;
+
 struct ContextoEmpresaFx {
   clsEmpresa empresa;
   std::vector<std::pair<std::string, std::string>> prms;
-  std::optional<std::vector<MonedaFx>> monedas;  // nothing until read
-  std::shared_ptr<PiezasFormulas> piezas;        // shared by the evaluators of the context
+  std::optional<std::vector<MonedaFx>> monedas;      // nothing until read
+  std::shared_ptr<PiezasFormulas> piezas;            // shared by the evaluators of the context
+  std::shared_ptr<ResultadosAritmetica> aritmetica;  // the same
 };
 
 class clsFuncionesFx {
@@ -147,7 +153,8 @@ class clsFuncionesFx {
   const std::vector<ElementoFx>& Piezas(const std::string& formula);
 
   void Evaluador(EvaluadorExpresion f) { evaluador_ = std::move(f); }
-  // Runs the installed evaluator (the script host by default); never throws.
+  // Runs the installed evaluator (the script host by default; the result of an expression of
+  // number literals and arithmetic alone is kept, see ResultadosAritmetica); never throws.
   script::HostResult Evaluar(std::string_view expresion, bool exponer_conexion) const;
 
   // Replaces in a block's text: [pIDMov], [pEmp], [prmBDDateCharSQLs], [prmMonedaContabilidad]
@@ -217,6 +224,7 @@ class clsFuncionesFx {
   EvaluadorExpresion evaluador_;
   DocumentosOcurrencia ocurrencia_;
   std::shared_ptr<PiezasFormulas> piezas_ = std::make_shared<PiezasFormulas>();
+  std::shared_ptr<ResultadosAritmetica> aritmetica_ = std::make_shared<ResultadosAritmetica>();
 };
 
 }  // namespace kivmovfrec::formula
