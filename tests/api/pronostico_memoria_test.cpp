@@ -3,6 +3,8 @@
 // sends the whole forecast to the dry run.
 #include <gtest/gtest.h>
 
+#include <iomanip>
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -24,34 +26,33 @@ class PronosticoEnMemoria : public Fachada {
     return api::Pronosticar(mf, *cn, 1, s, motor);
   }
 
+  // Every figure of every period of every account, and the refused occurrences, one row each.
+  static std::vector<std::string> Filas(const ResultadoPronostico& p) {
+    std::vector<std::string> out;
+    for (const CuentaPronostico& c : p.cuentas) {
+      for (const SaldoPeriodo& x : c.periodos) {
+        std::ostringstream o;
+        o << std::setprecision(17) << c.cuenta << " " << x.desde.serial << "-" << x.hasta.serial
+          << " " << x.apertura << " " << x.entradas << " " << x.salidas << " " << x.cierre;
+        out.push_back(o.str());
+      }
+    }
+    for (const OcurrenciaEjecutada& o : p.fallidas) {
+      out.push_back(std::to_string(o.movimiento) + " " + vb::CStr(Variant(o.fecha)) + " " +
+                    o.error);
+    }
+    return out;
+  }
+
   // Both ways over the same request: the in-memory one must not have fallen back, and must give
   // exactly the dry run's figures and refusals.
   void ComoLaSimulacion(PeriodoPronostico por, Date hasta) {
     const ResultadoPronostico memoria = Pronostico(api::MotorPronostico::Automatico, por, hasta);
     const ResultadoPronostico simulado = Pronostico(api::MotorPronostico::Simulacion, por, hasta);
-    ASSERT_TRUE(memoria.ok()) << memoria.rechazo << memoria.detenida;
-    ASSERT_TRUE(simulado.ok()) << simulado.rechazo << simulado.detenida;
+    ASSERT_TRUE(memoria.ok() && simulado.ok()) << memoria.detenida << simulado.detenida;
     EXPECT_EQ(memoria.por_simulacion, "");
-    ASSERT_EQ(memoria.cuentas.size(), simulado.cuentas.size());
-    for (size_t c = 0; c < memoria.cuentas.size(); ++c) {
-      const CuentaPronostico& m = memoria.cuentas[c];
-      const CuentaPronostico& s = simulado.cuentas[c];
-      ASSERT_EQ(m.cuenta, s.cuenta);
-      ASSERT_EQ(m.periodos.size(), s.periodos.size()) << m.codigo;
-      for (size_t i = 0; i < m.periodos.size(); ++i) {
-        const SaldoPeriodo& x = m.periodos[i];
-        const SaldoPeriodo& y = s.periodos[i];
-        EXPECT_EQ(std::tie(x.desde, x.hasta, x.apertura, x.entradas, x.salidas, x.cierre),
-                  std::tie(y.desde, y.hasta, y.apertura, y.entradas, y.salidas, y.cierre))
-            << m.codigo << " " << vb::CStr(Variant(x.desde));
-      }
-    }
-    ASSERT_EQ(memoria.fallidas.size(), simulado.fallidas.size());
-    for (size_t i = 0; i < memoria.fallidas.size(); ++i) {
-      const OcurrenciaEjecutada& x = memoria.fallidas[i];
-      const OcurrenciaEjecutada& y = simulado.fallidas[i];
-      EXPECT_EQ(std::tie(x.movimiento, x.fecha, x.error), std::tie(y.movimiento, y.fecha, y.error));
-    }
+    ASSERT_GT(memoria.cuentas.size(), 3u);
+    EXPECT_EQ(Filas(memoria), Filas(simulado));
   }
 
   // The demo's formulas that only the dry run can follow (the occurrence count, another
