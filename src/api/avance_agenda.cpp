@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
+
 #include "kivmovfrec/records.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
@@ -15,10 +17,12 @@
 namespace kivmovfrec::api {
 
 std::string TextoProxima(Date proxima) {
-  std::string texto = vb::FormatDate(proxima, "dd/mm/yyyy");
-  const vb::DateParts hora = vb::Split(proxima);
-  if (hora.hour != 0 || hora.minute != 0 || hora.second != 0) {
-    texto += " " + vb::FormatDate(proxima, "hh:nn");
+  // Format(proxima, "dd/mm/yyyy") and Format(proxima, "hh:nn"), written directly from the parts
+  // (the main job writes one per occurrence).
+  const vb::DateParts p = vb::Split(proxima);
+  std::string texto = fmt::format("{:02d}/{:02d}/{:04d}", p.day, p.month, p.year);
+  if (p.hour != 0 || p.minute != 0 || p.second != 0) {
+    texto += fmt::format(" {:02d}:{:02d}", p.hour, p.minute);
   }
   return texto;
 }

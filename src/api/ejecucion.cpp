@@ -499,7 +499,12 @@ class Ejecutor {
   DocumentoGenerado Documento(const MiembroGrupo& m, Date fecha,
                               const std::vector<DocumentoGenerado>& previos, clsMFTipo* cargado) {
     const std::string quien = Quien(m.id, m.nombre);
-    formula::clsCalculoFx calculo = Evaluador();
+    // An in-memory run keeps one evaluator for all its documents: it only reads, and every call
+    // starts its own trace.
+    std::optional<formula::clsCalculoFx> propio_fx;
+    if (memoria_ != nullptr && !evaluador_memoria_) evaluador_memoria_.emplace(Evaluador());
+    formula::clsCalculoFx& calculo =
+        memoria_ != nullptr ? *evaluador_memoria_ : propio_fx.emplace(Evaluador());
     calculo.Funciones().Ocurrencia([&previos](int32_t id) -> std::optional<int32_t> {
       for (const DocumentoGenerado& d : previos) {
         if (d.movimiento == id) return d.id;
@@ -718,6 +723,7 @@ class Ejecutor {
   std::map<int32_t, std::unique_ptr<Leido>> leidos_;
   std::map<std::pair<int32_t, int32_t>, std::optional<std::string>> problemas_;
   std::map<std::pair<int32_t, int64_t>, std::vector<DocumentoGenerado>> generados_;
+  std::optional<formula::clsCalculoFx> evaluador_memoria_;
   std::set<int32_t> terminados_;  // schedules it ended
   // Why the legend of a template cannot be worked out on a day, by (template, day).
   std::map<std::pair<std::string, int64_t>, std::optional<std::string>> leyendas_;
