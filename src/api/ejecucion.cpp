@@ -362,9 +362,9 @@ class Ejecutor {
         r.estado = EstadoOcurrencia::HechaEnOtraParte;
         return r;
       }
-      clsRegMovimientoFrecuente cabecera = *mov.MovFrecuente();
-      clsRegRecurrencia agenda = *mov.Recurrencia();
-      if (!leido.grupo) leido.grupo = GrupoEnOrden(cn_, v.id, cabecera.MovVinculado()).miembros;
+      if (!leido.grupo) {
+        leido.grupo = GrupoEnOrden(cn_, v.id, mov.MovFrecuente()->MovVinculado()).miembros;
+      }
       const int64_t dia = Dia(v.fecha);
       for (const MiembroGrupo& m : *leido.grupo) {
         const auto g = generados_.find({m.id, dia});
@@ -385,15 +385,17 @@ class Ejecutor {
           }
         }
       }
+      // Advanced on the records kept, as the commit would keep them (nothing is changed there
+      // before the next date has been worked out, which is what can fail).
       Date proxima{};
-      r.terminada = AvanzarRegistros(ctx_, *calendario_, cabecera, agenda, &proxima);
+      r.terminada =
+          AvanzarRegistros(ctx_, *calendario_, *mov.MovFrecuente(), *mov.Recurrencia(), &proxima);
       if (!r.terminada) r.proxima = proxima;
-      // Kept as the commit would keep them.
-      *mov.MovFrecuente() = cabecera;
-      *mov.Recurrencia() = agenda;
       if (r.terminada) terminados_.insert(v.id);
+      // Another occurrence on the same day can only find them through another member of a
+      // group: a movement alone never comes back on the same day.
       for (const DocumentoGenerado& d : r.documentos) {
-        if (d.id != 0 && r.estado == EstadoOcurrencia::Ejecutada) {
+        if (d.id != 0 && r.estado == EstadoOcurrencia::Ejecutada && leido.grupo->size() > 1) {
           generados_[{d.movimiento, dia}].push_back({d.movimiento, d.tipo, d.id, 0});
         }
       }

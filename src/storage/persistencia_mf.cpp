@@ -61,11 +61,10 @@ namespace storage {
 
 std::map<int32_t, clsMFTipo> CargarMovimientos(Connection& cn, const std::vector<int32_t>& ids,
                                                const std::shared_ptr<IClock>& reloj) {
+  // The joins of kSqlCargaCompleta, in two statements so that the header and schedule columns
+  // are not repeated on every line's row.
   constexpr size_t kPorLectura = 500;
   std::map<int32_t, clsMFTipo> out;
-  std::string sql = kSqlCargaCompleta;
-  const std::string una = "Where MFrID = ? Order By RMFOrden";
-  sql.erase(sql.size() - una.size());
   for (size_t desde = 0; desde < ids.size(); desde += kPorLectura) {
     std::string lista;
     DbParams params;
@@ -73,12 +72,36 @@ std::map<int32_t, clsMFTipo> CargarMovimientos(Connection& cn, const std::vector
       lista += lista.empty() ? "?" : ", ?";
       params.emplace_back(ids[i]);
     }
-    auto rs =
-        cn.OpenResultset(sql + "Where MFrID In (" + lista + ") Order By MFrID, RMFOrden", params);
-    while (!rs->Eof()) {
-      const int32_t id = ALong(rs->Get("MFrID"));
-      clsMFTipo& mf = out.try_emplace(id, reloj).first->second;
-      LeerCompleto(*rs, core::RelojOSistema(reloj.get()), mf);
+    auto rs = cn.OpenResultset(
+        "Select genMovimientosFrecuentes.*, genRecurrencias.* From genMovimientosFrecuentes "
+        "LEFT JOIN genRecurrencias ON genMovimientosFrecuentes.MFrRecurrencia = "
+        "genRecurrencias.RecID Where MFrID In (" +
+            lista + ")",
+        params);
+    for (; !rs->Eof(); rs->MoveNext()) {
+      auto mov = std::make_shared<clsRegMovimientoFrecuente>(core::RelojOSistema(reloj.get()));
+      auto rec = std::make_shared<clsRegRecurrencia>();
+      LeerMovimiento(*rs, *mov);
+      if (!EsNulo(rs->Get("RecID"))) LeerRecurrencia(*rs, *rec);
+      clsMFTipo& mf = out.try_emplace(mov->ID(), reloj).first->second;
+      mf.MovFrecuente(std::move(mov));
+      mf.Recurrencia(std::move(rec));
+    }
+    rs = cn.OpenResultset(
+        "Select genRenglonMovFrecuentes.*, CueID, CueCodigo, CueNombre, CueMoneda, "
+        "ProAbreviacion, DepAbreviacion From (((genRenglonMovFrecuentes LEFT JOIN cceCuentas ON "
+        "genRenglonMovFrecuentes.RMFCuenta = cceCuentas.CueID) LEFT JOIN cceProyectos ON "
+        "genRenglonMovFrecuentes.RMFIDProyecto = cceProyectos.ProCodigo) LEFT JOIN "
+        "cceDepartamentos ON genRenglonMovFrecuentes.RMFIDDepartamento = "
+        "cceDepartamentos.DepCodigo) Where RMFMovimiento In (" +
+            lista + ") Order By RMFMovimiento, RMFOrden",
+        params);
+    for (; !rs->Eof(); rs->MoveNext()) {
+      const auto mf = out.find(ALong(rs->Get("RMFMovimiento")));
+      if (mf == out.end()) continue;
+      auto r = std::make_shared<clsRegRenglonMF>();
+      LeerRenglon(*rs, *r);
+      mf->second.Renglones()->AddRenglon(std::move(r));
     }
   }
   return out;
