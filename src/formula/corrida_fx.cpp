@@ -54,7 +54,8 @@ CorridaFx::CorridaFx(clsFuncionesFx& fx, std::vector<std::shared_ptr<clsRegRengl
   for (auto& r : lineas) {
     Linea l;
     l.formula = vb::Trim(r->Formula());
-    l.diferencia = TieneReferencia(fx_.Piezas(l.formula), kFxDiferencia);
+    l.piezas = &fx_.Piezas(l.formula);
+    l.diferencia = TieneReferencia(*l.piezas, kFxDiferencia);
     l.r = std::move(r);
     TrazaLineaFx t;
     t.indice = ++indice;
@@ -107,7 +108,7 @@ void CorridaFx::Terminar(size_t i) {
 bool CorridaFx::PedirTotal() {
   bool usa_total = false;
   for (const Linea& l : lineas_)
-    usa_total = usa_total || TieneReferencia(fx_.Piezas(l.formula), kFxImporteTotal);
+    usa_total = usa_total || TieneReferencia(*l.piezas, kFxImporteTotal);
   traza_.importe_total = total_;
   if (!usa_total) return true;
   if (total_ != 0) {
@@ -217,7 +218,7 @@ std::optional<double> CorridaFx::Evaluar(size_t i) {
 
 std::optional<double> CorridaFx::Formula(size_t i) {
   TrazaLineaFx& tl = traza_.lineas[i];
-  const std::vector<ElementoFx>& piezas = fx_.Piezas(lineas_[i].formula);
+  const std::vector<ElementoFx>& piezas = *lineas_[i].piezas;
   const bool sola = piezas.size() == 1;
   std::string expresion;
   for (const ElementoFx& p : piezas) {
@@ -357,7 +358,7 @@ TrazaElementoFx CorridaFx::PedirDato(size_t i, const std::string& texto, TrazaEl
 void CorridaFx::Diferencia(size_t i) {
   Linea& l = lineas_[i];
   TrazaLineaFx& tl = traza_.lineas[i];
-  const std::vector<ElementoFx>& piezas = fx_.Piezas(l.formula);
+  const std::vector<ElementoFx>& piezas = *l.piezas;
   TrazaElementoFx t;
   t.origen = enuOrigenFx::Diferencia;
   t.elemento = l.formula;

@@ -149,7 +149,8 @@ class clsFuncionesFx {
   Date Ahora() const;
   Date Hoy() const;
 
-  // The pieces of `formula` (DividirFormula), split once and kept with the context.
+  // The pieces of `formula` (DividirFormula), split once and kept with the context; the
+  // reference stays valid while the context's pieces live (they are never dropped).
   const std::vector<ElementoFx>& Piezas(const std::string& formula);
 
   void Evaluador(EvaluadorExpresion f) { evaluador_ = std::move(f); }
