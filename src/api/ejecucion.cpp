@@ -500,7 +500,8 @@ class Ejecutor {
   // again.
   DocumentoGenerado Documento(const MiembroGrupo& m, Date fecha,
                               const std::vector<DocumentoGenerado>& previos, clsMFTipo* cargado) {
-    const std::string quien = Quien(m.id, m.nombre);
+    // Who the messages of a refusal name (only built for one).
+    const auto quien = [&m] { return Quien(m.id, m.nombre); };
     // An in-memory run keeps one evaluator for all its documents: it only reads, and every call
     // starts its own trace.
     std::optional<formula::clsCalculoFx> propio_fx;
@@ -526,13 +527,13 @@ class Ejecutor {
                                               : calculo.SetCalculoFormulasMF(mov, m.id, false, dia);
     if (!calculado) {
       const std::string& error = calculo.Traza().error;
-      throw std::runtime_error(quien + ": " + (error.empty() ? "fórmula sin resultado" : error));
+      throw std::runtime_error(quien() + ": " + (error.empty() ? "fórmula sin resultado" : error));
     }
     const TrazaCalculoFx& traza = calculo.Traza();
     for (const TrazaLineaFx& t : traza.lineas) {
       if (t.reintento_tras_error.empty()) continue;
       throw std::runtime_error(
-          quien + ": la línea " + std::to_string(t.indice) + " (cuenta " +
+          quien() + ": la línea " + std::to_string(t.indice) + " (cuenta " +
           std::to_string(t.cuenta) +
           ") solo tiene valor porque su expresión se evaluó de nuevo leyendo cada \",\" como "
           "\".\" después de un error (" +
@@ -545,7 +546,7 @@ class Ejecutor {
 
     const MonedaDocumento moneda = Moneda(cab.Moneda());
     const auto no_se_expresa = [&](int16_t i, double importe, const MonedaDocumento& en) {
-      return std::runtime_error(quien + ": el importe " + vb::CStr(Variant(importe)) +
+      return std::runtime_error(quien() + ": el importe " + vb::CStr(Variant(importe)) +
                                 " de la línea " + std::to_string(i) + " no se expresa con " +
                                 std::to_string(en.decimales) + " decimales, los de " + en.simbolo);
     };
@@ -566,7 +567,7 @@ class Ejecutor {
       if (!u) throw no_se_expresa(i, r.ImporteMF(), moneda);
       if (*u == 0) continue;
       if (const auto& problema = problemas.at(r.Cuenta())) {
-        throw std::runtime_error(quien + ": línea " + std::to_string(i) + ": " + *problema);
+        throw std::runtime_error(quien() + ": línea " + std::to_string(i) + ": " + *problema);
       }
       const MonedaDocumento de_cuenta = Moneda(r.Moneda());
       const std::optional<int64_t> u_cta = EnUnidades(r.ImporteCta(), de_cuenta);
@@ -578,8 +579,8 @@ class Ejecutor {
       (al_debe ? debe : haber) += std::llabs(*u);
     }
     if (debe != haber) {
-      throw std::runtime_error(quien + ": no balancea: Debe " + Mostrar(debe, moneda) + ", Haber " +
-                               Mostrar(haber, moneda) + " (diferencia " +
+      throw std::runtime_error(quien() + ": no balancea: Debe " + Mostrar(debe, moneda) +
+                               ", Haber " + Mostrar(haber, moneda) + " (diferencia " +
                                Mostrar(std::llabs(debe - haber), moneda) + ")");
     }
     doc.total = DeUnidades(debe, moneda);
@@ -611,7 +612,7 @@ class Ejecutor {
                                    : Comprobante(cab, lineas, SoloDia(fecha), leyenda);
     } else {
       if (cab.Moneda() != 0 && moneda_contable_ != 0 && cab.Moneda() != moneda_contable_) {
-        throw std::runtime_error(quien +
+        throw std::runtime_error(quien() +
                                  ": el asiento está en otra moneda que la de la contabilidad");
       }
       if (memoria_ != nullptr) {
@@ -781,6 +782,11 @@ ResultadoEjecucion Correr(clsMovFrecuente& mf, Connection& cn, int32_t empresa, 
     const Date proxima = r.proxima;
     if (r.ok() && !r.terminada && Dia(proxima) > Dia(v.fecha) && Dia(proxima) <= Dia(hasta)) {
       cola.emplace(std::make_pair(Dia(proxima), v.id), Vencimiento{proxima, v.id, r.nombre});
+    }
+    // An in-memory run reports only what did not run (its caller lists the refusals).
+    if (memoria != nullptr &&
+        (r.estado == EstadoOcurrencia::Ejecutada || r.estado == EstadoOcurrencia::YaGenerada)) {
+      continue;
     }
     out.ocurrencias.push_back(std::move(r));
     if (al_terminar) {

@@ -115,7 +115,8 @@ ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t
 // ...). What this cannot show as the real run would: a formula that reads the database by a
 // query or a script, or reads another movement's document, sees the database as it is, without
 // the documents and schedules worked out here; callers that need those exact (the forecast)
-// take the dry run for them. Database errors never propagate, as for the real run.
+// take the dry run for them. Only the occurrences that did not run (refused or done elsewhere)
+// are in the result. Database errors never propagate, as for the real run.
 ResultadoEjecucion CalcularVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
                                     Date hasta, SaldosEnMemoria& saldos);
 

@@ -50,6 +50,8 @@ CorridaFx::CorridaFx(clsFuncionesFx& fx, std::vector<std::shared_ptr<clsRegRengl
                      const OpcionesCorrida& op, TrazaCalculoFx& traza)
     : fx_(fx), op_(op), traza_(traza), total_(op.total) {
   traza_.lineas.clear();
+  traza_.lineas.reserve(lineas.size());
+  lineas_.reserve(lineas.size());
   int16_t indice = 0;
   for (auto& r : lineas) {
     Linea l;
