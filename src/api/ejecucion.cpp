@@ -326,23 +326,15 @@ class Ejecutor {
     }
   }
 
-  // The problem of each account a line would be written to; an in-memory run reads each
-  // account once.
-  std::map<int32_t, std::optional<std::string>> Problemas(int32_t empresa,
-                                                          const std::set<int32_t>& cuentas) {
-    if (memoria_ == nullptr) return storage::ProblemasCuentasRenglones(cn_, empresa, cuentas);
-    std::set<int32_t> faltan;
-    for (int32_t c : cuentas) {
-      if (problemas_.count({empresa, c}) == 0) faltan.insert(c);
+  // The problem of an account a line would be written to, for an in-memory run, which reads
+  // each account once.
+  const std::optional<std::string>& Problema(int32_t empresa, int32_t cuenta) {
+    auto p = problemas_.find({empresa, cuenta});
+    if (p == problemas_.end()) {
+      auto leido = storage::ProblemasCuentasRenglones(cn_, empresa, {cuenta});
+      p = problemas_.emplace(std::make_pair(empresa, cuenta), std::move(leido.at(cuenta))).first;
     }
-    if (!faltan.empty()) {
-      for (auto& [c, p] : storage::ProblemasCuentasRenglones(cn_, empresa, faltan)) {
-        problemas_[{empresa, c}] = std::move(p);
-      }
-    }
-    std::map<int32_t, std::optional<std::string>> out;
-    for (int32_t c : cuentas) out[c] = problemas_.at({empresa, c});
-    return out;
+    return p->second;
   }
 
   // One occurrence of the in-memory run: the steps of the real one on the movement as read
@@ -486,11 +478,16 @@ class Ejecutor {
 
   // How amounts of currency `id` (0 = the accounting currency) are rounded, as the formula
   // evaluator rounds them.
-  MonedaDocumento Moneda(int16_t id) {
-    const formula::MonedaFx* m = monedas_.Moneda(id);
-    const formula::MonedaFx datos = m != nullptr ? *m : formula::MonedaFx{};
-    return {formula::DecimalesFormato(datos.formato_importe), datos.formato_importe,
-            m != nullptr ? datos.simbolo : "moneda " + std::to_string(id)};
+  // Worked out once per currency: the currencies are read when the run starts.
+  const MonedaDocumento& Moneda(int16_t id) {
+    const auto [hecha, nueva] = monedas_documento_.try_emplace(id);
+    if (nueva) {
+      const formula::MonedaFx* m = monedas_.Moneda(id);
+      const formula::MonedaFx datos = m != nullptr ? *m : formula::MonedaFx{};
+      hecha->second = {formula::DecimalesFormato(datos.formato_importe), datos.formato_importe,
+                       m != nullptr ? datos.simbolo : "moneda " + std::to_string(id)};
+    }
+    return hecha->second;
   }
 
   // Computes member `m` as of `fecha` and writes its document. `previos` are the documents the
@@ -544,7 +541,7 @@ class Ejecutor {
     doc.movimiento = m.id;
     doc.tipo = static_cast<int16_t>(ToInt(cab.Tipo()));
 
-    const MonedaDocumento moneda = Moneda(cab.Moneda());
+    const MonedaDocumento& moneda = Moneda(cab.Moneda());
     const auto no_se_expresa = [&](int16_t i, double importe, const MonedaDocumento& en) {
       return std::runtime_error(quien() + ": el importe " + vb::CStr(Variant(importe)) +
                                 " de la línea " + std::to_string(i) + " no se expresa con " +
@@ -553,23 +550,29 @@ class Ejecutor {
     std::vector<Linea> lineas;
     int64_t debe = 0, haber = 0;
     const clsRenglonesMF& renglones = *mov.Renglones();
-    // The accounts of the lines that are written, read at once.
-    std::set<int32_t> cuentas;
-    for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
-      const clsRegRenglonMF& r = *renglones.Renglon(i);
-      const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
-      if (u && *u != 0) cuentas.insert(r.Cuenta());
+    // The accounts of the lines that are written, read at once (an in-memory run has read
+    // them before).
+    std::map<int32_t, std::optional<std::string>> problemas;
+    if (memoria_ == nullptr) {
+      std::set<int32_t> cuentas;
+      for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+        const clsRegRenglonMF& r = *renglones.Renglon(i);
+        const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
+        if (u && *u != 0) cuentas.insert(r.Cuenta());
+      }
+      problemas = storage::ProblemasCuentasRenglones(cn_, cab.Empresa(), cuentas);
     }
-    const auto problemas = Problemas(cab.Empresa(), cuentas);
     for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
       const clsRegRenglonMF& r = *renglones.Renglon(i);
       const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
       if (!u) throw no_se_expresa(i, r.ImporteMF(), moneda);
       if (*u == 0) continue;
-      if (const auto& problema = problemas.at(r.Cuenta())) {
+      const std::optional<std::string>& problema =
+          memoria_ != nullptr ? Problema(cab.Empresa(), r.Cuenta()) : problemas.at(r.Cuenta());
+      if (problema) {
         throw std::runtime_error(quien() + ": línea " + std::to_string(i) + ": " + *problema);
       }
-      const MonedaDocumento de_cuenta = Moneda(r.Moneda());
+      const MonedaDocumento& de_cuenta = Moneda(r.Moneda());
       const std::optional<int64_t> u_cta = EnUnidades(r.ImporteCta(), de_cuenta);
       if (!u_cta) throw no_se_expresa(i, r.ImporteCta(), de_cuenta);
       // A negative amount belongs on the other side.
@@ -592,7 +595,9 @@ class Ejecutor {
     if (memoria_ != nullptr) {
       // Nothing in memory shows the legend, but a legend whose date macros cannot be worked
       // out refuses the occurrence; whether it can depends only on the template and the day.
-      const auto [l, nueva] = leyendas_.try_emplace({plantilla, Dia(fecha)});
+      auto por_dia = leyendas_.find(plantilla);
+      if (por_dia == leyendas_.end()) por_dia = leyendas_.emplace(plantilla, PorDia{}).first;
+      const auto [l, nueva] = por_dia->second.try_emplace(Dia(fecha));
       if (nueva) {
         try {
           formula::InterpretarFormulaLeyenda(plantilla, SoloDia(fecha), reloj_);
@@ -728,8 +733,10 @@ class Ejecutor {
   std::map<std::pair<int32_t, int64_t>, std::vector<DocumentoGenerado>> generados_;
   std::optional<formula::clsCalculoFx> evaluador_memoria_;
   std::set<int32_t> terminados_;  // schedules it ended
-  // Why the legend of a template cannot be worked out on a day, by (template, day).
-  std::map<std::pair<std::string, int64_t>, std::optional<std::string>> leyendas_;
+  // Why the legend of a template cannot be worked out on a day, by template and day.
+  using PorDia = std::map<int64_t, std::optional<std::string>>;
+  std::map<std::string, PorDia, std::less<>> leyendas_;
+  std::map<int16_t, MonedaDocumento> monedas_documento_;
   int32_t ultimo_en_memoria_ = 0;  // documents it works out get -1, -2, ...
   formula::clsMonedas monedas_;
   IDBFncs* dbf_ = nullptr;
