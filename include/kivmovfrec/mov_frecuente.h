@@ -268,8 +268,9 @@ class KMF_API clsMovFrecuente {
   ResultadoSimulacion SimularVencidos(Date dHasta);
 
   // The balances of accounts by period from dDesde to dHasta: the posted entries plus every
-  // occurrence the main job would post up to dHasta, simulated as SimularVencidos does, with the
-  // notices and task lists due in the range (kivmovfrec/simulacion.h). Nothing is kept. A bad
+  // occurrence the main job would post up to dHasta, computed in memory as that run computes
+  // them (or by the dry run, SimularVencidos, when a formula needs it), with the notices and
+  // task lists due in the range (kivmovfrec/simulacion.h). Nothing is kept. A bad
   // request is refused in ResultadoPronostico::rechazo; database errors never propagate.
   // Before Connect: an empty result.
   ResultadoPronostico PronosticarSaldos(const SolicitudPronostico& solicitud);

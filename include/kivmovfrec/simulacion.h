@@ -118,6 +118,16 @@ struct KMF_API RecordatorioPronostico {
   std::string nombre;
 };
 
+// How it is worked out. Every occurrence the main job would run up to the last day is computed
+// as that run computes it (same order, formulas, rounding, refusals), in memory: nothing is
+// written and no lock is taken, and a formula reading an account's balance sees the entries of
+// the occurrences before it. A formula whose value could depend on the documents or schedules
+// the run would write — a [query] or [codescript] block (the occurrence count is one), or a
+// line of another movement's document — cannot be followed in memory: when any pending entry
+// or voucher has one, the whole forecast is made by the dry run of the main job instead
+// (SimularVencidos, above), which is exact but takes the write lock and is much slower;
+// ResultadoPronostico::por_simulacion then says which formula asked for it.
+//
 // Balances follow the account-balance service (IAccountBalance, suite::DbAccountBalance): debit
 // minus credit of the lines of posted entries (AsiEstado 1), in the accounting currency, to four
 // decimals. The main job posts its entries in that state, so each simulated entry counts exactly
@@ -134,8 +144,10 @@ struct KMF_API ResultadoPronostico {
   // Why no forecast was made: a range that ends before it starts, an account that is not one of
   // the company's; "" when it was.
   std::string rechazo;
-  // Why the dry run behind it stopped early (the figures then miss what was not simulated).
+  // Why the run behind it stopped early (the figures then miss what was not worked out).
   std::string detenida;
+  // Why the figures come from the dry run instead of the in-memory run; "" when from memory.
+  std::string por_simulacion;
   bool ok() const { return rechazo.empty() && detenida.empty(); }
 };
 

@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
+
 #include "kivmovfrec/records.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
@@ -15,10 +17,12 @@
 namespace kivmovfrec::api {
 
 std::string TextoProxima(Date proxima) {
-  std::string texto = vb::FormatDate(proxima, "dd/mm/yyyy");
-  const vb::DateParts hora = vb::Split(proxima);
-  if (hora.hour != 0 || hora.minute != 0 || hora.second != 0) {
-    texto += " " + vb::FormatDate(proxima, "hh:nn");
+  // Format(proxima, "dd/mm/yyyy") and Format(proxima, "hh:nn"), written directly from the parts
+  // (the main job writes one per occurrence).
+  const vb::DateParts p = vb::Split(proxima);
+  std::string texto = fmt::format("{:02d}/{:02d}/{:04d}", p.day, p.month, p.year);
+  if (p.hour != 0 || p.minute != 0 || p.second != 0) {
+    texto += fmt::format(" {:02d}:{:02d}", p.hour, p.minute);
   }
   return texto;
 }
@@ -35,6 +39,25 @@ std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec) {
   s.last = vb::ParseDate(rec.FechaFinal());
   s.no_end = rec.SinVencimiento() != 0;
   return s;
+}
+
+bool AvanzarRegistros(const ContextoMF& ctx, IDateCalculator& calendario,
+                      clsRegMovimientoFrecuente& mov, clsRegRecurrencia& rec, Date* proxima) {
+  const std::optional<schedule::Schedule> agenda = AgendaDe(rec);
+  if (!agenda) throw VbError(13);
+  const schedule::AfterOccurrence siguiente = schedule::NextOccurrence(*agenda, calendario);
+  if (siguiente.ended) {
+    mov.Estado(enuEstadoMF::Realizado);
+    mov.FechaEstado(ctx.Reloj().Now());
+    return true;
+  }
+  rec.FechaProxima(TextoProxima(siguiente.due));
+  rec.NumOcurrencia(siguiente.occurrence);
+  rec.Postergado(0.0f);
+  if (proxima != nullptr) {
+    *proxima = storage::FechaSegunFormatoBD(vb::CDate(Variant(rec.FechaProxima())), ctx.parametros);
+  }
+  return false;
 }
 
 const char* const AvanceAgenda::kSqlReservar =
@@ -78,35 +101,21 @@ ResultadoOcurrencia AvanceAgenda::Realizar(int32_t id, clsRegMovimientoFrecuente
   }
   if (mov.Recurrencia() < 1 || rec.ID() != mov.Recurrencia()) return ResultadoOcurrencia::NoAplica;
 
-  const std::optional<schedule::Schedule> agenda = AgendaDe(rec);
-  if (!agenda) throw VbError(13);
-  const schedule::AfterOccurrence siguiente = schedule::NextOccurrence(*agenda, cal_);
+  const bool termina = AvanzarRegistros(ctx_, cal_, mov, rec, proxima);
   // Both rows were read in this transaction after the claim, so they are there and are written
   // together; should one be gone all the same, the full save puts it back as it always did.
   std::vector<DbStatement> escribir;
-  if (siguiente.ended) {
-    mov.Estado(enuEstadoMF::Realizado);
-    mov.FechaEstado(ctx_.Reloj().Now());
-  } else {
-    rec.FechaProxima(TextoProxima(siguiente.due));
-    rec.NumOcurrencia(siguiente.occurrence);
-    rec.Postergado(0.0f);
-    escribir.push_back(storage::SentenciaActualizarRecurrencia(rec, ctx_.parametros));
-    if (proxima != nullptr) {
-      *proxima =
-          storage::FechaSegunFormatoBD(vb::CDate(Variant(rec.FechaProxima())), ctx_.parametros);
-    }
-  }
+  if (!termina) escribir.push_back(storage::SentenciaActualizarRecurrencia(rec, ctx_.parametros));
   escribir.push_back(storage::SentenciaActualizarMovimiento(mov));
   const std::vector<int64_t> escritas = cn_.ExecuteAll(escribir);
-  if (!siguiente.ended && escritas.front() == 0) {
+  if (!termina && escritas.front() == 0) {
     storage::GuardarRecurrencia(cn_, dbf_, rec, ctx_.parametros);
   }
   if (escritas.back() == 0) storage::GuardarMovimiento(cn_, dbf_, mov, ctx_.parametros);
   if (mov.Tipo() == enuTipoMovFrec::Calendario) {
     cn_.Execute(SqlMarcarAvisosVistos(id, mov.Modalidad()));
   }
-  return siguiente.ended ? ResultadoOcurrencia::Terminada : ResultadoOcurrencia::Avanzada;
+  return termina ? ResultadoOcurrencia::Terminada : ResultadoOcurrencia::Avanzada;
 }
 
 }  // namespace kivmovfrec::api

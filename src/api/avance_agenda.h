@@ -52,6 +52,15 @@ std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec);
 // The next due date as a schedule keeps it: "dd/mm/yyyy hh:nn", or "dd/mm/yyyy" at midnight.
 std::string TextoProxima(Date proxima);
 
+// Moves the records of a pending movement with a schedule past its current occurrence, in
+// memory (the rules above): either `rec` holds the next due date, occurrence number + 1 and no
+// postponement, and `proxima` (when given) receives that date as the database keeps it; or the
+// schedule ended and `mov` is Realizado since now. True when it ended. VbError(13) when
+// FechaProxima is not a date; the calculator's errors propagate. AvanceAgenda::Realizar writes
+// what this leaves; the in-memory run of the main job keeps it.
+bool AvanzarRegistros(const ContextoMF& ctx, IDateCalculator& calendario,
+                      clsRegMovimientoFrecuente& mov, clsRegRecurrencia& rec, Date* proxima);
+
 class AvanceAgenda {
  public:
   // `ctx` must have its services (a connected façade's context) and outlive this object; `cn`

@@ -11,6 +11,7 @@
 
 #include "api/avance_agenda.h"
 #include "api/grupo_vinculado.h"
+#include "api/saldos_memoria.h"
 #include "formula/calculo_fx.h"
 #include "formula/funciones_fx.h"
 #include "formula/leyenda.h"
@@ -26,6 +27,7 @@
 #include "storage/contador.h"
 #include "storage/fila.h"
 #include "storage/tabla_cuentas.h"
+#include "storage/tabla_movimientos.h"
 #include "storage/tabla_recurrencias.h"
 
 namespace kivmovfrec::api {
@@ -144,12 +146,18 @@ struct Linea {
 
 class Ejecutor {
  public:
-  Ejecutor(clsMovFrecuente& mf, Connection& cn, int32_t empresa, int nivel)
+  // `memoria`: work the occurrences out in memory, their entries added there (CalcularVencidos).
+  Ejecutor(clsMovFrecuente& mf, Connection& cn, int32_t empresa, int nivel,
+           SaldosEnMemoria* memoria)
       : ctx_(mf.Contexto()),
         cn_(cn),
         nivel_(nivel),
+        memoria_(memoria),
         monedas_(ctx_.servicios.clock, ctx_.parametros) {
     const SuiteServices& sv = ctx_.servicios;
+    saldos_ = memoria_ != nullptr
+                  ? std::shared_ptr<IAccountBalance>(std::shared_ptr<IAccountBalance>{}, memoria_)
+                  : sv.balance;
     dbf_ = sv.db.get();
     reloj_ = sv.clock.get();
     usuario_ = sv.rights ? sv.rights->Usuario() : 0;
@@ -169,6 +177,7 @@ class Ejecutor {
   // Runs one occurrence in its own transaction. Throws Detencion when the database cannot be
   // used any more.
   OcurrenciaEjecutada Ocurrencia(const Vencimiento& v) {
+    if (memoria_ != nullptr) return EnMemoria(v);
     OcurrenciaEjecutada r;
     r.movimiento = v.id;
     r.nombre = v.nombre;
@@ -239,7 +248,164 @@ class Ejecutor {
     return r;
   }
 
+  // The documents of the company's movements dated from day `desde` to day `hasta`, read once
+  // for an in-memory run: the occurrences it works out find them there instead of in a read
+  // of their own.
+  void LeerGenerados(int64_t desde, int64_t hasta) {
+    const DbParams dias = {Variant(Date{static_cast<double>(desde)}),
+                           Variant(Date{static_cast<double>(hasta + 1)})};
+    DbParams params = dias;
+    params.insert(params.end(), dias.begin(), dias.end());
+    for (auto rs = cn_.OpenResultset(
+             "Select 1, AsiID, AsiMovFrecuente, AsiFecha From cceAsientos Where AsiMovFrecuente "
+             "Is Not Null And AsiFecha >= ? And AsiFecha < ? Union All Select 2, ComID, "
+             "ComMovFrecuente, ComFecha From cceComprobantes Where ComMovFrecuente Is Not Null "
+             "And ComFecha >= ? And ComFecha < ? Order By 1, 2",
+             params);
+         !rs->Eof(); rs->MoveNext()) {
+      generados_[{storage::ALong(rs->Get(2)), Dia(storage::AFecha(rs->Get(3)))}].push_back(
+          {storage::ALong(rs->Get(2)), static_cast<int16_t>(storage::ALong(rs->Get(0))),
+           storage::ALong(rs->Get(1)), 0});
+    }
+  }
+
  private:
+  // A movement as an in-memory run read it once: its records then follow the occurrences it
+  // works out (the schedule advanced, Realizado after the last), and the stored amounts of its
+  // lines are put back before each computation, as a fresh read would give them.
+  struct Leido {
+    bool existe = false;
+    clsMFTipo mov;
+    std::vector<std::pair<double, double>> importes;  // ImporteMF, ImporteCta as stored
+    std::optional<std::vector<MiembroGrupo>> grupo;
+  };
+
+  Leido& Leer(int32_t id) {
+    std::unique_ptr<Leido>& l = leidos_[id];
+    if (!l) {
+      l = std::make_unique<Leido>();
+      l->mov = clsMFTipo(ctx_.servicios.clock);
+      Guardar(*l, l->mov.Load(cn_, id));
+    }
+    return *l;
+  }
+
+  void Guardar(Leido& l, bool existe) {
+    l.existe = existe;
+    if (!existe) return;
+    const clsRenglonesMF& renglones = *l.mov.Renglones();
+    for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+      l.importes.emplace_back(renglones.Renglon(i)->ImporteMF(),
+                              renglones.Renglon(i)->ImporteCta());
+    }
+  }
+
+ public:
+  // Reads the scheduled movements `ids` of an in-memory run together, before it starts.
+  void Precargar(const std::vector<int32_t>& ids) {
+    std::map<int32_t, int32_t> vinculados;
+    for (auto& [id, mov] : storage::CargarMovimientos(cn_, ids, ctx_.servicios.clock)) {
+      auto l = std::make_unique<Leido>();
+      l->mov = std::move(mov);
+      Guardar(*l, true);
+      vinculados[id] = l->mov.MovFrecuente()->MovVinculado();
+      leidos_[id] = std::move(l);
+    }
+    for (auto& [id, grupo] : GruposEnOrden(cn_, vinculados)) {
+      leidos_.at(id)->grupo = std::move(grupo.miembros);
+    }
+  }
+
+ private:
+  void Restituir(clsMFTipo& mov) {
+    const Leido& l = *leidos_.at(mov.MovFrecuente()->ID());
+    const clsRenglonesMF& renglones = *mov.Renglones();
+    for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+      renglones.Renglon(i)->ImporteMF(l.importes[i - 1].first);
+      renglones.Renglon(i)->ImporteCta(l.importes[i - 1].second);
+    }
+  }
+
+  // The problem of an account a line would be written to, for an in-memory run, which reads
+  // each account once.
+  const std::optional<std::string>& Problema(int32_t empresa, int32_t cuenta) {
+    auto p = problemas_.find({empresa, cuenta});
+    if (p == problemas_.end()) {
+      auto leido = storage::ProblemasCuentasRenglones(cn_, empresa, {cuenta});
+      p = problemas_.emplace(std::make_pair(empresa, cuenta), std::move(leido.at(cuenta))).first;
+    }
+    return p->second;
+  }
+
+  // One occurrence of the in-memory run: the steps of the real one on the movement as read
+  // once, its entries added to memoria_ (kept when it succeeds) instead of written, the
+  // schedule advanced on the records kept here.
+  OcurrenciaEjecutada EnMemoria(const Vencimiento& v) {
+    OcurrenciaEjecutada r;
+    r.movimiento = v.id;
+    r.nombre = v.nombre;
+    r.fecha = v.fecha;
+    try {
+      Leido& leido = Leer(v.id);
+      clsMFTipo& mov = leido.mov;
+      if (leido.existe) r.nombre = mov.MovFrecuente()->Nombre();
+      r.detalle = Cambio(leido.existe, mov, v.fecha, r.proxima);
+      if (!r.detalle.empty()) {
+        r.estado = EstadoOcurrencia::HechaEnOtraParte;
+        return r;
+      }
+      if (!leido.grupo) {
+        leido.grupo = GrupoEnOrden(cn_, v.id, mov.MovFrecuente()->MovVinculado()).miembros;
+      }
+      const int64_t dia = Dia(v.fecha);
+      for (const MiembroGrupo& m : *leido.grupo) {
+        const auto g = generados_.find({m.id, dia});
+        if (g == generados_.end()) continue;
+        for (DocumentoGenerado d : g->second) {
+          if (d.tipo == 1 && m.tipo == 4) d.tipo = 4;
+          r.documentos.push_back(d);
+        }
+      }
+      r.estado = EstadoOcurrencia::YaGenerada;
+      if (r.documentos.empty()) {
+        r.estado = EstadoOcurrencia::Ejecutada;
+        for (const MiembroGrupo& m : *leido.grupo) {
+          const bool pendiente = m.estado == 0 && terminados_.count(m.id) == 0;
+          if (m.id == v.id || (pendiente && EsAsientoOComprobante(m.tipo))) {
+            r.documentos.push_back(
+                Documento(m, v.fecha, r.documentos, m.id == v.id ? &mov : nullptr));
+          }
+        }
+      }
+      // Advanced on the records kept, as the commit would keep them (nothing is changed there
+      // before the next date has been worked out, which is what can fail).
+      Date proxima{};
+      r.terminada =
+          AvanzarRegistros(ctx_, *calendario_, *mov.MovFrecuente(), *mov.Recurrencia(), &proxima);
+      if (!r.terminada) r.proxima = proxima;
+      if (r.terminada) terminados_.insert(v.id);
+      // Another occurrence on the same day can only find them through another member of a
+      // group: a movement alone never comes back on the same day.
+      for (const DocumentoGenerado& d : r.documentos) {
+        if (d.id != 0 && r.estado == EstadoOcurrencia::Ejecutada && leido.grupo->size() > 1) {
+          generados_[{d.movimiento, dia}].push_back({d.movimiento, d.tipo, d.id, 0});
+        }
+      }
+      memoria_->Confirmar();
+    } catch (const DbError& e) {
+      memoria_->Descartar();
+      if (InutilizaLaBase(e.kind())) {
+        throw Detencion{"la base de datos no se puede usar (" + sql::DescribirErrorDb(e) +
+                        "); lo que falta queda vencido para la próxima ejecución"};
+      }
+      Fallar(r, sql::DescribirErrorDb(e));
+    } catch (const std::exception& e) {
+      memoria_->Descartar();
+      Fallar(r, e.what());
+    }
+    return r;
+  }
+
   static void Fallar(OcurrenciaEjecutada& r, std::string error) {
     r.estado = EstadoOcurrencia::Fallida;
     r.error = std::move(error);
@@ -312,11 +478,16 @@ class Ejecutor {
 
   // How amounts of currency `id` (0 = the accounting currency) are rounded, as the formula
   // evaluator rounds them.
-  MonedaDocumento Moneda(int16_t id) {
-    const formula::MonedaFx* m = monedas_.Moneda(id);
-    const formula::MonedaFx datos = m != nullptr ? *m : formula::MonedaFx{};
-    return {formula::DecimalesFormato(datos.formato_importe), datos.formato_importe,
-            m != nullptr ? datos.simbolo : "moneda " + std::to_string(id)};
+  // Worked out once per currency: the currencies are read when the run starts.
+  const MonedaDocumento& Moneda(int16_t id) {
+    const auto [hecha, nueva] = monedas_documento_.try_emplace(id);
+    if (nueva) {
+      const formula::MonedaFx* m = monedas_.Moneda(id);
+      const formula::MonedaFx datos = m != nullptr ? *m : formula::MonedaFx{};
+      hecha->second = {formula::DecimalesFormato(datos.formato_importe), datos.formato_importe,
+                       m != nullptr ? datos.simbolo : "moneda " + std::to_string(id)};
+    }
+    return hecha->second;
   }
 
   // Computes member `m` as of `fecha` and writes its document. `previos` are the documents the
@@ -326,8 +497,14 @@ class Ejecutor {
   // again.
   DocumentoGenerado Documento(const MiembroGrupo& m, Date fecha,
                               const std::vector<DocumentoGenerado>& previos, clsMFTipo* cargado) {
-    const std::string quien = Quien(m.id, m.nombre);
-    formula::clsCalculoFx calculo = Evaluador();
+    // Who the messages of a refusal name (only built for one).
+    const auto quien = [&m] { return Quien(m.id, m.nombre); };
+    // An in-memory run keeps one evaluator for all its documents: it only reads, and every call
+    // starts its own trace.
+    std::optional<formula::clsCalculoFx> propio_fx;
+    if (memoria_ != nullptr && !evaluador_memoria_) evaluador_memoria_.emplace(Evaluador());
+    formula::clsCalculoFx& calculo =
+        memoria_ != nullptr ? *evaluador_memoria_ : propio_fx.emplace(Evaluador());
     calculo.Funciones().Ocurrencia([&previos](int32_t id) -> std::optional<int32_t> {
       for (const DocumentoGenerado& d : previos) {
         if (d.movimiento == id) return d.id;
@@ -335,6 +512,11 @@ class Ejecutor {
       return std::nullopt;
     });
     clsMFTipo propio(ctx_.servicios.clock);
+    if (memoria_ != nullptr && cargado == nullptr) {
+      Leido& leido = Leer(m.id);
+      if (leido.existe) cargado = &leido.mov;
+    }
+    if (memoria_ != nullptr && cargado != nullptr) Restituir(*cargado);
     clsMFTipo& mov = cargado != nullptr ? *cargado : propio;
     Date dia = SoloDia(fecha);
     // Prompts are allowed: a movement that needs a typed value cannot run unattended.
@@ -342,13 +524,13 @@ class Ejecutor {
                                               : calculo.SetCalculoFormulasMF(mov, m.id, false, dia);
     if (!calculado) {
       const std::string& error = calculo.Traza().error;
-      throw std::runtime_error(quien + ": " + (error.empty() ? "fórmula sin resultado" : error));
+      throw std::runtime_error(quien() + ": " + (error.empty() ? "fórmula sin resultado" : error));
     }
     const TrazaCalculoFx& traza = calculo.Traza();
     for (const TrazaLineaFx& t : traza.lineas) {
       if (t.reintento_tras_error.empty()) continue;
       throw std::runtime_error(
-          quien + ": la línea " + std::to_string(t.indice) + " (cuenta " +
+          quien() + ": la línea " + std::to_string(t.indice) + " (cuenta " +
           std::to_string(t.cuenta) +
           ") solo tiene valor porque su expresión se evaluó de nuevo leyendo cada \",\" como "
           "\".\" después de un error (" +
@@ -359,32 +541,38 @@ class Ejecutor {
     doc.movimiento = m.id;
     doc.tipo = static_cast<int16_t>(ToInt(cab.Tipo()));
 
-    const MonedaDocumento moneda = Moneda(cab.Moneda());
+    const MonedaDocumento& moneda = Moneda(cab.Moneda());
     const auto no_se_expresa = [&](int16_t i, double importe, const MonedaDocumento& en) {
-      return std::runtime_error(quien + ": el importe " + vb::CStr(Variant(importe)) +
+      return std::runtime_error(quien() + ": el importe " + vb::CStr(Variant(importe)) +
                                 " de la línea " + std::to_string(i) + " no se expresa con " +
                                 std::to_string(en.decimales) + " decimales, los de " + en.simbolo);
     };
     std::vector<Linea> lineas;
     int64_t debe = 0, haber = 0;
     const clsRenglonesMF& renglones = *mov.Renglones();
-    // The accounts of the lines that are written, read at once.
-    std::set<int32_t> cuentas;
-    for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
-      const clsRegRenglonMF& r = *renglones.Renglon(i);
-      const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
-      if (u && *u != 0) cuentas.insert(r.Cuenta());
+    // The accounts of the lines that are written, read at once (an in-memory run has read
+    // them before).
+    std::map<int32_t, std::optional<std::string>> problemas;
+    if (memoria_ == nullptr) {
+      std::set<int32_t> cuentas;
+      for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
+        const clsRegRenglonMF& r = *renglones.Renglon(i);
+        const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
+        if (u && *u != 0) cuentas.insert(r.Cuenta());
+      }
+      problemas = storage::ProblemasCuentasRenglones(cn_, cab.Empresa(), cuentas);
     }
-    const auto problemas = storage::ProblemasCuentasRenglones(cn_, cab.Empresa(), cuentas);
     for (int16_t i = 1; i <= renglones.QRenglones(); ++i) {
       const clsRegRenglonMF& r = *renglones.Renglon(i);
       const std::optional<int64_t> u = EnUnidades(r.ImporteMF(), moneda);
       if (!u) throw no_se_expresa(i, r.ImporteMF(), moneda);
       if (*u == 0) continue;
-      if (const auto& problema = problemas.at(r.Cuenta())) {
-        throw std::runtime_error(quien + ": línea " + std::to_string(i) + ": " + *problema);
+      const std::optional<std::string>& problema =
+          memoria_ != nullptr ? Problema(cab.Empresa(), r.Cuenta()) : problemas.at(r.Cuenta());
+      if (problema) {
+        throw std::runtime_error(quien() + ": línea " + std::to_string(i) + ": " + *problema);
       }
-      const MonedaDocumento de_cuenta = Moneda(r.Moneda());
+      const MonedaDocumento& de_cuenta = Moneda(r.Moneda());
       const std::optional<int64_t> u_cta = EnUnidades(r.ImporteCta(), de_cuenta);
       if (!u_cta) throw no_se_expresa(i, r.ImporteCta(), de_cuenta);
       // A negative amount belongs on the other side.
@@ -394,8 +582,8 @@ class Ejecutor {
       (al_debe ? debe : haber) += std::llabs(*u);
     }
     if (debe != haber) {
-      throw std::runtime_error(quien + ": no balancea: Debe " + Mostrar(debe, moneda) + ", Haber " +
-                               Mostrar(haber, moneda) + " (diferencia " +
+      throw std::runtime_error(quien() + ": no balancea: Debe " + Mostrar(debe, moneda) +
+                               ", Haber " + Mostrar(haber, moneda) + " (diferencia " +
                                Mostrar(std::llabs(debe - haber), moneda) + ")");
     }
     doc.total = DeUnidades(debe, moneda);
@@ -404,16 +592,43 @@ class Ejecutor {
     // The movement's memo is its legend template ("Alquiler de oficina &[FFAñoMes]"); a
     // movement without one is described by its name.
     const std::string& plantilla = cab.Memo().empty() ? cab.Nombre() : cab.Memo();
-    const std::string leyenda = vb::Left(
-        formula::InterpretarFormulaLeyenda(plantilla, SoloDia(fecha), reloj_), kLargoLeyenda);
+    if (memoria_ != nullptr) {
+      // Nothing in memory shows the legend, but a legend whose date macros cannot be worked
+      // out refuses the occurrence; whether it can depends only on the template and the day.
+      auto por_dia = leyendas_.find(plantilla);
+      if (por_dia == leyendas_.end()) por_dia = leyendas_.emplace(plantilla, PorDia{}).first;
+      const auto [l, nueva] = por_dia->second.try_emplace(Dia(fecha));
+      if (nueva) {
+        try {
+          formula::InterpretarFormulaLeyenda(plantilla, SoloDia(fecha), reloj_);
+        } catch (const std::exception& e) {
+          l->second = e.what();
+        }
+      }
+      if (l->second) throw std::runtime_error(*l->second);
+    }
+    const std::string leyenda =
+        memoria_ != nullptr
+            ? std::string()
+            : vb::Left(formula::InterpretarFormulaLeyenda(plantilla, SoloDia(fecha), reloj_),
+                       kLargoLeyenda);
     if (cab.Tipo() == enuTipoMovFrec::Comprobante) {
-      doc.id = Comprobante(cab, lineas, SoloDia(fecha), leyenda);
+      doc.id = memoria_ != nullptr ? --ultimo_en_memoria_
+                                   : Comprobante(cab, lineas, SoloDia(fecha), leyenda);
     } else {
       if (cab.Moneda() != 0 && moneda_contable_ != 0 && cab.Moneda() != moneda_contable_) {
-        throw std::runtime_error(quien +
+        throw std::runtime_error(quien() +
                                  ": el asiento está en otra moneda que la de la contabilidad");
       }
-      doc.id = Asiento(cab, lineas, SoloDia(fecha), leyenda);
+      if (memoria_ != nullptr) {
+        doc.id = --ultimo_en_memoria_;
+        for (const Linea& l : lineas) {
+          memoria_->Agregar(l.renglon->Cuenta(), SoloDia(fecha), l.al_debe ? l.importe : 0.0,
+                            l.al_debe ? 0.0 : l.importe);
+        }
+      } else {
+        doc.id = Asiento(cab, lineas, SoloDia(fecha), leyenda);
+      }
     }
     return doc;
   }
@@ -426,13 +641,11 @@ class Ejecutor {
     const SuiteServices& sv = ctx_.servicios;
     const auto cn = std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn_);
     if (!contexto_fx_) {
-      formula::clsCalculoFx primero(cn, empresa_, {sv.input, sv.clock, sv.balance},
-                                    ctx_.parametros);
+      formula::clsCalculoFx primero(cn, empresa_, {sv.input, sv.clock, saldos_}, ctx_.parametros);
       contexto_fx_ = primero.Funciones().Contexto();
       if (monedas_leidas_) contexto_fx_->monedas = monedas_.Monedas();
     }
-    return formula::clsCalculoFx(cn, *contexto_fx_, {sv.input, sv.clock, sv.balance},
-                                 ctx_.parametros);
+    return formula::clsCalculoFx(cn, *contexto_fx_, {sv.input, sv.clock, saldos_}, ctx_.parametros);
   }
 
   int32_t Asiento(const clsRegMovimientoFrecuente& cab, const std::vector<Linea>& lineas,
@@ -511,6 +724,20 @@ class Ejecutor {
   const ContextoMF& ctx_;
   Connection& cn_;
   int nivel_ = 0;  // the caller's transaction level in a dry run, 0 in a real one
+  SaldosEnMemoria* memoria_ = nullptr;       // an in-memory run's entries; null in the others
+  std::shared_ptr<IAccountBalance> saldos_;  // the balances the formulas read
+  // The in-memory run's reads, once each: movements, accounts' problems by (company, account),
+  // and the documents generated by (movement, day), those it worked out included.
+  std::map<int32_t, std::unique_ptr<Leido>> leidos_;
+  std::map<std::pair<int32_t, int32_t>, std::optional<std::string>> problemas_;
+  std::map<std::pair<int32_t, int64_t>, std::vector<DocumentoGenerado>> generados_;
+  std::optional<formula::clsCalculoFx> evaluador_memoria_;
+  std::set<int32_t> terminados_;  // schedules it ended
+  // Why the legend of a template cannot be worked out on a day, by template and day.
+  using PorDia = std::map<int64_t, std::optional<std::string>>;
+  std::map<std::string, PorDia, std::less<>> leyendas_;
+  std::map<int16_t, MonedaDocumento> monedas_documento_;
+  int32_t ultimo_en_memoria_ = 0;  // documents it works out get -1, -2, ...
   formula::clsMonedas monedas_;
   IDBFncs* dbf_ = nullptr;
   IClock* reloj_ = nullptr;
@@ -523,11 +750,10 @@ class Ejecutor {
   std::optional<formula::ContextoEmpresaFx> contexto_fx_;
 };
 
-}  // namespace
-
-ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
-                                    Date hasta, const AlTerminarOcurrencia& al_terminar,
-                                    int nivel) {
+// The run, real, dry (nivel > 0) or in memory (memoria set).
+ResultadoEjecucion Correr(clsMovFrecuente& mf, Connection& cn, int32_t empresa, Date hasta,
+                          const AlTerminarOcurrencia& al_terminar, int nivel,
+                          SaldosEnMemoria* memoria) {
   ResultadoEjecucion out;
   if (!mf.Conectado() || !mf.Servicios().db) return out;
   // Due occurrences by date, then movement: the earliest runs first, and a movement whose
@@ -535,9 +761,15 @@ ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t
   std::multimap<std::pair<int64_t, int32_t>, Vencimiento> cola;
   std::unique_ptr<Ejecutor> ejecutor;
   try {
-    ejecutor = std::make_unique<Ejecutor>(mf, cn, empresa, nivel);
+    ejecutor = std::make_unique<Ejecutor>(mf, cn, empresa, nivel, memoria);
     for (Vencimiento& v : Vencimientos(cn, empresa)) {
       if (Dia(v.fecha) <= Dia(hasta)) cola.emplace(std::make_pair(Dia(v.fecha), v.id), v);
+    }
+    if (memoria != nullptr && !cola.empty()) {
+      ejecutor->LeerGenerados(cola.begin()->first.first, Dia(hasta));
+      std::vector<int32_t> ids;
+      for (const auto& [clave, v] : cola) ids.push_back(v.id);
+      ejecutor->Precargar(ids);
     }
   } catch (const DbError& e) {
     out.detenida = "no se pudo leer lo vencido (" + sql::DescribirErrorDb(e) + ")";
@@ -558,6 +790,11 @@ ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t
     if (r.ok() && !r.terminada && Dia(proxima) > Dia(v.fecha) && Dia(proxima) <= Dia(hasta)) {
       cola.emplace(std::make_pair(Dia(proxima), v.id), Vencimiento{proxima, v.id, r.nombre});
     }
+    // An in-memory run reports only what did not run (its caller lists the refusals).
+    if (memoria != nullptr &&
+        (r.estado == EstadoOcurrencia::Ejecutada || r.estado == EstadoOcurrencia::YaGenerada)) {
+      continue;
+    }
     out.ocurrencias.push_back(std::move(r));
     if (al_terminar) {
       al_terminar(out.ocurrencias.back(),
@@ -565,6 +802,19 @@ ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t
     }
   }
   return out;
+}
+
+}  // namespace
+
+ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
+                                    Date hasta, const AlTerminarOcurrencia& al_terminar,
+                                    int nivel) {
+  return Correr(mf, cn, empresa, hasta, al_terminar, nivel, nullptr);
+}
+
+ResultadoEjecucion CalcularVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
+                                    Date hasta, SaldosEnMemoria& saldos) {
+  return Correr(mf, cn, empresa, hasta, {}, 0, &saldos);
 }
 
 }  // namespace kivmovfrec::api

@@ -78,6 +78,8 @@
 
 namespace kivmovfrec::api {
 
+class SaldosEnMemoria;
+
 using kivmovfrec::AlTerminarOcurrencia;
 using kivmovfrec::DocumentoGenerado;
 using kivmovfrec::EstadoOcurrencia;
@@ -101,5 +103,21 @@ using kivmovfrec::ResultadoEjecucion;
 ResultadoEjecucion EjecutarVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
                                     Date hasta, const AlTerminarOcurrencia& al_terminar = {},
                                     int nivel = 0);
+
+// The same run worked out in memory, for the balance forecast: nothing is written and no
+// transaction is opened. The occurrences are those EjecutarVencidos would run, in its order,
+// with the same steps, refusals and messages, except that each movement is read once (and its
+// schedule then advanced on the records kept in memory), the accounts' checks and the documents
+// already generated are read once, and each entry an occurrence generates is added to `saldos`
+// (kept when the occurrence succeeds, dropped when it is refused) instead of being written;
+// vouchers are only reported. Formulas read their balances from `saldos`, so they see the
+// entries of the occurrences before them. Documents worked out here get negative keys (-1, -2,
+// ...). What this cannot show as the real run would: a formula that reads the database by a
+// query or a script, or reads another movement's document, sees the database as it is, without
+// the documents and schedules worked out here; callers that need those exact (the forecast)
+// take the dry run for them. Only the occurrences that did not run (refused or done elsewhere)
+// are in the result. Database errors never propagate, as for the real run.
+ResultadoEjecucion CalcularVencidos(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
+                                    Date hasta, SaldosEnMemoria& saldos);
 
 }  // namespace kivmovfrec::api

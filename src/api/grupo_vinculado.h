@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 
 #include "kivmovfrec/db.h"
 #include "kivmovfrec/grupo_vinculado.h"
@@ -29,5 +30,11 @@ GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id);
 // The same for a movement the caller has just read in its transaction, whose MFrMovVinculado is
 // `mov_vinculado` (0 when empty): one read.
 GrupoVinculado GrupoEnOrden(Connection& cn, int32_t id, int32_t mov_vinculado);
+
+// The same for many movements at once, each given with its MFrMovVinculado (0 when empty):
+// their groups, by movement, read a few hundred groups per statement. For a run that needs the
+// groups of all the movements it will run (the in-memory run of the main job).
+std::map<int32_t, GrupoVinculado> GruposEnOrden(Connection& cn,
+                                                const std::map<int32_t, int32_t>& movimientos);
 
 }  // namespace kivmovfrec::api

@@ -36,13 +36,15 @@ struct Agendado {
   clsRegRecurrencia rec;
 };
 
-// The company's pending movements that have a schedule row, by ID.
-std::vector<Agendado> LeerAgendados(Connection& cn, int32_t empresa) {
+// The company's pending movements that have a schedule row, by ID; only notices and task
+// lists when `solo_recordatorios`.
+std::vector<Agendado> LeerAgendados(Connection& cn, int32_t empresa, bool solo_recordatorios) {
   std::vector<Agendado> lista;
   auto rs = cn.OpenResultset(
       "Select * From genMovimientosFrecuentes Inner Join genRecurrencias On "
       "genRecurrencias.RecID = genMovimientosFrecuentes.MFrRecurrencia Where MFrEmpresa = " +
-      std::to_string(empresa) + " And MFrEstado = 0 Order By MFrID");
+      std::to_string(empresa) + " And MFrEstado = 0" +
+      (solo_recordatorios ? " And MFrTipo In (3, 5)" : "") + " Order By MFrID");
   for (; !rs->Eof(); rs->MoveNext()) {
     Agendado a;
     a.id = vb::CLng(rs->Get("MFrID"));
@@ -111,6 +113,23 @@ bool PostaDocumento(int16_t tipo) {
          tipo == ToInt(enuTipoMovFrec::AsientoSistema);
 }
 
+// The agenda's dates (clsMovFrecuente::Agenda) without amounts.
+ResultadoAgenda Fechas(Connection& cn, int32_t empresa, Date dDesde, Date dHasta,
+                       IDateCalculator& cal, bool solo_recordatorios) {
+  ResultadoAgenda r;
+  const Date desde = vb::DateOnly(dDesde);
+  const Date hasta = vb::DateOnly(dHasta);
+  for (const Agendado& a : LeerAgendados(cn, empresa, solo_recordatorios)) {
+    Ocurrencias(a, desde, hasta, cal, r);
+  }
+  std::stable_sort(r.ocurrencias.begin(), r.ocurrencias.end(),
+                   [](const OcurrenciaAgenda& x, const OcurrenciaAgenda& y) {
+                     return std::tuple(x.fecha, x.movimiento, !x.aviso) <
+                            std::tuple(y.fecha, y.movimiento, !y.aviso);
+                   });
+  return r;
+}
+
 }  // namespace
 
 ResultadoEjecucion clsMovFrecuente::EjecutarVencidos(Date dHasta,
@@ -126,21 +145,17 @@ ResultadoSimulacion clsMovFrecuente::SimularVencidos(Date dHasta) {
 
 ResultadoPronostico clsMovFrecuente::PronosticarSaldos(const SolicitudPronostico& solicitud) {
   if (!ctx_.cn) return {};
-  return api::Pronosticar(*this, *ctx_.cn, empresa_, solicitud);
+  // Only notices and task lists are listed beside the figures: the other schedules are not
+  // stepped for them.
+  return api::Pronosticar(*this, *ctx_.cn, empresa_, solicitud, api::MotorPronostico::Automatico,
+                          [this](Date desde, Date hasta) {
+                            return Fechas(*ctx_.cn, empresa_, desde, hasta, Calendario(), true);
+                          });
 }
 
 ResultadoAgenda clsMovFrecuente::Agenda(Date dDesde, Date dHasta, bool bImportes) {
-  ResultadoAgenda r;
-  if (!ctx_.cn) return r;
-  const Date desde = vb::DateOnly(dDesde);
-  const Date hasta = vb::DateOnly(dHasta);
-  IDateCalculator& cal = Calendario();
-  for (const Agendado& a : LeerAgendados(*ctx_.cn, empresa_)) Ocurrencias(a, desde, hasta, cal, r);
-  std::stable_sort(r.ocurrencias.begin(), r.ocurrencias.end(),
-                   [](const OcurrenciaAgenda& x, const OcurrenciaAgenda& y) {
-                     return std::tuple(x.fecha, x.movimiento, !x.aviso) <
-                            std::tuple(y.fecha, y.movimiento, !y.aviso);
-                   });
+  if (!ctx_.cn) return {};
+  ResultadoAgenda r = Fechas(*ctx_.cn, empresa_, dDesde, dHasta, Calendario(), false);
   if (!bImportes) return r;
 
   // A façade of its own, so the current movement and its trace stay as they were.

@@ -8,12 +8,17 @@
 #include <string>
 #include <utility>
 
+#include "api/ejecucion.h"
+#include "api/saldos_memoria.h"
 #include "api/simulacion.h"
+#include "formula/catalogo_fx.h"
+#include "formula/elementos.h"
 #include "formula/funciones_fx.h"
 #include "platform/db/error_text.h"
 #include "platform/suite/balance.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
+#include "platform/vb/text.h"
 #include "storage/columnas.h"
 #include "storage/tabla_cuentas.h"
 
@@ -85,10 +90,54 @@ double Cuatro(double v) {
   return vb::RoundHalfEven(v, 4);
 }
 
+// Why `formula` gives the in-memory run another value than the dry run may: a query or a script
+// (which may read the documents and schedules the run changes) or another movement's document;
+// "" when every piece of it is worked out alike by both.
+std::string FueraDeMemoria(const std::string& formula, const formula::clsFxMovFrec& catalogo) {
+  for (const formula::ElementoFx& e : formula::DividirFormula(formula)) {
+    if (e.tipo == formula::ElementoFx::Tipo::Bloque) return "un bloque " + vb::Trim(e.texto);
+    if (e.tipo != formula::ElementoFx::Tipo::Referencia) continue;
+    const formula::EntradaFx* entrada = catalogo.BuscarEntrada(e.id);
+    if (entrada == nullptr) continue;
+    if (entrada->consulta2 == formula::kPalabraCuentaOtroMov) {
+      return e.texto + ", que lee el documento de otro movimiento";
+    }
+    const std::string palabra = vb::LCase(std::string(entrada->palabra));
+    if (palabra.starts_with("[query]") || palabra.starts_with("[codescript]")) {
+      return e.texto + ", que lee la base de datos";
+    }
+  }
+  return "";
+}
+
+// Why the forecast must take the dry run: the first formula that FueraDeMemoria names among the
+// lines of the pending entries and vouchers the main job can run — those with a schedule and
+// every member of a linked group, of any company since a group may reach one; "" when none.
+std::string MotivoSimulacion(Connection& cn) {
+  const formula::clsFxMovFrec catalogo;
+  std::map<std::string, std::string> vistas;  // formula -> FueraDeMemoria, each read once
+  for (auto rs = cn.OpenResultset(
+           "Select RMFMovimiento, RMFFormula From genRenglonMovFrecuentes, "
+           "genMovimientosFrecuentes Where RMFMovimiento = MFrID And MFrEstado = 0 And MFrTipo "
+           "In (1, 2, 4) And RMFFormula Is Not Null And (MFrRecurrencia > 0 Or MFrMovVinculado "
+           "> 0 Or MFrID In (Select MFrMovVinculado From genMovimientosFrecuentes Where "
+           "MFrMovVinculado > 0)) Order By RMFMovimiento");
+       !rs->Eof(); rs->MoveNext()) {
+    const std::string formula = storage::ATexto(rs->Get(1));
+    auto v = vistas.find(formula);
+    if (v == vistas.end()) v = vistas.emplace(formula, FueraDeMemoria(formula, catalogo)).first;
+    if (!v->second.empty()) {
+      return "el movimiento " + std::to_string(storage::ALong(rs->Get(0))) + " tiene " + v->second;
+    }
+  }
+  return "";
+}
+
 // Fills each account's periods: balances by the account-balance service's definition at the
-// edges, debits and credits of the posted entries within.
+// edges, debits and credits of the posted entries within, and those of `memoria` when given
+// (the entries an in-memory run worked out).
 void Cifras(Connection& cn, Date desde, Date hasta, PeriodoPronostico por,
-            std::vector<CuentaPronostico>& cuentas) {
+            std::vector<CuentaPronostico>& cuentas, const SaldosEnMemoria* memoria) {
   if (cuentas.empty()) return;
   std::string ids;
   DbParams params = {Variant(desde), Variant(DeDia(Dia(hasta) + 1))};
@@ -109,11 +158,26 @@ void Cifras(Connection& cn, Date desde, Date hasta, PeriodoPronostico por,
     dia.first += storage::ADouble(rs->Get(2));
     dia.second += storage::ADouble(rs->Get(3));
   }
-  suite::DbAccountBalance saldo(std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn));
+  if (memoria != nullptr) {
+    for (CuentaPronostico& c : cuentas) {
+      const SaldosEnMemoria::PorDia& agregados = memoria->Diario(c.cuenta);
+      for (auto d = agregados.lower_bound(Dia(desde));
+           d != agregados.end() && d->first <= Dia(hasta); ++d) {
+        auto& dia = diario[c.cuenta][d->first];
+        dia.first += d->second.first;
+        dia.second += d->second.second;
+      }
+    }
+  }
+  suite::DbAccountBalance guardado(std::shared_ptr<Connection>(std::shared_ptr<Connection>{}, &cn));
+  const auto saldo = [&](int32_t cuenta, Date fecha) {
+    const double base = guardado.Saldo(cuenta, fecha);
+    return memoria == nullptr ? base : Cuatro(base + memoria->Neto(cuenta, Dia(fecha)));
+  };
   const std::vector<SaldoPeriodo> periodos = Periodos(desde, hasta, por);
   for (CuentaPronostico& c : cuentas) {
     const auto& dias = diario[c.cuenta];
-    double anterior = saldo.Saldo(c.cuenta, DeDia(Dia(desde) - 1));
+    double anterior = saldo(c.cuenta, DeDia(Dia(desde) - 1));
     for (SaldoPeriodo p : periodos) {
       p.apertura = anterior;
       for (auto d = dias.lower_bound(Dia(p.desde)); d != dias.end() && d->first <= Dia(p.hasta);
@@ -123,7 +187,7 @@ void Cifras(Connection& cn, Date desde, Date hasta, PeriodoPronostico por,
       }
       p.entradas = Cuatro(p.entradas);
       p.salidas = Cuatro(p.salidas);
-      p.cierre = saldo.Saldo(c.cuenta, p.hasta);
+      p.cierre = saldo(c.cuenta, p.hasta);
       anterior = p.cierre;
       c.periodos.push_back(p);
     }
@@ -153,7 +217,8 @@ std::vector<SaldoPeriodo> Periodos(Date desde, Date hasta, PeriodoPronostico por
 }
 
 ResultadoPronostico Pronosticar(clsMovFrecuente& mf, Connection& cn, int32_t empresa,
-                                const SolicitudPronostico& solicitud) {
+                                const SolicitudPronostico& solicitud, MotorPronostico motor,
+                                const FechasAgenda& agenda) {
   ResultadoPronostico out;
   if (!mf.Conectado()) return out;
   IClock* reloj = mf.Servicios().clock.get();
@@ -172,20 +237,41 @@ ResultadoPronostico Pronosticar(clsMovFrecuente& mf, Connection& cn, int32_t emp
     }
     if (solicitud.cuentas.empty()) out.cuentas = CuentasAgendadas(cn, empresa);
     // Notices and task lists move no money: only their due dates are listed.
-    for (const OcurrenciaAgenda& o : mf.Agenda(out.desde, out.hasta).ocurrencias) {
+    const ResultadoAgenda fechas =
+        agenda ? agenda(out.desde, out.hasta) : mf.Agenda(out.desde, out.hasta);
+    for (const OcurrenciaAgenda& o : fechas.ocurrencias) {
       if (o.aviso || (o.tipo != ToInt(enuTipoMovFrec::Calendario) &&
                       o.tipo != ToInt(enuTipoMovFrec::CheckList))) {
         continue;
       }
       out.recordatorios.push_back({o.fecha, o.movimiento, o.tipo, o.nombre});
     }
+    out.por_simulacion = motor == MotorPronostico::Simulacion
+                             ? "pedida por quien pidió el pronóstico"
+                             : MotivoSimulacion(cn);
   } catch (const DbError& e) {
     out.detenida = "no se pudo leer lo agendado (" + sql::DescribirErrorDb(e) + ")";
     return out;
   }
+  if (out.por_simulacion.empty()) {
+    SaldosEnMemoria memoria(mf.Servicios().balance);
+    const ResultadoEjecucion r = CalcularVencidos(mf, cn, empresa, out.hasta, memoria);
+    for (const OcurrenciaEjecutada& o : r.ocurrencias) {
+      if (!o.ok()) out.fallidas.push_back(o);
+    }
+    out.detenida = r.detenida;
+    try {
+      Cifras(cn, out.desde, out.hasta, solicitud.por, out.cuentas, &memoria);
+    } catch (const DbError& e) {
+      const std::string motivo =
+          "no se pudieron leer los saldos (" + sql::DescribirErrorDb(e) + ")";
+      out.detenida = out.detenida.empty() ? motivo : out.detenida + "; " + motivo;
+    }
+    return out;
+  }
   const ResultadoSimulacion sim =
       SimularVencidos(mf, cn, empresa, out.hasta, [&](const ResultadoSimulacion&) {
-        Cifras(cn, out.desde, out.hasta, solicitud.por, out.cuentas);
+        Cifras(cn, out.desde, out.hasta, solicitud.por, out.cuentas, nullptr);
       });
   for (const OcurrenciaSimulada& o : sim.ocurrencias) {
     if (!o.ocurrencia.ok()) out.fallidas.push_back(o.ocurrencia);

@@ -19,6 +19,13 @@ std::string Mostrar(double v) {
   return vb::NumberToText(v, vb::Locale::Spanish());
 }
 
+bool TieneReferencia(const std::vector<ElementoFx>& piezas, int id) {
+  for (const ElementoFx& e : piezas) {
+    if (e.tipo == ElementoFx::Tipo::Referencia && e.id == id) return true;
+  }
+  return false;
+}
+
 TrazaElementoFx SinValor(TrazaElementoFx t, std::string detalle) {
   t.valor.reset();
   t.detalle = std::move(detalle);
@@ -43,11 +50,14 @@ CorridaFx::CorridaFx(clsFuncionesFx& fx, std::vector<std::shared_ptr<clsRegRengl
                      const OpcionesCorrida& op, TrazaCalculoFx& traza)
     : fx_(fx), op_(op), traza_(traza), total_(op.total) {
   traza_.lineas.clear();
+  traza_.lineas.reserve(lineas.size());
+  lineas_.reserve(lineas.size());
   int16_t indice = 0;
   for (auto& r : lineas) {
     Linea l;
     l.formula = vb::Trim(r->Formula());
-    l.diferencia = ContieneReferencia(l.formula, kFxDiferencia);
+    l.piezas = &fx_.Piezas(l.formula);
+    l.diferencia = TieneReferencia(*l.piezas, kFxDiferencia);
     l.r = std::move(r);
     TrazaLineaFx t;
     t.indice = ++indice;
@@ -100,7 +110,7 @@ void CorridaFx::Terminar(size_t i) {
 bool CorridaFx::PedirTotal() {
   bool usa_total = false;
   for (const Linea& l : lineas_)
-    usa_total = usa_total || ContieneReferencia(l.formula, kFxImporteTotal);
+    usa_total = usa_total || TieneReferencia(*l.piezas, kFxImporteTotal);
   traza_.importe_total = total_;
   if (!usa_total) return true;
   if (total_ != 0) {
@@ -210,7 +220,7 @@ std::optional<double> CorridaFx::Evaluar(size_t i) {
 
 std::optional<double> CorridaFx::Formula(size_t i) {
   TrazaLineaFx& tl = traza_.lineas[i];
-  const std::vector<ElementoFx> piezas = DividirFormula(lineas_[i].formula);
+  const std::vector<ElementoFx>& piezas = *lineas_[i].piezas;
   const bool sola = piezas.size() == 1;
   std::string expresion;
   for (const ElementoFx& p : piezas) {
@@ -350,7 +360,7 @@ TrazaElementoFx CorridaFx::PedirDato(size_t i, const std::string& texto, TrazaEl
 void CorridaFx::Diferencia(size_t i) {
   Linea& l = lineas_[i];
   TrazaLineaFx& tl = traza_.lineas[i];
-  const std::vector<ElementoFx> piezas = DividirFormula(l.formula);
+  const std::vector<ElementoFx>& piezas = *l.piezas;
   TrazaElementoFx t;
   t.origen = enuOrigenFx::Diferencia;
   t.elemento = l.formula;

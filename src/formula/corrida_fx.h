@@ -97,7 +97,8 @@ class CorridaFx {
   enum class Estado { Pendiente, EnCurso, Hecha, Fallida };
   struct Linea {
     std::shared_ptr<clsRegRenglonMF> r;
-    std::string formula;  // trimmed
+    std::string formula;                              // trimmed
+    const std::vector<ElementoFx>* piezas = nullptr;  // of `formula`, kept by clsFuncionesFx
     bool diferencia = false;
     Estado estado = Estado::Pendiente;
     double mf = 0;

@@ -9,6 +9,7 @@
 #include "formula/elementos.h"
 #include "platform/vb/convert.h"
 #include "platform/vb/dates.h"
+#include "platform/vb/decimal.h"
 #include "platform/vb/format.h"
 #include "platform/vb/text.h"
 
@@ -110,6 +111,12 @@ int DecimalesFormato(std::string_view formato) {
 
 double RedondearFormato(double v, std::string_view formato) {
   const int dec = DecimalesFormato(formato);
+  if (std::isfinite(v) && std::fabs(v) < 1e300) {
+    // The rounding Format applies to "0.00…" (the decimal the double stands for, halves away
+    // from zero), read back as the nearest double, without writing and reading the text.
+    const double r = vb::ToDouble(vb::RoundDecimal(v, dec, vb::HalfRule::AwayFromZero));
+    return r == 0 ? 0.0 : r;
+  }
   std::string patron = "0";
   if (dec > 0) patron += "." + std::string(static_cast<size_t>(dec), '0');
   const std::string t = vb::FormatNumberPattern(v, patron, vb::Locale::Invariant());
@@ -161,12 +168,20 @@ void clsFuncionesFx::Empresa(const ContextoEmpresaFx& contexto) {
   prms_ = contexto.prms;
   monedas_cargadas_ = contexto.monedas.has_value();
   if (monedas_cargadas_) monedas_.Usar(*contexto.monedas);
+  if (contexto.piezas) piezas_ = contexto.piezas;
+  if (contexto.aritmetica) aritmetica_ = contexto.aritmetica;
 }
 
 ContextoEmpresaFx clsFuncionesFx::Contexto() const {
-  ContextoEmpresaFx c{empresa_, prms_, std::nullopt};
+  ContextoEmpresaFx c{empresa_, prms_, std::nullopt, piezas_, aritmetica_};
   if (monedas_cargadas_) c.monedas = monedas_.Monedas();
   return c;
+}
+
+const std::vector<ElementoFx>& clsFuncionesFx::Piezas(const std::string& formula) {
+  auto p = piezas_->find(formula);
+  if (p == piezas_->end()) p = piezas_->emplace(formula, DividirFormula(formula)).first;
+  return p->second;
 }
 
 bool clsFuncionesFx::CargarEmpresa(int16_t id) {
@@ -186,12 +201,26 @@ Date clsFuncionesFx::Hoy() const {
 }
 
 script::HostResult clsFuncionesFx::Evaluar(std::string_view expresion, bool exponer) const {
+  constexpr size_t kMaxAritmetica = 100000;
   try {
     if (evaluador_) return evaluador_(cn_.get(), expresion, exponer);
+    const bool aritmetica =
+        !exponer && !expresion.empty() &&
+        expresion.find_first_not_of("0123456789.+-*/\\^() ") == std::string_view::npos;
+    if (aritmetica) {
+      if (const auto r = aritmetica_->find(std::string(expresion)); r != aritmetica_->end()) {
+        return r->second;
+      }
+    }
     script::HostOptions opciones;
     auto reloj = servicios_.clock;
     opciones.clock = [reloj] { return core::RelojOSistema(reloj.get()).Now(); };
-    return script::EvaluateScript(cn_.get(), expresion, exponer, opciones);
+    script::HostResult r = script::EvaluateScript(cn_.get(), expresion, exponer, opciones);
+    if (aritmetica) {
+      if (aritmetica_->size() >= kMaxAritmetica) aritmetica_->clear();
+      aritmetica_->emplace(std::string(expresion), r);
+    }
+    return r;
   } catch (const std::exception& e) {
     script::HostResult r;
     r.error.description = e.what();

@@ -40,8 +40,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
+#include "formula/elementos.h"
 #include "formula/monedas.h"
 #include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
@@ -99,10 +101,21 @@ std::string FechaCorta(Date d);
 // Formulas only read (their statements run in savepoints that are rolled back), so an
 // evaluator can hand its context to the next one on the same connection and company instead of
 // both reading it (the main job runs one evaluator per member of each occurrence).
+// The pieces (DividirFormula) of the formulas an evaluator has worked out, by formula text: a
+// text always splits alike, so evaluators that share them split each formula once.
+using PiezasFormulas = std::unordered_map<std::string, std::vector<ElementoFx>>;
+
+// The results of expressions made only of number literals, arithmetic operators and
+// parentheses ("1045*1.21"), by text: such a text names nothing and reads no clock, so the
+// script host always gives it the same result, and evaluators that share them reduce each once.
+using ResultadosAritmetica = std::unordered_map<std::string, script::HostResult>;
+
 struct ContextoEmpresaFx {
   clsEmpresa empresa;
   std::vector<std::pair<std::string, std::string>> prms;
-  std::optional<std::vector<MonedaFx>> monedas;  // nothing until read
+  std::optional<std::vector<MonedaFx>> monedas;      // nothing until read
+  std::shared_ptr<PiezasFormulas> piezas;            // shared by the evaluators of the context
+  std::shared_ptr<ResultadosAritmetica> aritmetica;  // the same
 };
 
 class clsFuncionesFx {
@@ -136,8 +149,13 @@ class clsFuncionesFx {
   Date Ahora() const;
   Date Hoy() const;
 
+  // The pieces of `formula` (DividirFormula), split once and kept with the context; the
+  // reference stays valid while the context's pieces live (they are never dropped).
+  const std::vector<ElementoFx>& Piezas(const std::string& formula);
+
   void Evaluador(EvaluadorExpresion f) { evaluador_ = std::move(f); }
-  // Runs the installed evaluator (the script host by default); never throws.
+  // Runs the installed evaluator (the script host by default; the result of an expression of
+  // number literals and arithmetic alone is kept, see ResultadosAritmetica); never throws.
   script::HostResult Evaluar(std::string_view expresion, bool exponer_conexion) const;
 
   // Replaces in a block's text: [pIDMov], [pEmp], [prmBDDateCharSQLs], [prmMonedaContabilidad]
@@ -206,6 +224,8 @@ class clsFuncionesFx {
   bool tipo_indice_leido_ = false;
   EvaluadorExpresion evaluador_;
   DocumentosOcurrencia ocurrencia_;
+  std::shared_ptr<PiezasFormulas> piezas_ = std::make_shared<PiezasFormulas>();
+  std::shared_ptr<ResultadosAritmetica> aritmetica_ = std::make_shared<ResultadosAritmetica>();
 };
 
 }  // namespace kivmovfrec::formula

@@ -2,9 +2,13 @@
 // part of the class lives with the records in core.
 #include "kivmovfrec/mf_tipo.h"
 
+#include <algorithm>
 #include <limits>
+#include <map>
+#include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "core/clock.h"
 #include "storage/columnas.h"
@@ -31,7 +35,79 @@ constexpr const char* kSqlCargaCompleta =
     "genRecurrencias.RecID) "
     "Where MFrID = ? Order By RMFOrden";
 
+// Reads the movement of the current row of a kSqlCargaCompleta-shaped result and its lines, up
+// to the first row of another movement (or the end).
+void LeerCompleto(Resultset& rs, IClock& reloj, clsMFTipo& out) {
+  auto mov = std::make_shared<clsRegMovimientoFrecuente>(reloj);
+  auto rec = std::make_shared<clsRegRecurrencia>();
+  auto renglones = std::make_shared<clsRenglonesMF>();
+  storage::LeerMovimiento(rs, *mov);
+  if (!storage::EsNulo(rs.Get("RecID"))) storage::LeerRecurrencia(rs, *rec);
+  for (; !rs.Eof() && storage::ALong(rs.Get("MFrID")) == mov->ID(); rs.MoveNext()) {
+    // A movement without lines still yields one row, with every line column NULL.
+    if (storage::EsNulo(rs.Get("RMFMovimiento"))) continue;
+    auto r = std::make_shared<clsRegRenglonMF>();
+    storage::LeerRenglon(rs, *r);
+    renglones->AddRenglon(std::move(r));
+  }
+  out.MovFrecuente(std::move(mov));
+  out.Recurrencia(std::move(rec));
+  out.Renglones(std::move(renglones));
+}
+
 }  // namespace
+
+namespace storage {
+
+std::map<int32_t, clsMFTipo> CargarMovimientos(Connection& cn, const std::vector<int32_t>& ids,
+                                               const std::shared_ptr<IClock>& reloj) {
+  // The joins of kSqlCargaCompleta, in two statements so that the header and schedule columns
+  // are not repeated on every line's row.
+  constexpr size_t kPorLectura = 500;
+  std::map<int32_t, clsMFTipo> out;
+  for (size_t desde = 0; desde < ids.size(); desde += kPorLectura) {
+    std::string lista;
+    DbParams params;
+    for (size_t i = desde; i < std::min(ids.size(), desde + kPorLectura); ++i) {
+      lista += lista.empty() ? "?" : ", ?";
+      params.emplace_back(ids[i]);
+    }
+    auto rs = cn.OpenResultset(
+        "Select genMovimientosFrecuentes.*, genRecurrencias.* From genMovimientosFrecuentes "
+        "LEFT JOIN genRecurrencias ON genMovimientosFrecuentes.MFrRecurrencia = "
+        "genRecurrencias.RecID Where MFrID In (" +
+            lista + ")",
+        params);
+    for (; !rs->Eof(); rs->MoveNext()) {
+      auto mov = std::make_shared<clsRegMovimientoFrecuente>(core::RelojOSistema(reloj.get()));
+      auto rec = std::make_shared<clsRegRecurrencia>();
+      LeerMovimiento(*rs, *mov);
+      if (!EsNulo(rs->Get("RecID"))) LeerRecurrencia(*rs, *rec);
+      clsMFTipo& mf = out.try_emplace(mov->ID(), reloj).first->second;
+      mf.MovFrecuente(std::move(mov));
+      mf.Recurrencia(std::move(rec));
+    }
+    rs = cn.OpenResultset(
+        "Select genRenglonMovFrecuentes.*, CueID, CueCodigo, CueNombre, CueMoneda, "
+        "ProAbreviacion, DepAbreviacion From (((genRenglonMovFrecuentes LEFT JOIN cceCuentas ON "
+        "genRenglonMovFrecuentes.RMFCuenta = cceCuentas.CueID) LEFT JOIN cceProyectos ON "
+        "genRenglonMovFrecuentes.RMFIDProyecto = cceProyectos.ProCodigo) LEFT JOIN "
+        "cceDepartamentos ON genRenglonMovFrecuentes.RMFIDDepartamento = "
+        "cceDepartamentos.DepCodigo) Where RMFMovimiento In (" +
+            lista + ") Order By RMFMovimiento, RMFOrden",
+        params);
+    for (; !rs->Eof(); rs->MoveNext()) {
+      const auto mf = out.find(ALong(rs->Get("RMFMovimiento")));
+      if (mf == out.end()) continue;
+      auto r = std::make_shared<clsRegRenglonMF>();
+      LeerRenglon(*rs, *r);
+      mf->second.Renglones()->AddRenglon(std::move(r));
+    }
+  }
+  return out;
+}
+
+}  // namespace storage
 
 bool clsMFTipo::Load(Connection& cn, int32_t id) {
   return Load(cn, id, core::RelojOSistema(reloj_.get()));
@@ -43,22 +119,8 @@ bool clsMFTipo::Load(Connection& cn, int32_t id, IClock& reloj) {
     rs->Close();
     return false;
   }
-  auto mov = std::make_shared<clsRegMovimientoFrecuente>(reloj);
-  auto rec = std::make_shared<clsRegRecurrencia>();
-  auto renglones = std::make_shared<clsRenglonesMF>();
-  storage::LeerMovimiento(*rs, *mov);
-  if (!storage::EsNulo(rs->Get("RecID"))) storage::LeerRecurrencia(*rs, *rec);
-  for (; !rs->Eof(); rs->MoveNext()) {
-    // A movement without lines still yields one row, with every line column NULL.
-    if (storage::EsNulo(rs->Get("RMFMovimiento"))) continue;
-    auto r = std::make_shared<clsRegRenglonMF>();
-    storage::LeerRenglon(*rs, *r);
-    renglones->AddRenglon(std::move(r));
-  }
+  LeerCompleto(*rs, reloj, *this);
   rs->Close();
-  mov_ = std::move(mov);
-  rec_ = std::move(rec);
-  renglones_ = std::move(renglones);
   return true;
 }
 

@@ -17,10 +17,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "kivmovfrec/contexto.h"
 #include "kivmovfrec/db.h"
+#include "kivmovfrec/mf_tipo.h"
 #include "kivmovfrec/records.h"
 #include "kivmovfrec/services.h"
 #include "storage/fila.h"
@@ -42,6 +46,12 @@ void EscribirMovimiento(Resultset& rs, const clsRegMovimientoFrecuente& mf);
 
 // Reads header `id` into `mf`. Returns false, leaving `mf` untouched, when there is no such row.
 bool CargarMovimiento(Connection& cn, int32_t id, clsRegMovimientoFrecuente& mf);
+
+// The movements `ids` read as clsMFTipo::Load reads one (header, schedule, lines with their
+// accounts), a few hundred per statement, by ID; the ones that do not exist are left out. Each
+// is stamped with `reloj`. Database errors propagate.
+std::map<int32_t, clsMFTipo> CargarMovimientos(Connection& cn, const std::vector<int32_t>& ids,
+                                               const std::shared_ptr<IClock>& reloj);
 
 // MFrNombre's width, in characters.
 inline constexpr size_t kLargoNombre = 255;

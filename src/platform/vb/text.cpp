@@ -108,6 +108,19 @@ std::string Replace(std::string_view s, std::string_view find, std::string_view 
 }
 
 bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
+  // Plain ASCII on both sides (names, keywords, format words) folds byte by byte: its letters
+  // are the only ones that change, and nothing changes length.
+  const auto ascii = [](std::string_view s) {
+    return std::all_of(s.begin(), s.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  };
+  if (ascii(a) && ascii(b)) {
+    const auto menor = [](char c) {
+      return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    };
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
+                                              [&](char x, char y) { return menor(x) == menor(y); });
+  }
   return Folded(a) == Folded(b);
 }
 
