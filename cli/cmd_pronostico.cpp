@@ -111,7 +111,13 @@ Json ComoJson(const ResultadoPronostico& r, const std::string& por) {
           {"Por", por},
           {"Cuentas", std::move(cuentas)},
           {"Recordatorios", recordatorios},
-          {"NoEjecutables", fallidas}};
+          {"NoEjecutables", fallidas},
+          {"PorSimulacion", r.por_simulacion}};
+}
+
+// Why the figures took the slow way, the dry run of the main job.
+std::string PorSimulacion(const ResultadoPronostico& r) {
+  return "Calculado con la simulación de la corrida: " + r.por_simulacion + ".";
 }
 
 void Csv(std::ostream& out, std::ostream& err, const ResultadoPronostico& r) {
@@ -125,6 +131,7 @@ void Csv(std::ostream& out, std::ostream& err, const ResultadoPronostico& r) {
   }
   for (const auto& x : r.recordatorios) err << "recordatorio: " << Recordatorio(x) << "\n";
   for (const auto& o : r.fallidas) err << "no se ejecutaría: " << Fallida(o) << "\n";
+  if (!r.por_simulacion.empty()) err << PorSimulacion(r) << "\n";
 }
 
 void Texto(std::ostream& out, const ResultadoPronostico& r) {
@@ -150,6 +157,7 @@ void Texto(std::ostream& out, const ResultadoPronostico& r) {
     out << "\nNo se ejecutarían (fuera de las cifras):\n";
     for (const auto& o : r.fallidas) out << "  " << Fallida(o) << "\n";
   }
+  if (!r.por_simulacion.empty()) out << "\n" << PorSimulacion(r) << "\n";
 }
 
 Action Setup(CLI::App& app) {

@@ -600,11 +600,15 @@ TEST_P(MovfrecComandos, SimularWritesNothingAndPronosticoPrintsItsPeriods) {
   EXPECT_EQ(filas[5][0], "103");
   EXPECT_EQ(filas[1][8], filas[2][5]);
   EXPECT_TRUE(Has(csv.err, "recordatorio: 20/02/2027 10:00  Aviso 8: ")) << csv.err;
+  // The demo's rent reads its occurrence count through a query: only the dry run can follow it.
+  EXPECT_TRUE(Has(csv.err, "Calculado con la simulación de la corrida: el movimiento 1 tiene "))
+      << csv.err;
 
   const Json js = RunJson({"pronostico", "--hasta", "31/12/2026", "--por", "semana"});
   EXPECT_EQ(js["Por"], "semana");
   EXPECT_EQ(js["Cuentas"][0]["Periodos"][0]["Hasta"], "15/11/2026");
   EXPECT_FALSE(js["Recordatorios"].empty());
+  EXPECT_NE(js["PorSimulacion"], "");
 
   ExpectFails({"pronostico", "--hasta", "31/12/2026", "--por", "año"}, 2, "--por");
   const Result ambas = Run({"--json", "pronostico", "--hasta", "31/12/2026", "--csv"});
