@@ -25,11 +25,12 @@ std::vector<ColumnInfo> VisibleColumns(sqlite3_stmt* stmt, bool with_rowid) {
 
 class SqliteResultset final : public sql::MaterialisedResultset {
  public:
-  SqliteResultset(std::shared_ptr<Database> db, Statement& stmt, std::optional<WriteTarget> target,
-                  size_t max_rows, bool* more)
+  // `first`: whether the statement's first step (already taken) gave a row.
+  SqliteResultset(std::shared_ptr<Database> db, Statement& stmt, bool first,
+                  std::optional<WriteTarget> target, size_t max_rows, bool* more)
       : SqliteResultset(std::move(db), std::move(target),
                         VisibleColumns(stmt.get(), target.has_value())) {
-    ReadRows(stmt, max_rows, more);
+    ReadRows(stmt, first, max_rows, more);
   }
 
   void Close() override {
@@ -47,40 +48,63 @@ class SqliteResultset final : public sql::MaterialisedResultset {
     for (size_t i = 0; i < cols.size(); ++i) {
       if (assigned[i]) changed.push_back(i);
     }
+    // The statement gives back the row as it stores it (defaults and affinity conversions
+    // applied) with its rowid first: after an UPDATE of an INTEGER PRIMARY KEY column the row
+    // has another rowid, and the set must keep following it.
+    std::string sql;
     int64_t rowid = 0;
     if (!row) {
-      std::string sql;
       if (changed.empty()) {
-        sql = fmt::format("INSERT INTO {} DEFAULT VALUES", table);
+        sql = fmt::format("INSERT INTO {} DEFAULT VALUES RETURNING rowid, *", table);
       } else {
         std::string names, marks;
         for (size_t i : changed) {
           names += (names.empty() ? "" : ", ") + sql::QuoteName(cols[i]);
           marks += marks.empty() ? "?" : ", ?";
         }
-        sql = fmt::format("INSERT INTO {} ({}) VALUES ({})", table, names, marks);
+        sql =
+            fmt::format("INSERT INTO {} ({}) VALUES ({}) RETURNING rowid, *", table, names, marks);
       }
-      Run(sql, values, changed, std::nullopt);
-      rowid = sqlite3_last_insert_rowid(db_->get());
     } else {
       rowid = rowids_[*row];
-      if (!changed.empty()) {
+      if (changed.empty()) {
+        sql = fmt::format("SELECT rowid, * FROM {} WHERE rowid = ?", table);
+      } else {
         std::string sets;
         for (size_t i : changed) {
           sets += (sets.empty() ? "" : ", ") + sql::QuoteName(cols[i]) + " = ?";
         }
-        // RETURNING gives the row's rowid after the change: assigning an INTEGER PRIMARY KEY
-        // column moves the row to another rowid, and the set must keep following it.
-        rowid = Run(fmt::format("UPDATE {} SET {} WHERE rowid = ? RETURNING rowid", table, sets),
-                    values, changed, rowid)
-                    .value_or(rowid);
+        sql = fmt::format("UPDATE {} SET {} WHERE rowid = ? RETURNING rowid, *", table, sets);
       }
     }
-    // The row as stored: defaults, affinity conversions and triggers included.
-    Statement reread(db_, fmt::format("SELECT rowid, * FROM {} WHERE rowid = ?", table),
-                     "SELECT * FROM " + target().table);
-    reread.BindInt64(1, rowid);
-    std::vector<Variant> stored = reread.Step() ? ReadValues(reread.get(), 1) : values;
+    std::vector<Variant> stored;
+    bool returned = false;
+    {
+      sqlite3* h = db_->get();
+      const sqlite3_int64 before = sqlite3_total_changes64(h);
+      Statement st(db_, sql, sql);
+      int n = 1;
+      for (size_t i : changed) st.Bind(n++, values[i]);
+      if (row) st.BindInt64(n, rowid);
+      if (st.Step()) {
+        returned = true;
+        rowid = sqlite3_column_int64(st.get(), 0);
+        stored = ReadValues(st.get(), 1);
+        while (st.Step()) {
+        }
+      } else if (!row) {
+        rowid = sqlite3_last_insert_rowid(h);
+      }
+      // What the statement returns is the row before the triggers it fired ran: when they
+      // changed rows, the row is read again as they left it.
+      if (sqlite3_total_changes64(h) - before > 1) returned = false;
+    }
+    if (!returned) {
+      const std::string reread = fmt::format("SELECT rowid, * FROM {} WHERE rowid = ?", table);
+      Statement st(db_, reread, reread);
+      st.BindInt64(1, rowid);
+      stored = st.Step() ? ReadValues(st.get(), 1) : values;
+    }
     if (row) {
       rowids_[*row] = rowid;
     } else {
@@ -90,8 +114,9 @@ class SqliteResultset final : public sql::MaterialisedResultset {
   }
 
   void DeleteRow(size_t row) override {
-    Statement st(db_, fmt::format("DELETE FROM {} WHERE rowid = ?", sql::QuoteName(target().table)),
-                 "DELETE FROM " + target().table);
+    const std::string sql =
+        fmt::format("DELETE FROM {} WHERE rowid = ?", sql::QuoteName(target().table));
+    Statement st(db_, sql, sql);
     st.BindInt64(1, rowids_[row]);
     st.Step();
   }
@@ -105,13 +130,14 @@ class SqliteResultset final : public sql::MaterialisedResultset {
     if (target) SetWriteTarget(std::move(*target));
   }
 
-  void ReadRows(Statement& stmt, size_t max_rows, bool* more) {
+  void ReadRows(Statement& stmt, bool first, size_t max_rows, bool* more) {
     size_t rows = 0;
-    for (; rows < max_rows && stmt.Step(); ++rows) {
+    for (bool has = first; has && rows < max_rows;) {
       if (skip_) rowids_.push_back(sqlite3_column_int64(stmt.get(), 0));
       AddRow(ReadValues(stmt.get(), skip_));
+      if (++rows < max_rows) has = stmt.Step();
     }
-    if (more) *more = rows == max_rows && stmt.Step();
+    if (more) *more = rows == max_rows && (rows == 0 ? first : stmt.Step());
   }
 
   std::vector<Variant> ReadValues(sqlite3_stmt* stmt, int skip) const {
@@ -121,21 +147,6 @@ class SqliteResultset final : public sql::MaterialisedResultset {
       values.push_back(ReadValue(stmt, static_cast<int>(i) + skip, dates_[i]));
     }
     return values;
-  }
-
-  // Runs an INSERT or UPDATE binding the changed columns (and the rowid last). Returns the first
-  // column of the first row the statement yields (its RETURNING value), if any.
-  std::optional<int64_t> Run(const std::string& sql, const std::vector<Variant>& values,
-                             const std::vector<size_t>& changed, std::optional<int64_t> rowid) {
-    Statement st(db_, sql, sql);
-    int n = 1;
-    for (size_t i : changed) st.Bind(n++, values[i]);
-    if (rowid) st.BindInt64(n, *rowid);
-    if (!st.Step()) return std::nullopt;
-    const int64_t first = sqlite3_column_int64(st.get(), 0);
-    while (st.Step()) {
-    }
-    return first;
   }
 
   std::shared_ptr<Database> db_;
@@ -149,7 +160,11 @@ class SqliteResultset final : public sql::MaterialisedResultset {
 std::unique_ptr<Resultset> MakeResultset(std::shared_ptr<Database> db, Statement& stmt,
                                          std::optional<WriteTarget> target, size_t max_rows,
                                          bool* more) {
-  return std::make_unique<SqliteResultset>(std::move(db), stmt, std::move(target), max_rows, more);
+  // The columns are read after the first step: a kept statement prepared before its tables
+  // changed is prepared again by that step, and only then describes them as they are.
+  const bool first = stmt.Step();
+  return std::make_unique<SqliteResultset>(std::move(db), stmt, first, std::move(target), max_rows,
+                                           more);
 }
 
 }  // namespace kivmovfrec::sqlite
