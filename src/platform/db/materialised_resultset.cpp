@@ -136,18 +136,43 @@ size_t MaterialisedResultset::CheckIndex(int index) const {
   return static_cast<size_t>(index);
 }
 
-std::optional<size_t> MaterialisedResultset::Find(std::string_view name) const {
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    if (EqualsNoCase(columns_[i], name)) return i;
+size_t MaterialisedResultset::NoCaseHash::operator()(std::string_view s) const {
+  size_t h = 14695981039346656037ull;
+  for (char c : s) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    h = (h ^ static_cast<unsigned char>(c)) * 1099511628211ull;
   }
-  return std::nullopt;
+  return h;
+}
+
+bool MaterialisedResultset::NoCaseEqual::operator()(std::string_view a, std::string_view b) const {
+  return EqualsNoCase(a, b);
+}
+
+std::optional<size_t> MaterialisedResultset::Find(const std::vector<std::string>& names,
+                                                  NameIndex& index, std::string_view name) {
+  // A few names are compared faster than they are hashed.
+  constexpr size_t kScanned = 8;
+  if (names.size() <= kScanned) {
+    for (size_t i = 0; i < names.size(); ++i) {
+      if (EqualsNoCase(names[i], name)) return i;
+    }
+    return std::nullopt;
+  }
+  if (index.empty()) {
+    for (size_t i = 0; i < names.size(); ++i) index.emplace(names[i], i);  // the first stays
+  }
+  const auto it = index.find(name);
+  if (it == index.end()) return std::nullopt;
+  return it->second;
+}
+
+std::optional<size_t> MaterialisedResultset::Find(std::string_view name) const {
+  return Find(columns_, column_index_, name);
 }
 
 size_t MaterialisedResultset::TableColumn(std::string_view name) const {
-  const auto& cols = target_->columns;
-  for (size_t i = 0; i < cols.size(); ++i) {
-    if (EqualsNoCase(cols[i], name)) return i;
-  }
+  if (auto i = Find(target_->columns, table_index_, name)) return *i;
   throw DbError(fmt::format("La tabla {} no tiene la columna '{}'", target_->table, name));
 }
 

@@ -42,41 +42,15 @@ class SqliteResultset final : public sql::MaterialisedResultset {
  protected:
   std::vector<Variant> WriteRow(std::optional<size_t> row, const std::vector<Variant>& values,
                                 const std::vector<bool>& assigned) override {
-    const auto& cols = target().columns;
-    const std::string table = sql::QuoteName(target().table);
     std::vector<size_t> changed;
-    for (size_t i = 0; i < cols.size(); ++i) {
+    for (size_t i = 0; i < assigned.size(); ++i) {
       if (assigned[i]) changed.push_back(i);
     }
     // The statement gives back the row as it stores it (defaults and affinity conversions
     // applied) with its rowid first: after an UPDATE of an INTEGER PRIMARY KEY column the row
     // has another rowid, and the set must keep following it.
-    std::string sql;
-    int64_t rowid = 0;
-    if (!row) {
-      if (changed.empty()) {
-        sql = fmt::format("INSERT INTO {} DEFAULT VALUES RETURNING rowid, *", table);
-      } else {
-        std::string names, marks;
-        for (size_t i : changed) {
-          names += (names.empty() ? "" : ", ") + sql::QuoteName(cols[i]);
-          marks += marks.empty() ? "?" : ", ?";
-        }
-        sql =
-            fmt::format("INSERT INTO {} ({}) VALUES ({}) RETURNING rowid, *", table, names, marks);
-      }
-    } else {
-      rowid = rowids_[*row];
-      if (changed.empty()) {
-        sql = fmt::format("SELECT rowid, * FROM {} WHERE rowid = ?", table);
-      } else {
-        std::string sets;
-        for (size_t i : changed) {
-          sets += (sets.empty() ? "" : ", ") + sql::QuoteName(cols[i]) + " = ?";
-        }
-        sql = fmt::format("UPDATE {} SET {} WHERE rowid = ? RETURNING rowid, *", table, sets);
-      }
-    }
+    const std::string& sql = WriteText(row.has_value(), changed);
+    int64_t rowid = row ? rowids_[*row] : 0;
     std::vector<Variant> stored;
     bool returned = false;
     {
@@ -100,7 +74,8 @@ class SqliteResultset final : public sql::MaterialisedResultset {
       if (sqlite3_total_changes64(h) - before > 1) returned = false;
     }
     if (!returned) {
-      const std::string reread = fmt::format("SELECT rowid, * FROM {} WHERE rowid = ?", table);
+      const std::string reread =
+          fmt::format("SELECT rowid, * FROM {} WHERE rowid = ?", sql::QuoteName(target().table));
       Statement st(db_, reread, reread);
       st.BindInt64(1, rowid);
       stored = st.Step() ? ReadValues(st.get(), 1) : values;
@@ -140,6 +115,37 @@ class SqliteResultset final : public sql::MaterialisedResultset {
     if (more) *more = rows == max_rows && (rows == 0 ? first : stmt.Step());
   }
 
+  // The INSERT (`update` false) or UPDATE of the columns `changed`, kept for the next row
+  // written with the same columns.
+  const std::string& WriteText(bool update, const std::vector<size_t>& changed) {
+    Written& w = update ? update_ : insert_;
+    if (!w.text.empty() && w.changed == changed) return w.text;
+    const auto& cols = target().columns;
+    const std::string table = sql::QuoteName(target().table);
+    std::string list;
+    if (!update) {
+      if (changed.empty()) {
+        w.text = fmt::format("INSERT INTO {} DEFAULT VALUES RETURNING rowid, *", table);
+      } else {
+        std::string marks;
+        for (size_t i : changed) {
+          list += (list.empty() ? "" : ", ") + sql::QuoteName(cols[i]);
+          marks += marks.empty() ? "?" : ", ?";
+        }
+        w.text =
+            fmt::format("INSERT INTO {} ({}) VALUES ({}) RETURNING rowid, *", table, list, marks);
+      }
+    } else if (changed.empty()) {
+      w.text = fmt::format("SELECT rowid, * FROM {} WHERE rowid = ?", table);
+    } else {
+      for (size_t i : changed)
+        list += (list.empty() ? "" : ", ") + sql::QuoteName(cols[i]) + " = ?";
+      w.text = fmt::format("UPDATE {} SET {} WHERE rowid = ? RETURNING rowid, *", table, list);
+    }
+    w.changed = changed;
+    return w.text;
+  }
+
   std::vector<Variant> ReadValues(sqlite3_stmt* stmt, int skip) const {
     std::vector<Variant> values;
     values.reserve(dates_.size());
@@ -153,6 +159,11 @@ class SqliteResultset final : public sql::MaterialisedResultset {
   int skip_ = 0;                 // 1 when the statement's first column is the hidden rowid
   std::vector<bool> dates_;      // per visible column: declared as a date
   std::vector<int64_t> rowids_;  // per row of the set, when it is updatable
+  struct Written {
+    std::vector<size_t> changed;
+    std::string text;
+  };
+  Written insert_, update_;  // the last statements written by WriteText
 };
 
 }  // namespace
