@@ -136,43 +136,37 @@ size_t MaterialisedResultset::CheckIndex(int index) const {
   return static_cast<size_t>(index);
 }
 
-size_t MaterialisedResultset::NoCaseHash::operator()(std::string_view s) const {
-  size_t h = 14695981039346656037ull;
-  for (char c : s) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    h = (h ^ static_cast<unsigned char>(c)) * 1099511628211ull;
-  }
-  return h;
-}
-
-bool MaterialisedResultset::NoCaseEqual::operator()(std::string_view a, std::string_view b) const {
-  return EqualsNoCase(a, b);
-}
-
 std::optional<size_t> MaterialisedResultset::Find(const std::vector<std::string>& names,
-                                                  NameIndex& index, std::string_view name) {
-  // A few names are compared faster than they are hashed.
-  constexpr size_t kScanned = 8;
-  if (names.size() <= kScanned) {
-    for (size_t i = 0; i < names.size(); ++i) {
-      if (EqualsNoCase(names[i], name)) return i;
+                                                  Guess& guess, std::string_view name) {
+  if (guess.unique < 0) {
+    guess.unique = 1;
+    for (size_t i = 0; i < names.size() && guess.unique; ++i) {
+      for (size_t j = i + 1; j < names.size(); ++j) {
+        if (EqualsNoCase(names[i], names[j])) {
+          guess.unique = 0;
+          break;
+        }
+      }
     }
-    return std::nullopt;
   }
-  if (index.empty()) {
-    for (size_t i = 0; i < names.size(); ++i) index.emplace(names[i], i);  // the first stays
+  if (guess.unique && guess.next < names.size() && EqualsNoCase(names[guess.next], name)) {
+    return guess.next++;
   }
-  const auto it = index.find(name);
-  if (it == index.end()) return std::nullopt;
-  return it->second;
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (EqualsNoCase(names[i], name)) {
+      guess.next = i + 1;
+      return i;
+    }
+  }
+  return std::nullopt;
 }
 
 std::optional<size_t> MaterialisedResultset::Find(std::string_view name) const {
-  return Find(columns_, column_index_, name);
+  return Find(columns_, column_guess_, name);
 }
 
 size_t MaterialisedResultset::TableColumn(std::string_view name) const {
-  if (auto i = Find(target_->columns, table_index_, name)) return *i;
+  if (auto i = Find(target_->columns, table_guess_, name)) return *i;
   throw DbError(fmt::format("La tabla {} no tiene la columna '{}'", target_->table, name));
 }
 

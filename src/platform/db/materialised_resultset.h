@@ -9,7 +9,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "kivmovfrec/db.h"
@@ -88,22 +87,19 @@ class MaterialisedResultset : public Resultset {
   // The values read now: the pending ones during AddNew / Edit, else the current row's.
   const std::vector<Variant>& Current() const;
 
-  // Column positions by name without regard to case, the first of equal names; built at the
-  // first look-up by name of a set with many columns (the component reads most of its columns
-  // by name, row after row).
-  struct NoCaseHash {
-    size_t operator()(std::string_view s) const;
+  // Where to look first for a column name: callers read the columns of each row in the same
+  // order, so the column after the one found last is usually the next one asked for. Not used
+  // when two columns have the same name (the first of them is the one found).
+  struct Guess {
+    size_t next = 0;
+    int unique = -1;  // -1 not known yet, else whether the names differ from each other
   };
-  struct NoCaseEqual {
-    bool operator()(std::string_view a, std::string_view b) const;
-  };
-  using NameIndex = std::unordered_map<std::string_view, size_t, NoCaseHash, NoCaseEqual>;
-  static std::optional<size_t> Find(const std::vector<std::string>& names, NameIndex& index,
+  static std::optional<size_t> Find(const std::vector<std::string>& names, Guess& guess,
                                     std::string_view name);
 
   std::vector<std::string> columns_;
-  mutable NameIndex column_index_;  // views the strings of columns_
-  mutable NameIndex table_index_;   // views the strings of target_->columns
+  mutable Guess column_guess_;  // for columns_
+  mutable Guess table_guess_;   // for target_->columns
   std::optional<TableColumns> target_;
   std::vector<Row> rows_;
   size_t pos_ = 0;

@@ -45,17 +45,15 @@ class SqliteConnection final : public Connection {
     const std::string& run = translated->run;
     translated->CheckPlaceholders(params.size());
     if (const auto& shape = translated->single_table) {
-      if (auto target = Target(shape->table)) {
-        std::optional<Statement> st;
-        try {
-          st.emplace(db_, translated->alternate, run);
-        } catch (const DbError&) {
-          st.reset();  // no rowid (a view, WITHOUT ROWID): read only, as below
-        }
-        if (st) {
-          Bind(*st, params);
-          return MakeResultset(db_, *st, std::move(target));
-        }
+      std::optional<Statement> st;
+      try {
+        st.emplace(db_, translated->alternate, run);
+      } catch (const DbError&) {
+        st.reset();  // no such table, or no rowid (a view, WITHOUT ROWID): read only, as below
+      }
+      if (st) {
+        Bind(*st, params);
+        return MakeResultset(db_, *st, shape->table);
       }
     }
     Statement st(db_, run, run);
@@ -119,19 +117,6 @@ class SqliteConnection final : public Connection {
           fmt::format("La sentencia no tiene un marcador '?' por cada valor dado: {}", st.shown()));
     }
     for (size_t i = 0; i < params.size(); ++i) st.Bind(static_cast<int>(i + 1), params[i]);
-  }
-
-  // The table's columns in declaration order, or nothing when there is no such table.
-  std::optional<WriteTarget> Target(const std::string& table) {
-    Statement st(db_, "SELECT name FROM pragma_table_info(?)", "PRAGMA table_info");
-    st.Bind(1, Variant(table));
-    WriteTarget target{table, {}};
-    while (st.Step()) {
-      const auto* name = reinterpret_cast<const char*>(sqlite3_column_text(st.get(), 0));
-      target.columns.emplace_back(name ? name : "");
-    }
-    if (target.columns.empty()) return std::nullopt;
-    return target;
   }
 
   std::shared_ptr<Database> db_;

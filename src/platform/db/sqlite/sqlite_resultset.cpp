@@ -27,9 +27,9 @@ class SqliteResultset final : public sql::MaterialisedResultset {
  public:
   // `first`: whether the statement's first step (already taken) gave a row.
   SqliteResultset(std::shared_ptr<Database> db, Statement& stmt, bool first,
-                  std::optional<WriteTarget> target, size_t max_rows, bool* more)
-      : SqliteResultset(std::move(db), std::move(target),
-                        VisibleColumns(stmt.get(), target.has_value())) {
+                  std::optional<std::string> table, size_t max_rows, bool* more)
+      : SqliteResultset(std::move(db), std::move(table),
+                        VisibleColumns(stmt.get(), table.has_value())) {
     ReadRows(stmt, first, max_rows, more);
   }
 
@@ -97,12 +97,12 @@ class SqliteResultset final : public sql::MaterialisedResultset {
   }
 
  private:
-  SqliteResultset(std::shared_ptr<Database> db, std::optional<WriteTarget>&& target,
+  SqliteResultset(std::shared_ptr<Database> db, std::optional<std::string>&& table,
                   std::vector<ColumnInfo> columns)
-      : MaterialisedResultset(Names(columns)), db_(std::move(db)), skip_(target ? 1 : 0) {
+      : MaterialisedResultset(Names(columns)), db_(std::move(db)), skip_(table ? 1 : 0) {
     for (const auto& c : columns) dates_.push_back(c.date);
-    // Not the table's own columns: the set stays read only.
-    if (target) SetWriteTarget(std::move(*target));
+    // The columns `*` stands for are the table's, in its order.
+    if (table) SetWriteTarget(WriteTarget{std::move(*table), Names(columns)});
   }
 
   void ReadRows(Statement& stmt, bool first, size_t max_rows, bool* more) {
@@ -169,12 +169,12 @@ class SqliteResultset final : public sql::MaterialisedResultset {
 }  // namespace
 
 std::unique_ptr<Resultset> MakeResultset(std::shared_ptr<Database> db, Statement& stmt,
-                                         std::optional<WriteTarget> target, size_t max_rows,
+                                         std::optional<std::string> table, size_t max_rows,
                                          bool* more) {
   // The columns are read after the first step: a kept statement prepared before its tables
   // changed is prepared again by that step, and only then describes them as they are.
   const bool first = stmt.Step();
-  return std::make_unique<SqliteResultset>(std::move(db), stmt, first, std::move(target), max_rows,
+  return std::make_unique<SqliteResultset>(std::move(db), stmt, first, std::move(table), max_rows,
                                            more);
 }
 
