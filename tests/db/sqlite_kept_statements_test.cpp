@@ -155,6 +155,40 @@ TEST_F(KeptOnConnection, TwoSetsOfOneTextWriteAndHoldTheRowsAsStored) {
   EXPECT_EQ(Count(), 2);
 }
 
+// Columns are looked up first where the previous row's look-ups found them: reading the rows in
+// changing orders, with names in other cases and with a repeated name, still finds each one.
+TEST_F(KeptOnConnection, ColumnsAreFoundByNameWhateverTheOrderTheyAreAskedIn) {
+  std::string select = "Select 1 As dup";
+  for (int c = 0; c < 12; ++c)
+    select += ", id * 100 + " + std::to_string(c) + " As c" + std::to_string(c);
+  select += ", 2 As DUP From t Order By id";
+  for (int id = 1; id <= 3; ++id) {
+    cn->Execute("Insert Into t (id, nombre) Values (?, ?)",
+                {Variant(int32_t{id}), Variant(std::to_string(id))});
+  }
+  auto rs = cn->OpenResultset(select);
+  const std::vector<std::vector<int>> orders = {{1, 2, 3, 11}, {2, 1, 7}, {11, 0, 5}};
+  // Each row asks in another sequence than the row before.
+  for (size_t row = 0; !rs->Eof(); rs->MoveNext(), ++row) {
+    for (size_t j = 0; j < orders.size(); ++j) {
+      for (int c : orders[(row + j) % orders.size()]) {
+        EXPECT_EQ(rs->Get((c % 2 ? "C" : "c") + std::to_string(c)).AsLong(),
+                  static_cast<int>(row + 1) * 100 + c);
+        EXPECT_EQ(rs->Get("Dup").AsLong(), 1);
+      }
+    }
+  }
+  auto writable = cn->OpenResultset("Select * From t Where id = 1");
+  for (const char* first : {"n", "nombre"}) {
+    writable->Edit();
+    writable->Set(first, first);
+    writable->Set(first[1] ? "n" : "nombre", "otro");
+    writable->Update();
+    EXPECT_EQ(writable->Get("n"), Variant(first[1] ? "otro" : "n"));
+    EXPECT_EQ(writable->Get("nombre"), Variant(first[1] ? "nombre" : "otro"));
+  }
+}
+
 TEST_F(KeptOnConnection, ClosingFinalisesEverythingSoTheFileClosesCleanly) {
   cn->Execute("Insert Into t (nombre, n) Values ('a', 1)");
   auto rs = cn->OpenResultset("Select * From t");

@@ -27,6 +27,7 @@ bool MaterialisedResultset::Eof() const {
 void MaterialisedResultset::MoveNext() {
   CheckOpen();
   mode_ = EditMode::None;
+  column_guess_.next = 0;
   if (pos_ < rows_.size()) ++pos_;
   while (pos_ < rows_.size() && rows_[pos_].deleted) ++pos_;
 }
@@ -63,6 +64,7 @@ void MaterialisedResultset::AddNew() {
   buffer_.assign(columns_.size(), Variant::Null());
   assigned_.assign(columns_.size(), false);
   mode_ = EditMode::AddNew;
+  table_guess_.next = 0;
 }
 
 void MaterialisedResultset::Edit() {
@@ -70,6 +72,7 @@ void MaterialisedResultset::Edit() {
   buffer_ = rows_[CurrentRow("No hay una fila actual para modificar")].values;
   assigned_.assign(columns_.size(), false);
   mode_ = EditMode::Edit;
+  table_guess_.next = 0;
 }
 
 void MaterialisedResultset::Set(std::string_view name, const Variant& value) {
@@ -138,23 +141,19 @@ size_t MaterialisedResultset::CheckIndex(int index) const {
 
 std::optional<size_t> MaterialisedResultset::Find(const std::vector<std::string>& names,
                                                   Guess& guess, std::string_view name) {
-  if (guess.unique < 0) {
-    guess.unique = 1;
-    for (size_t i = 0; i < names.size() && guess.unique; ++i) {
-      for (size_t j = i + 1; j < names.size(); ++j) {
-        if (EqualsNoCase(names[i], names[j])) {
-          guess.unique = 0;
-          break;
-        }
-      }
-    }
-  }
-  if (guess.unique && guess.next < names.size() && EqualsNoCase(names[guess.next], name)) {
-    return guess.next++;
+  // A remembered position was the first match of a name equal to names[p]: when `name` equals
+  // names[p] too, p is its first match as well.
+  if (guess.next < guess.order.size() && EqualsNoCase(names[guess.order[guess.next]], name)) {
+    return guess.order[guess.next++];
   }
   for (size_t i = 0; i < names.size(); ++i) {
     if (EqualsNoCase(names[i], name)) {
-      guess.next = i + 1;
+      // The sequence differs from here on: learn it anew. Bounded by a few times the columns.
+      if (guess.next < guess.order.size()) guess.order.resize(guess.next);
+      if (guess.order.size() < 4 * names.size() + 8) {
+        guess.order.push_back(i);
+        ++guess.next;
+      }
       return i;
     }
   }

@@ -87,12 +87,13 @@ class MaterialisedResultset : public Resultset {
   // The values read now: the pending ones during AddNew / Edit, else the current row's.
   const std::vector<Variant>& Current() const;
 
-  // Where to look first for a column name: callers read the columns of each row in the same
-  // order, so the column after the one found last is usually the next one asked for. Not used
-  // when two columns have the same name (the first of them is the one found).
+  // Where to look first for a column name: callers ask for the columns of each row in the
+  // same order, so the positions found for one row, in the order asked, are remembered and
+  // tried first for the next (MoveNext, AddNew and Edit start the sequence again). Of equal
+  // names, the first column is the one found.
   struct Guess {
-    size_t next = 0;
-    int unique = -1;  // -1 not known yet, else whether the names differ from each other
+    std::vector<size_t> order;  // positions found, in the order asked
+    size_t next = 0;            // the entry of `order` to try for the next name
   };
   static std::optional<size_t> Find(const std::vector<std::string>& names, Guess& guess,
                                     std::string_view name);
