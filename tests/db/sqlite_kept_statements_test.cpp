@@ -103,25 +103,18 @@ TEST_F(KeptOnConnection, AStatementThatFailedOrWasRolledBackRunsAgainFromScratch
   EXPECT_EQ(Count(), 3);
 }
 
-TEST_F(KeptOnConnection, ASetOpenedAfterTheTableChangedSeesItsColumnsAsTheyAre) {
-  const char* all = "Select * From t Where id = ?";
-  cn->Execute("Insert Into t (id, nombre, n) Values (1, 'a', 1)");
-  EXPECT_EQ(cn->OpenResultset(all, {Variant(int32_t{1})})->ColumnCount(), 3);
-  cn->Execute("Alter Table t Add Column fecha TIMESTAMP");
-  auto rs = cn->OpenResultset(all, {Variant(int32_t{1})});
-  ASSERT_EQ(rs->ColumnCount(), 4);
-  rs->Edit();
-  rs->Set("fecha", Variant(Date{38566}));
-  rs->Update();
-  EXPECT_EQ(cn->OpenResultset(all, {Variant(int32_t{1})})->Get("fecha"), Variant(Date{38566}));
-  // The same DDL texts run again, the table recreated with other columns.
+// The same DDL texts run again, and a kept `Select *` sees the table recreated with other
+// columns (columns added are covered by Updatable.ColumnsAddedOrRolledBackAreSeenByTheNextSet).
+TEST_F(KeptOnConnection, TheSameDdlTextsRunAgainAndAKeptSelectSeesTheNewColumns) {
+  const char* one = "Select * From t Where id = ?";
+  EXPECT_EQ(cn->OpenResultset(one, {Variant(int32_t{1})})->ColumnCount(), 3);
   for (int round = 0; round < 2; ++round) {
     cn->Execute("Drop Table t");
-    cn->Execute("Create Table t (id INTEGER PRIMARY KEY, otra VARCHAR(5))");
+    cn->Execute(round == 0 ? "Create Table t (id INTEGER PRIMARY KEY, otra VARCHAR(5))"
+                           : "Create Table t (id INTEGER PRIMARY KEY, otra VARCHAR(5), b INTEGER)");
     cn->Execute("Insert Into t (id, otra) Values (1, 'x')");
-    auto again = cn->OpenResultset(all, {Variant(int32_t{1})});
-    ASSERT_EQ(again->ColumnCount(), 2);
-    EXPECT_EQ(again->ColumnName(1), "otra");
+    auto again = cn->OpenResultset(one, {Variant(int32_t{1})});
+    ASSERT_EQ(again->ColumnCount(), 2 + round);
     EXPECT_EQ(again->Get("otra"), Variant("x"));
   }
 }
