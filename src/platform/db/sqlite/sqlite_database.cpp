@@ -18,11 +18,17 @@ namespace {
 
 bool MentionsDate(const char* decltype_text) {
   if (decltype_text == nullptr) return false;
-  std::string upper(decltype_text);
-  for (char& c : upper) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  // "DATE" or "TIME" anywhere, in any case, without building an upper-case copy.
+  for (const char* p = decltype_text; p[0] != '\0'; ++p) {
+    for (const char* word : {"DATE", "TIME"}) {
+      size_t i = 0;
+      while (word[i] != '\0' && p[i] != '\0' && (p[i] == word[i] || p[i] == word[i] - 'A' + 'a')) {
+        ++i;
+      }
+      if (word[i] == '\0') return true;
+    }
   }
-  return upper.find("DATE") != std::string::npos || upper.find("TIME") != std::string::npos;
+  return false;
 }
 
 // The kind of failure behind SQLite's extended result code.
