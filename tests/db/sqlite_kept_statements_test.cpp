@@ -170,15 +170,6 @@ TEST_F(KeptOnConnection, ColumnsAreFoundByNameWhateverTheOrderTheyAreAskedIn) {
       }
     }
   }
-  auto writable = cn->OpenResultset("Select * From t Where id = 1");
-  for (const char* first : {"n", "nombre"}) {
-    writable->Edit();
-    writable->Set(first, first);
-    writable->Set(first[1] ? "n" : "nombre", "otro");
-    writable->Update();
-    EXPECT_EQ(writable->Get("n"), Variant(first[1] ? "otro" : "n"));
-    EXPECT_EQ(writable->Get("nombre"), Variant(first[1] ? "nombre" : "otro"));
-  }
 }
 
 TEST_F(KeptOnConnection, ClosingFinalisesEverythingSoTheFileClosesCleanly) {
