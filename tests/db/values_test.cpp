@@ -168,6 +168,13 @@ TEST_F(Values, SqliteKeepsDatesAsIsoTextAndReadsThemOnlyFromDateColumns) {
   rs->MoveNext();
   EXPECT_EQ(rs->Get("ValFecha"), Variant("pronto"));  // not a date: left as text
   EXPECT_EQ(rs->Get("ValTexto"), Variant("2005-08-02 12:00:00"));
+  // The declared type names a date in any case, anywhere in it.
+  cn->Execute("Create Table Tipos (a date, b DateTime, c my_timestamp_tz, d Text, e Detail)");
+  cn->Execute("Insert Into Tipos Values (?, ?, ?, ?, ?)", DbParams(5, Variant("2005-08-02")));
+  auto tipos = cn->OpenResultset("Select * From Tipos");
+  for (const char* col : {"a", "b", "c"})
+    EXPECT_EQ(tipos->Get(col), Variant(Date{kAug2nd2005})) << col;
+  for (const char* col : {"d", "e"}) EXPECT_EQ(tipos->Get(col), Variant("2005-08-02")) << col;
 }
 
 // The text form dates are stored in, and its strict reading.

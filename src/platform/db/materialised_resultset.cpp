@@ -27,6 +27,7 @@ bool MaterialisedResultset::Eof() const {
 void MaterialisedResultset::MoveNext() {
   CheckOpen();
   mode_ = EditMode::None;
+  column_guess_.next = 0;
   if (pos_ < rows_.size()) ++pos_;
   while (pos_ < rows_.size() && rows_[pos_].deleted) ++pos_;
 }
@@ -63,6 +64,7 @@ void MaterialisedResultset::AddNew() {
   buffer_.assign(columns_.size(), Variant::Null());
   assigned_.assign(columns_.size(), false);
   mode_ = EditMode::AddNew;
+  table_guess_.next = 0;
 }
 
 void MaterialisedResultset::Edit() {
@@ -70,6 +72,7 @@ void MaterialisedResultset::Edit() {
   buffer_ = rows_[CurrentRow("No hay una fila actual para modificar")].values;
   assigned_.assign(columns_.size(), false);
   mode_ = EditMode::Edit;
+  table_guess_.next = 0;
 }
 
 void MaterialisedResultset::Set(std::string_view name, const Variant& value) {
@@ -136,18 +139,33 @@ size_t MaterialisedResultset::CheckIndex(int index) const {
   return static_cast<size_t>(index);
 }
 
-std::optional<size_t> MaterialisedResultset::Find(std::string_view name) const {
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    if (EqualsNoCase(columns_[i], name)) return i;
+std::optional<size_t> MaterialisedResultset::Find(const std::vector<std::string>& names,
+                                                  Guess& guess, std::string_view name) {
+  // A remembered position was the first match of a name equal to names[p]: when `name` equals
+  // names[p] too, p is its first match as well.
+  if (guess.next < guess.order.size() && EqualsNoCase(names[guess.order[guess.next]], name)) {
+    return guess.order[guess.next++];
+  }
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (EqualsNoCase(names[i], name)) {
+      // The sequence differs from here on: learn it anew. Bounded by a few times the columns.
+      if (guess.next < guess.order.size()) guess.order.resize(guess.next);
+      if (guess.order.size() < 4 * names.size() + 8) {
+        guess.order.push_back(i);
+        ++guess.next;
+      }
+      return i;
+    }
   }
   return std::nullopt;
 }
 
+std::optional<size_t> MaterialisedResultset::Find(std::string_view name) const {
+  return Find(columns_, column_guess_, name);
+}
+
 size_t MaterialisedResultset::TableColumn(std::string_view name) const {
-  const auto& cols = target_->columns;
-  for (size_t i = 0; i < cols.size(); ++i) {
-    if (EqualsNoCase(cols[i], name)) return i;
-  }
+  if (auto i = Find(target_->columns, table_guess_, name)) return *i;
   throw DbError(fmt::format("La tabla {} no tiene la columna '{}'", target_->table, name));
 }
 

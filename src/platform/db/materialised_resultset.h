@@ -87,7 +87,20 @@ class MaterialisedResultset : public Resultset {
   // The values read now: the pending ones during AddNew / Edit, else the current row's.
   const std::vector<Variant>& Current() const;
 
+  // Where to look first for a column name: callers ask for the columns of each row in the
+  // same order, so the positions found for one row, in the order asked, are remembered and
+  // tried first for the next (MoveNext, AddNew and Edit start the sequence again). Of equal
+  // names, the first column is the one found.
+  struct Guess {
+    std::vector<size_t> order;  // positions found, in the order asked
+    size_t next = 0;            // the entry of `order` to try for the next name
+  };
+  static std::optional<size_t> Find(const std::vector<std::string>& names, Guess& guess,
+                                    std::string_view name);
+
   std::vector<std::string> columns_;
+  mutable Guess column_guess_;  // for columns_
+  mutable Guess table_guess_;   // for target_->columns
   std::optional<TableColumns> target_;
   std::vector<Row> rows_;
   size_t pos_ = 0;

@@ -14,21 +14,17 @@
 #include "platform/db/query_limit.h"
 #include "platform/db/sql_tokens.h"
 #include "platform/db/transaction_levels.h"
+#include "platform/db/translation_cache.h"
 
 namespace kivmovfrec::postgres {
 
 namespace {
 
-// A query: SELECT, WITH or VALUES first, possibly inside parentheses (a compound whose
-// branches were limited one by one). Transaction control, SET and the like are not queries
-// even when the server would run them in a read-only transaction.
-bool IsQuery(const std::string& run) {
-  const auto list = sql::Tokenize(run);
-  for (const auto& t : list.tokens) {
-    if (sql::IsSymbol(t, "(")) continue;
-    return sql::IsKeyword(t, "SELECT") || sql::IsKeyword(t, "WITH") || sql::IsKeyword(t, "VALUES");
-  }
-  return false;
+// The statement in PostgreSQL's terms; `alternate` has its placeholders numbered.
+sql::TranslatedSql Translated(std::string_view sql) {
+  sql::TranslatedSql out = sql::Derive(TranslateForPostgres(sql));
+  out.alternate = out.placeholders == 0 ? out.run : sql::NumberPlaceholders(out.run);
+  return out;
 }
 
 constexpr const char* kTableQuery =
@@ -40,8 +36,8 @@ constexpr const char* kTableQuery =
     "WHERE c.oid = to_regclass($1) ORDER BY a.attnum";
 
 // Statements after which the tables' columns may differ: anything but reading and writing rows.
-bool MayChangeTables(const std::string& run) {
-  const std::string first = sql::LeadingKeyword(run);
+bool MayChangeTables(const sql::TranslatedSql& t) {
+  const std::string& first = t.leading;
   return first != "SELECT" && first != "INSERT" && first != "UPDATE" && first != "DELETE" &&
          first != "WITH" && first != "VALUES";
 }
@@ -74,13 +70,14 @@ class PgConnection final : public Connection {
   Engine engine() const override { return Engine::PostgreSQL; }
 
   std::string Translate(std::string_view sql) const override {
-    return sql::NumberPlaceholders(TranslateForPostgres(sql));
+    return translations_.Get(sql)->alternate;
   }
 
   std::unique_ptr<Resultset> OpenResultset(std::string_view sql, const DbParams& params) override {
-    const std::string run = Prepare(sql, params.size());
+    const auto translated = Prepare(sql, params.size());
+    const std::string& run = translated->alternate;
     const Params values = TextParams(params);
-    if (auto shape = sql::MatchSingleTableSelect(run)) {
+    if (const auto& shape = translated->single_table) {
       if (auto target = Target(run, shape->table)) {
         std::string text = run;
         if (target->key.empty()) {
@@ -100,8 +97,9 @@ class PgConnection final : public Connection {
 
   std::unique_ptr<Resultset> OpenReadOnlyRows(std::string_view sql, size_t max_rows,
                                               bool* more = nullptr) override {
-    const std::string run = TranslateForPostgres(sql);
-    if (!IsQuery(run)) RefuseWrite(run);
+    const auto translated = translations_.Get(sql);
+    const std::string& run = translated->run;
+    if (!translated->query) RefuseWrite(run);
     const bool nested = session_->InTransaction();
     const auto limit = QueryLimit();
     // SET LOCAL lasts until the read-only transaction or savepoint is rolled back below, so the
@@ -136,8 +134,9 @@ class PgConnection final : public Connection {
   }
 
   int64_t Execute(std::string_view sql, const DbParams& params) override {
-    const std::string run = Prepare(sql, params.size());
-    if (MayChangeTables(run)) {
+    const auto translated = Prepare(sql, params.size());
+    const std::string& run = translated->alternate;
+    if (MayChangeTables(*translated)) {
       ForgetTables();
       tables_changed_in_transaction_ = session_->InTransaction();
     }
@@ -146,19 +145,21 @@ class PgConnection final : public Connection {
   }
 
   std::vector<int64_t> ExecuteAll(const std::vector<DbStatement>& statements) override {
-    std::vector<std::string> runs;
+    std::vector<std::shared_ptr<const sql::TranslatedSql>> runs;
     std::vector<Params> values;
     runs.reserve(statements.size());
     values.reserve(statements.size());
     for (const DbStatement& st : statements) {
       runs.push_back(Prepare(st.sql, st.params.size()));
       // Statements that may change the tables run one by one, each forgetting what was known.
-      if (MayChangeTables(runs.back())) return Connection::ExecuteAll(statements);
+      if (MayChangeTables(*runs.back())) return Connection::ExecuteAll(statements);
       values.push_back(TextParams(st.params));
     }
     std::vector<Session::Statement> batch;
     batch.reserve(runs.size());
-    for (size_t i = 0; i < runs.size(); ++i) batch.push_back({runs[i], values[i], runs[i]});
+    for (size_t i = 0; i < runs.size(); ++i) {
+      batch.push_back({runs[i]->alternate, values[i], runs[i]->alternate});
+    }
     std::vector<int64_t> changed;
     changed.reserve(runs.size());
     for (const Result& r : session_->RunAll(batch)) changed.push_back(Changed(r.get()));
@@ -197,12 +198,12 @@ class PgConnection final : public Connection {
     session_->ForgetPrepared();
   }
 
-  // The statement in PostgreSQL's terms, its placeholders numbered; DbError unless it has
-  // exactly `values` of them.
-  std::string Prepare(std::string_view sql, size_t values) const {
-    const std::string run = TranslateForPostgres(sql);
-    sql::CheckPlaceholders(run, values);
-    return values == 0 ? run : sql::NumberPlaceholders(run);
+  // The statement in PostgreSQL's terms (its placeholders numbered in `alternate`); DbError
+  // unless it has exactly `values` of them.
+  std::shared_ptr<const sql::TranslatedSql> Prepare(std::string_view sql, size_t values) const {
+    auto translated = translations_.Get(sql);
+    translated->CheckPlaceholders(values);
+    return translated;
   }
 
   // The table behind `Select * from <table>` when its rows can be written: a table with a
@@ -275,6 +276,7 @@ class PgConnection final : public Connection {
   std::shared_ptr<Session> session_;
   sql::TransactionLevels levels_;
   std::map<std::string, std::optional<WriteTarget>> targets_;  // by the table name as written
+  mutable sql::TranslationCache translations_{&Translated};
   // A statement that may change tables ran in the open transaction: a rollback must forget
   // the answers read since.
   bool tables_changed_in_transaction_ = false;

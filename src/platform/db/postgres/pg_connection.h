@@ -21,7 +21,8 @@ struct Options {
 //
 // The connection:
 //   * translates every statement from the suite's dialect (TranslateForPostgres: the shared
-//     translation plus the rewrites of pg_dialect.h);
+//     translation plus the rewrites of pg_dialect.h), keeping the translation of the texts
+//     used most recently (translation_cache.h);
 //   * reads all rows of a result set when it is opened; columns are found by name without
 //     regard to case (PostgreSQL reports unquoted names in lower case), values mapped by type
 //     as pg_values.h describes;

@@ -133,8 +133,10 @@ std::string Session::PreparedName(const std::string& text, bool& prepare) {
 }
 
 void Session::Validate(std::string_view sql, const Params& params, std::string_view shown) const {
-  if (sql::IsBlankSql(sql)) throw DbError("La sentencia SQL está vacía");
-  if (sql::SplitStatements(sql).size() > 1) {
+  // A text prepared on the server was found to be one statement when it was first sent.
+  const bool known = prepared_.find(sql) != prepared_.end();
+  if (!known && sql::IsBlankSql(sql)) throw DbError("La sentencia SQL está vacía");
+  if (!known && sql::SplitStatements(sql).size() > 1) {
     throw DbError(fmt::format("Se admite una sola sentencia SQL por llamada: {}", shown));
   }
   if (params.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {

@@ -5,6 +5,7 @@
 #include <libpq-fe.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -106,11 +107,16 @@ class Session {
   DbErrorKind LostOrOther() const;
 
   PGconn* conn_ = nullptr;
-  std::string pending_begin_;                              // BEGIN not sent yet ("" when none)
-  bool deallocate_ = false;                                // DEALLOCATE ALL not sent yet
-  std::unordered_map<std::string, std::string> prepared_;  // text -> statement name
-  std::unordered_set<std::string> seen_;                   // texts sent once, unprepared
-  uint64_t serial_ = 0;                                    // for statement names
+  std::string pending_begin_;  // BEGIN not sent yet ("" when none)
+  bool deallocate_ = false;    // DEALLOCATE ALL not sent yet
+  struct TextHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+  };
+  // text -> statement name
+  std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> prepared_;
+  std::unordered_set<std::string> seen_;  // texts sent once, unprepared
+  uint64_t serial_ = 0;                   // for statement names
 };
 
 // SQLSTATE of a failed result ("" when there is none).

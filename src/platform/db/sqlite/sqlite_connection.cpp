@@ -9,10 +9,22 @@
 #include "platform/db/sqlite/sqlite_database.h"
 #include "platform/db/sqlite/sqlite_resultset.h"
 #include "platform/db/transaction_levels.h"
+#include "platform/db/translation_cache.h"
 
 namespace kivmovfrec::sqlite {
 
 namespace {
+
+sql::TranslatedSql TranslateForSqlite(std::string_view sql) {
+  sql::TranslatedSql out = sql::Derive(sql::TranslateSql(sql, sql::Target::SQLite));
+  if (out.single_table) {
+    // The same statement with each row's rowid in front of the table's columns, for sets
+    // whose rows are written back.
+    out.alternate = out.run;
+    out.alternate.insert(out.single_table->star_offset, fmt::format("rowid AS {}, ", kRowidAlias));
+  }
+  return out;
+}
 
 class SqliteConnection final : public Connection {
  public:
@@ -20,34 +32,28 @@ class SqliteConnection final : public Connection {
       : db_(std::make_shared<Database>(path, options.busy_timeout_ms)),
         levels_(sql::TransactionLevels::Engine{
             [this] { return sqlite3_get_autocommit(db_->get()) == 0; },
-            [this](const std::string& text) { db_->Exec(text.c_str()); },
+            [this](const std::string& text) { db_->Exec(text); },
             [this] { db_->Exec("BEGIN IMMEDIATE"); }, [this] { db_->Exec("COMMIT"); },
             [this] { db_->Exec("ROLLBACK"); }}) {}
 
   Engine engine() const override { return Engine::SQLite; }
 
-  std::string Translate(std::string_view sql) const override {
-    return sql::TranslateSql(sql, sql::Target::SQLite);
-  }
+  std::string Translate(std::string_view sql) const override { return translations_.Get(sql)->run; }
 
   std::unique_ptr<Resultset> OpenResultset(std::string_view sql, const DbParams& params) override {
-    const std::string run = Translate(sql);
-    sql::CheckPlaceholders(run, params.size());
-    if (auto shape = sql::MatchSingleTableSelect(run)) {
-      if (auto target = Target(shape->table)) {
-        // The same statement with each row's rowid in front of the table's columns.
-        std::string with_rowid = run;
-        with_rowid.insert(shape->star_offset, fmt::format("rowid AS {}, ", kRowidAlias));
-        std::optional<Statement> st;
-        try {
-          st.emplace(db_, with_rowid, run);
-        } catch (const DbError&) {
-          st.reset();  // no rowid (a view, WITHOUT ROWID): read only, as below
-        }
-        if (st) {
-          Bind(*st, params);
-          return MakeResultset(db_, *st, std::move(target));
-        }
+    const auto translated = translations_.Get(sql);
+    const std::string& run = translated->run;
+    translated->CheckPlaceholders(params.size());
+    if (const auto& shape = translated->single_table) {
+      std::optional<Statement> st;
+      try {
+        st.emplace(db_, translated->alternate, run);
+      } catch (const DbError&) {
+        st.reset();  // no such table, or no rowid (a view, WITHOUT ROWID): read only, as below
+      }
+      if (st) {
+        Bind(*st, params);
+        return MakeResultset(db_, *st, shape->table);
       }
     }
     Statement st(db_, run, run);
@@ -61,8 +67,9 @@ class SqliteConnection final : public Connection {
 
   std::unique_ptr<Resultset> OpenReadOnlyRows(std::string_view sql, size_t max_rows,
                                               bool* more = nullptr) override {
-    const std::string run = Translate(sql);
-    const std::string first = sql::LeadingKeyword(run);
+    const auto translated = translations_.Get(sql);
+    const std::string& run = translated->run;
+    const std::string& first = translated->leading;
     // BEGIN, COMMIT, ATTACH and PRAGMA count as read-only for the engine but change the
     // connection; only queries are accepted.
     bool query = first == "SELECT" || first == "WITH" || first == "VALUES";
@@ -83,8 +90,9 @@ class SqliteConnection final : public Connection {
   }
 
   int64_t Execute(std::string_view sql, const DbParams& params) override {
-    const std::string run = Translate(sql);
-    sql::CheckPlaceholders(run, params.size());
+    const auto translated = translations_.Get(sql);
+    const std::string& run = translated->run;
+    translated->CheckPlaceholders(params.size());
     Statement st(db_, run, run);
     Bind(st, params);
     sqlite3* h = db_->get();
@@ -105,26 +113,15 @@ class SqliteConnection final : public Connection {
   // have exactly the values given, whatever it marks them with.
   static void Bind(Statement& st, const DbParams& params) {
     if (static_cast<size_t>(sqlite3_bind_parameter_count(st.get())) != params.size()) {
-      throw DbError("La sentencia no tiene un marcador '?' por cada valor dado: " + st.shown());
+      throw DbError(
+          fmt::format("La sentencia no tiene un marcador '?' por cada valor dado: {}", st.shown()));
     }
     for (size_t i = 0; i < params.size(); ++i) st.Bind(static_cast<int>(i + 1), params[i]);
   }
 
-  // The table's columns in declaration order, or nothing when there is no such table.
-  std::optional<WriteTarget> Target(const std::string& table) {
-    Statement st(db_, "SELECT name FROM pragma_table_info(?)", "PRAGMA table_info");
-    st.Bind(1, Variant(table));
-    WriteTarget target{table, {}};
-    while (st.Step()) {
-      const auto* name = reinterpret_cast<const char*>(sqlite3_column_text(st.get(), 0));
-      target.columns.emplace_back(name ? name : "");
-    }
-    if (target.columns.empty()) return std::nullopt;
-    return target;
-  }
-
   std::shared_ptr<Database> db_;
   sql::TransactionLevels levels_;
+  mutable sql::TranslationCache translations_{&TranslateForSqlite};
 };
 
 }  // namespace

@@ -20,8 +20,14 @@ struct Options {
 // opened or is not an SQLite database; the file is then left as it was.
 //
 // The connection:
-//   * translates every statement from the suite's dialect (sql::TranslateSql, SQLite target)
-//     and replaces LIKE by one that also ignores the case of accented letters (sqlite_like.h);
+//   * translates every statement from the suite's dialect (sql::TranslateSql, SQLite target),
+//     keeping the translation of the texts used most recently (translation_cache.h), and
+//     replaces LIKE by one that also ignores the case of accented letters (sqlite_like.h);
+//   * keeps its prepared statements for reuse, one per text, for the texts used most recently
+//     (Database in sqlite_database.h); a kept statement whose tables changed is prepared again
+//     by SQLite itself, and a set reads its columns after the first step, so it sees them as
+//     they are;
+//   * is used from one thread at a time: the handle is opened without SQLite's own mutex;
 //   * nests transactions as savepoints inside BEGIN IMMEDIATE (transaction_levels.h);
 //   * reads all rows of a result set when it is opened (the component's sets are small), so
 //     rows can be deleted while walking a set and no statement stays open between calls;

@@ -18,11 +18,17 @@ namespace {
 
 bool MentionsDate(const char* decltype_text) {
   if (decltype_text == nullptr) return false;
-  std::string upper(decltype_text);
-  for (char& c : upper) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  // "DATE" or "TIME" anywhere, in any case, without building an upper-case copy.
+  for (const char* p = decltype_text; p[0] != '\0'; ++p) {
+    for (const char* word : {"DATE", "TIME"}) {
+      size_t i = 0;
+      while (word[i] != '\0' && p[i] != '\0' && (p[i] == word[i] || p[i] == word[i] - 'A' + 'a')) {
+        ++i;
+      }
+      if (word[i] == '\0') return true;
+    }
   }
-  return upper.find("DATE") != std::string::npos || upper.find("TIME") != std::string::npos;
+  return false;
 }
 
 // The kind of failure behind SQLite's extended result code.
@@ -48,8 +54,13 @@ DbErrorKind KindOf(int extended_code) {
 
 }  // namespace
 
-Database::Database(const std::string& path, int busy_timeout_ms) : in_memory_(path == ":memory:") {
-  int rc = sqlite3_open_v2(path.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+Database::Database(const std::string& path, int busy_timeout_ms, size_t kept)
+    : in_memory_(path == ":memory:"), kept_(kept) {
+  // A connection is used from one thread at a time (Connection is not thread-safe), so the
+  // handle goes without SQLite's own mutex, which every call would otherwise take.
+  int rc =
+      sqlite3_open_v2(path.c_str(), &db_,
+                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
   if (rc != SQLITE_OK) {
     std::string msg = db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(rc);
     sqlite3_close_v2(db_);
@@ -66,6 +77,7 @@ Database::Database(const std::string& path, int busy_timeout_ms) : in_memory_(pa
     if (!RegisterLike(db_)) Fail("like()");
     if (!in_memory_) Exec("PRAGMA journal_mode=WAL");
   } catch (const DbError& e) {
+    while (auto kept = kept_.TakeOldest()) sqlite3_finalize(kept->second);
     sqlite3_close_v2(db_);
     db_ = nullptr;
     throw DbError(fmt::format("No se pudo abrir la base de datos {}: {}", path, e.what()),
@@ -74,6 +86,7 @@ Database::Database(const std::string& path, int busy_timeout_ms) : in_memory_(pa
 }
 
 Database::~Database() {
+  while (auto kept = kept_.TakeOldest()) sqlite3_finalize(kept->second);
   sqlite3_close_v2(db_);
 }
 
@@ -88,8 +101,61 @@ void Database::Fail(std::string_view sql) const {
   throw DbError(kind, std::string(message), std::string(sql));
 }
 
-void Database::Exec(const char* sql) const {
-  if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) Fail(sql);
+void Database::Exec(std::string_view sql) {
+  if (sql.find(';') == std::string_view::npos) {
+    std::string key;
+    sqlite3_stmt* stmt = Acquire(sql, sql, key);
+    int rc = SQLITE_ROW;
+    while (rc == SQLITE_ROW) rc = sqlite3_step(stmt);
+    if (rc != SQLITE_DONE) {
+      try {
+        Fail(sql);
+      } catch (...) {
+        Release(stmt, std::move(key));
+        throw;
+      }
+    }
+    Release(stmt, std::move(key));
+    return;
+  }
+  const std::string text(sql);
+  if (sqlite3_exec(db_, text.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) Fail(sql);
+}
+
+sqlite3_stmt* Database::Acquire(std::string_view sql, std::string_view shown, std::string& key) {
+  if (auto kept = kept_.Take(sql)) {
+    key = std::move(kept->first);
+    return kept->second;
+  }
+  if (sql.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {
+    throw DbError("La sentencia SQL es demasiado larga");
+  }
+  const char* tail = nullptr;
+  sqlite3_stmt* stmt = nullptr;
+  int rc = sqlite3_prepare_v3(db_, sql.data(), static_cast<int>(sql.size()),
+                              SQLITE_PREPARE_PERSISTENT, &stmt, &tail);
+  if (rc != SQLITE_OK) Fail(shown);
+  if (stmt == nullptr) throw DbError("La sentencia SQL está vacía");
+  std::string_view rest = sql.substr(static_cast<size_t>(tail - sql.data()));
+  if (!sql::IsBlankSql(rest)) {
+    sqlite3_finalize(stmt);
+    throw DbError(fmt::format("Se admite una sola sentencia SQL por llamada: {}", shown));
+  }
+  key.assign(sql);
+  return stmt;
+}
+
+void Database::Release(sqlite3_stmt* stmt, std::string&& key) noexcept {
+  if (stmt == nullptr) return;
+  // Its outcome was reported by the step that failed, if any.
+  sqlite3_reset(stmt);
+  sqlite3_clear_bindings(stmt);
+  try {
+    if (auto dropped = kept_.Insert(std::move(key), stmt)) sqlite3_finalize(dropped->second);
+  } catch (...) {
+    // No memory to keep it: it is simply not reused.
+    sqlite3_finalize(stmt);
+  }
 }
 
 Deadline::Deadline(sqlite3* db, std::chrono::milliseconds limit) {
@@ -113,23 +179,11 @@ int Deadline::Check(void* self) {
 
 Statement::Statement(std::shared_ptr<Database> db, std::string_view sql, std::string_view shown)
     : db_(std::move(db)), shown_(shown) {
-  if (sql.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {
-    throw DbError("La sentencia SQL es demasiado larga");
-  }
-  const char* tail = nullptr;
-  int rc = sqlite3_prepare_v2(db_->get(), sql.data(), static_cast<int>(sql.size()), &stmt_, &tail);
-  if (rc != SQLITE_OK) db_->Fail(shown_);
-  if (stmt_ == nullptr) throw DbError("La sentencia SQL está vacía");
-  std::string_view rest = sql.substr(static_cast<size_t>(tail - sql.data()));
-  if (!sql::IsBlankSql(rest)) {
-    sqlite3_finalize(stmt_);
-    stmt_ = nullptr;
-    throw DbError(fmt::format("Se admite una sola sentencia SQL por llamada: {}", shown_));
-  }
+  stmt_ = db_->Acquire(sql, shown, key_);
 }
 
 Statement::~Statement() {
-  sqlite3_finalize(stmt_);
+  db_->Release(stmt_, std::move(key_));
 }
 
 void Statement::Bind(int index, const Variant& value) {

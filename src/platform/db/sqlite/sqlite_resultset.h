@@ -20,11 +20,12 @@ inline constexpr const char* kRowidAlias = "kmf_rowid__";
 using WriteTarget = sql::TableColumns;
 
 // Reads the rows of `stmt` at once, at most `max_rows` of them; with `more`, whether the
-// statement had another row after those (stepped once more to know). With a target, the
-// statement's first column is the rowid (kRowidAlias), hidden from the reader, and the
-// remaining columns are the table's.
+// statement had another row after those (stepped once more to know). With a table, the
+// statement is `SELECT rowid AS kRowidAlias, * FROM table ...`: its first column, hidden from
+// the reader, identifies each row, the others are the table's columns, and the set is
+// updatable.
 std::unique_ptr<Resultset> MakeResultset(std::shared_ptr<Database> db, Statement& stmt,
-                                         std::optional<WriteTarget> target,
+                                         std::optional<std::string> table,
                                          size_t max_rows = SIZE_MAX, bool* more = nullptr);
 
 }  // namespace kivmovfrec::sqlite
