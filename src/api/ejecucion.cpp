@@ -425,11 +425,11 @@ class Ejecutor {
     }
     if (estado != 0)
       return "el movimiento ya no está en proceso (estado " + std::to_string(estado) + ")";
-    const std::string& texto = mov.Recurrencia()->FechaProxima();
-    if (mov.Recurrencia()->ID() == 0 || !vb::IsDate(Variant(texto))) {
-      return "el movimiento ya no está agendado";
-    }
-    const Date ahora = vb::CDate(Variant(texto));
+    const std::optional<Date> leida = mov.Recurrencia()->ID() == 0
+                                          ? std::nullopt
+                                          : vb::ParseDate(mov.Recurrencia()->FechaProxima());
+    if (!leida) return "el movimiento ya no está agendado";
+    const Date ahora = *leida;
     if (Dia(ahora) == Dia(fecha)) return "";
     proxima = ahora;
     return Dia(ahora) > Dia(fecha)

@@ -251,14 +251,23 @@ std::optional<double> CorridaFx::Formula(size_t i) {
   }
   expresion = vb::Trim(expresion);
   tl.expresion = expresion;
+  // An arithmetic expression is reduced once per text (and read as a number once).
+  if (const ResultadoAritmetica* kept = fx_.Aritmetica(expresion)) {
+    if (kept->numero_expresion) return kept->numero_expresion;
+    return Resultado(tl, i, expresion, kept->resultado, kept->numero);
+  }
   if (auto n = LeerNumero(expresion)) return n;
   const script::HostResult r = fx_.Evaluar(expresion, false);
+  return Resultado(tl, i, expresion, r, LeerNumero(r.text));
+}
+
+std::optional<double> CorridaFx::Resultado(TrazaLineaFx& tl, size_t i, const std::string& expresion,
+                                           const script::HostResult& r, std::optional<double> v) {
   if (!r.ok) {
     Fallar(i, "la expresión " + expresion + " no se pudo evaluar: " + r.error.description +
                   " (columna " + std::to_string(r.error.column) + ")");
     return std::nullopt;
   }
-  const auto v = LeerNumero(r.text);
   if (!v || !std::isfinite(*v)) {
     Fallar(i, "la expresión " + expresion + " no dio un número: " + r.text);
     return std::nullopt;

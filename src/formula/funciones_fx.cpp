@@ -200,16 +200,24 @@ Date clsFuncionesFx::Hoy() const {
   return core::RelojOSistema(servicios_.clock.get()).Today();
 }
 
+namespace {
+
+constexpr size_t kMaxAritmetica = 100000;
+
+bool SoloAritmetica(std::string_view expresion) {
+  return !expresion.empty() &&
+         expresion.find_first_not_of("0123456789.+-*/\\^() ") == std::string_view::npos;
+}
+
+}  // namespace
+
 script::HostResult clsFuncionesFx::Evaluar(std::string_view expresion, bool exponer) const {
-  constexpr size_t kMaxAritmetica = 100000;
   try {
     if (evaluador_) return evaluador_(cn_.get(), expresion, exponer);
-    const bool aritmetica =
-        !exponer && !expresion.empty() &&
-        expresion.find_first_not_of("0123456789.+-*/\\^() ") == std::string_view::npos;
+    const bool aritmetica = !exponer && SoloAritmetica(expresion);
     if (aritmetica) {
-      if (const auto r = aritmetica_->find(std::string(expresion)); r != aritmetica_->end()) {
-        return r->second;
+      if (const auto r = aritmetica_->find(expresion); r != aritmetica_->end()) {
+        return r->second.resultado;
       }
     }
     script::HostOptions opciones;
@@ -218,13 +226,34 @@ script::HostResult clsFuncionesFx::Evaluar(std::string_view expresion, bool expo
     script::HostResult r = script::EvaluateScript(cn_.get(), expresion, exponer, opciones);
     if (aritmetica) {
       if (aritmetica_->size() >= kMaxAritmetica) aritmetica_->clear();
-      aritmetica_->emplace(std::string(expresion), r);
+      aritmetica_->emplace(std::string(expresion),
+                           ResultadoAritmetica{r, LeerNumero(expresion), LeerNumero(r.text)});
     }
     return r;
   } catch (const std::exception& e) {
     script::HostResult r;
     r.error.description = e.what();
     return r;
+  }
+}
+
+const ResultadoAritmetica* clsFuncionesFx::Aritmetica(std::string_view expresion) const {
+  if (evaluador_ || !SoloAritmetica(expresion)) return nullptr;
+  if (const auto r = aritmetica_->find(expresion); r != aritmetica_->end()) return &r->second;
+  if (LeerNumero(expresion)) return nullptr;
+  try {
+    script::HostOptions opciones;
+    auto reloj = servicios_.clock;
+    opciones.clock = [reloj] { return core::RelojOSistema(reloj.get()).Now(); };
+    script::HostResult r = script::EvaluateScript(cn_.get(), expresion, false, opciones);
+    if (aritmetica_->size() >= kMaxAritmetica) aritmetica_->clear();
+    const std::optional<double> numero = LeerNumero(r.text);
+    return &aritmetica_
+                ->emplace(std::string(expresion),
+                          ResultadoAritmetica{std::move(r), std::nullopt, numero})
+                .first->second;
+  } catch (const std::exception&) {
+    return nullptr;
   }
 }
 

@@ -108,7 +108,19 @@ using PiezasFormulas = std::unordered_map<std::string, std::vector<ElementoFx>>;
 // The results of expressions made only of number literals, arithmetic operators and
 // parentheses ("1045*1.21"), by text: such a text names nothing and reads no clock, so the
 // script host always gives it the same result, and evaluators that share them reduce each once.
-using ResultadosAritmetica = std::unordered_map<std::string, script::HostResult>;
+// Each keeps what the formulas read from it too: the expression and the result's text as
+// numbers (LeerNumero).
+struct ResultadoAritmetica {
+  script::HostResult resultado;
+  std::optional<double> numero_expresion;  // LeerNumero(the expression)
+  std::optional<double> numero;            // LeerNumero(resultado.text)
+};
+struct HashTexto {
+  using is_transparent = void;
+  size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+};
+using ResultadosAritmetica =
+    std::unordered_map<std::string, ResultadoAritmetica, HashTexto, std::equal_to<>>;
 
 struct ContextoEmpresaFx {
   clsEmpresa empresa;
@@ -157,6 +169,11 @@ class clsFuncionesFx {
   // Runs the installed evaluator (the script host by default; the result of an expression of
   // number literals and arithmetic alone is kept, see ResultadosAritmetica); never throws.
   script::HostResult Evaluar(std::string_view expresion, bool exponer_conexion) const;
+  // The kept result of `expresion` when it is made of number literals and arithmetic alone and
+  // is not itself a number (LeerNumero), worked out and kept when new, as Evaluar(expresion,
+  // false) gives it; null for any other expression, with an installed evaluator, or when the
+  // host throws. Valid until the next Evaluar or Aritmetica of an evaluator of the context.
+  const ResultadoAritmetica* Aritmetica(std::string_view expresion) const;
 
   // Replaces in a block's text: [pIDMov], [pEmp], [prmBDDateCharSQLs], [prmMonedaContabilidad]
   // and every "[prm" + name + "]" of the company's parameter items (names without regard to
