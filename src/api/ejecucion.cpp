@@ -80,6 +80,10 @@ struct MonedaDocumento {
 };
 
 double Escala(int decimales) {
+  // The powers a currency uses, exact as literals (and as pow gives them), without calling pow
+  // for each amount.
+  static constexpr double kPotencias[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+  if (decimales >= 0 && decimales < 10) return kPotencias[decimales];
   return std::pow(10.0, decimales);
 }
 

@@ -111,6 +111,16 @@ int DecimalesFormato(std::string_view formato) {
 
 double RedondearFormato(double v, std::string_view formato) {
   const int dec = DecimalesFormato(formato);
+  if (dec >= 0 && dec < 10 && std::fabs(v) < 1e9) {
+    // A value that already is a whole number of the units (n / 10^dec reads back as v, n well
+    // below 2^51): the shortest decimal that stands for v lies within one unit in the last place
+    // of n / 10^dec, far from any half, so the rounding below would give v back.
+    static constexpr double kPotencias[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+    const double escala = kPotencias[dec];
+    const double x = v * escala;
+    const double n = std::nearbyint(x);
+    if (n == x && std::fabs(n) < 1e15 && n / escala == v) return v == 0 ? 0.0 : v;
+  }
   if (std::isfinite(v) && std::fabs(v) < 1e300) {
     // The rounding Format applies to "0.00…" (the decimal the double stands for, halves away
     // from zero), read back as the nearest double, without writing and reading the text.
