@@ -72,7 +72,13 @@ std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec) {
 
 bool AvanzarRegistros(const ContextoMF& ctx, IDateCalculator& calendario,
                       clsRegMovimientoFrecuente& mov, clsRegRecurrencia& rec, Date* proxima) {
-  const std::optional<schedule::Schedule> agenda = AgendaDe(rec);
+  std::optional<schedule::Schedule> agenda = AgendaDe(rec);
+  return AvanzarRegistros(ctx, calendario, mov, rec, agenda, proxima);
+}
+
+bool AvanzarRegistros(const ContextoMF& ctx, IDateCalculator& calendario,
+                      clsRegMovimientoFrecuente& mov, clsRegRecurrencia& rec,
+                      std::optional<schedule::Schedule>& agenda, Date* proxima) {
   if (!agenda) throw VbError(13);
   const schedule::AfterOccurrence siguiente = schedule::NextOccurrence(*agenda, calendario);
   if (siguiente.ended) {
@@ -84,17 +90,18 @@ bool AvanzarRegistros(const ContextoMF& ctx, IDateCalculator& calendario,
   rec.FechaProxima(TextoDePartes(partes));
   rec.NumOcurrencia(siguiente.occurrence);
   rec.Postergado(0.0f);
+  // The text just written read back: its parts without the seconds, for the four-digit years
+  // it always reads back as such; the schedule read again from the text otherwise.
+  if (partes.year >= 1000 && partes.year <= 9999) {
+    partes.second = 0;
+    agenda->due = vb::MakeDate(partes);
+    agenda->occurrence = std::max(rec.NumOcurrencia(), 1);
+  } else {
+    agenda = AgendaDe(rec);
+  }
   if (proxima != nullptr) {
-    // The text just written read back: its parts without the seconds, for the four-digit
-    // years it always reads back as such.
-    Date escrita{};
-    if (partes.year >= 1000 && partes.year <= 9999) {
-      partes.second = 0;
-      escrita = vb::MakeDate(partes);
-    } else {
-      escrita = vb::CDate(Variant(rec.FechaProxima()));
-    }
-    *proxima = storage::FechaSegunFormatoBD(escrita, ctx.parametros);
+    *proxima = storage::FechaSegunFormatoBD(
+        agenda ? agenda->due : vb::CDate(Variant(rec.FechaProxima())), ctx.parametros);
   }
   return false;
 }
