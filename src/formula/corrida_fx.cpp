@@ -56,7 +56,8 @@ CorridaFx::CorridaFx(clsFuncionesFx& fx, std::vector<std::shared_ptr<clsRegRengl
   for (auto& r : lineas) {
     Linea l;
     l.formula = vb::Trim(r->Formula());
-    l.piezas = &fx_.Piezas(l.formula);
+    l.dividida = &fx_.Dividida(l.formula);
+    l.piezas = &l.dividida->piezas;
     l.diferencia = TieneReferencia(*l.piezas, kFxDiferencia);
     l.r = std::move(r);
     TrazaLineaFx t;
@@ -220,6 +221,12 @@ std::optional<double> CorridaFx::Evaluar(size_t i) {
 
 std::optional<double> CorridaFx::Formula(size_t i) {
   TrazaLineaFx& tl = traza_.lineas[i];
+  // A formula of plain text is the same expression on every run, worked out once.
+  if (const FormulaDividida::Fija* fija = fx_.Fija(*lineas_[i].dividida)) {
+    tl.expresion = fija->expresion;
+    if (fija->numero_expresion) return fija->numero_expresion;
+    return Resultado(tl, i, fija->expresion, fija->aritmetica.resultado, fija->aritmetica.numero);
+  }
   const std::vector<ElementoFx>& piezas = *lineas_[i].piezas;
   const bool sola = piezas.size() == 1;
   std::string expresion;

@@ -98,7 +98,8 @@ class CorridaFx {
   struct Linea {
     std::shared_ptr<clsRegRenglonMF> r;
     std::string formula;                              // trimmed
-    const std::vector<ElementoFx>* piezas = nullptr;  // of `formula`, kept by clsFuncionesFx
+    FormulaDividida* dividida = nullptr;              // of `formula`, kept by clsFuncionesFx
+    const std::vector<ElementoFx>* piezas = nullptr;  // its pieces
     bool diferencia = false;
     Estado estado = Estado::Pendiente;
     double mf = 0;

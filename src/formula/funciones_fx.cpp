@@ -189,9 +189,44 @@ ContextoEmpresaFx clsFuncionesFx::Contexto() const {
 }
 
 const std::vector<ElementoFx>& clsFuncionesFx::Piezas(const std::string& formula) {
+  return Dividida(formula).piezas;
+}
+
+FormulaDividida& clsFuncionesFx::Dividida(const std::string& formula) {
   auto p = piezas_->find(formula);
-  if (p == piezas_->end()) p = piezas_->emplace(formula, DividirFormula(formula)).first;
+  if (p == piezas_->end()) {
+    FormulaDividida nueva;
+    nueva.piezas = DividirFormula(formula);
+    p = piezas_->emplace(formula, std::move(nueva)).first;
+  }
   return p->second;
+}
+
+const FormulaDividida::Fija* clsFuncionesFx::Fija(FormulaDividida& f) const {
+  if (!f.fija_vista) {
+    f.fija_vista = true;
+    std::string expresion;
+    for (const ElementoFx& p : f.piezas) {
+      if (p.tipo != ElementoFx::Tipo::Texto || p.texto.find_first_of("[]") != std::string::npos) {
+        return nullptr;
+      }
+      expresion += p.texto;
+    }
+    f.fija.emplace();
+    f.fija->expresion = vb::Trim(expresion);
+    f.fija->numero_expresion = LeerNumero(f.fija->expresion);
+  }
+  if (!f.fija) return nullptr;
+  if (f.fija->numero_expresion) return &*f.fija;
+  // Reduced by the script host once; an evaluator with an installed evaluator asks it each time.
+  if (evaluador_) return nullptr;
+  if (!f.fija->reducida) {
+    const ResultadoAritmetica* r = Aritmetica(f.fija->expresion);
+    if (r == nullptr) return nullptr;
+    f.fija->aritmetica = *r;
+    f.fija->reducida = true;
+  }
+  return &*f.fija;
 }
 
 bool clsFuncionesFx::CargarEmpresa(int16_t id) {

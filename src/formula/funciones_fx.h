@@ -103,8 +103,6 @@ std::string FechaCorta(Date d);
 // both reading it (the main job runs one evaluator per member of each occurrence).
 // The pieces (DividirFormula) of the formulas an evaluator has worked out, by formula text: a
 // text always splits alike, so evaluators that share them split each formula once.
-using PiezasFormulas = std::unordered_map<std::string, std::vector<ElementoFx>>;
-
 // The results of expressions made only of number literals, arithmetic operators and
 // parentheses ("1045*1.21"), by text: such a text names nothing and reads no clock, so the
 // script host always gives it the same result, and evaluators that share them reduce each once.
@@ -121,6 +119,27 @@ struct HashTexto {
 };
 using ResultadosAritmetica =
     std::unordered_map<std::string, ResultadoAritmetica, HashTexto, std::equal_to<>>;
+
+// A formula split into its pieces and, for a formula of plain text pieces alone (no reference,
+// no block), the expression they make once worked out: when it is a number, or an arithmetic
+// expression the script host reduced (ResultadosAritmetica), it never changes.
+struct FormulaDividida {
+  struct Fija {
+    std::string expresion;                   // the pieces joined and trimmed
+    std::optional<double> numero_expresion;  // LeerNumero(expresion)
+    bool reducida = false;                   // whether `aritmetica` was worked out
+    // When it is not a number: the kept result (used only by evaluators without an installed
+    // evaluator, the only ones that reduce it so).
+    ResultadoAritmetica aritmetica;
+  };
+  std::vector<ElementoFx> piezas;
+  bool fija_vista = false;   // whether `fija` was worked out
+  std::optional<Fija> fija;  // nothing for any other formula
+};
+
+// The pieces (DividirFormula) of the formulas an evaluator has worked out, by formula text: a
+// text always splits alike, so evaluators that share them split each formula once.
+using PiezasFormulas = std::unordered_map<std::string, FormulaDividida>;
 
 struct ContextoEmpresaFx {
   clsEmpresa empresa;
@@ -164,6 +183,12 @@ class clsFuncionesFx {
   // The pieces of `formula` (DividirFormula), split once and kept with the context; the
   // reference stays valid while the context's pieces live (they are never dropped).
   const std::vector<ElementoFx>& Piezas(const std::string& formula);
+  // The same with what is kept of it (FormulaDividida); the reference lives as long.
+  FormulaDividida& Dividida(const std::string& formula);
+  // The expression of a formula of plain text pieces, worked out once (FormulaDividida::Fija);
+  // null for any other formula, or when it is an arithmetic expression and this evaluator has
+  // an installed evaluator or the script host could not reduce it.
+  const FormulaDividida::Fija* Fija(FormulaDividida& formula) const;
 
   void Evaluador(EvaluadorExpresion f) { evaluador_ = std::move(f); }
   // Runs the installed evaluator (the script host by default; the result of an expression of
