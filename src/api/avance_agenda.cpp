@@ -16,15 +16,44 @@
 
 namespace kivmovfrec::api {
 
-std::string TextoProxima(Date proxima) {
-  // Format(proxima, "dd/mm/yyyy") and Format(proxima, "hh:nn"), written directly from the parts
-  // (the main job writes one per occurrence).
-  const vb::DateParts p = vb::Split(proxima);
-  std::string texto = fmt::format("{:02d}/{:02d}/{:04d}", p.day, p.month, p.year);
+namespace {
+
+void Digitos(std::string& texto, int valor, int ancho) {
+  char d[4];
+  for (int i = ancho - 1; i >= 0; --i, valor /= 10) d[i] = static_cast<char>('0' + valor % 10);
+  texto.append(d, static_cast<size_t>(ancho));
+}
+
+// Format(proxima, "dd/mm/yyyy") and Format(proxima, "hh:nn") of a date's parts (the main job
+// writes one per occurrence).
+std::string TextoDePartes(const vb::DateParts& p) {
+  if (p.year < 1000 || p.year > 9999) {
+    std::string texto = fmt::format("{:02d}/{:02d}/{:04d}", p.day, p.month, p.year);
+    if (p.hour != 0 || p.minute != 0 || p.second != 0) {
+      texto += fmt::format(" {:02d}:{:02d}", p.hour, p.minute);
+    }
+    return texto;
+  }
+  std::string texto;
+  texto.reserve(16);
+  Digitos(texto, p.day, 2);
+  texto += '/';
+  Digitos(texto, p.month, 2);
+  texto += '/';
+  Digitos(texto, p.year, 4);
   if (p.hour != 0 || p.minute != 0 || p.second != 0) {
-    texto += fmt::format(" {:02d}:{:02d}", p.hour, p.minute);
+    texto += ' ';
+    Digitos(texto, p.hour, 2);
+    texto += ':';
+    Digitos(texto, p.minute, 2);
   }
   return texto;
+}
+
+}  // namespace
+
+std::string TextoProxima(Date proxima) {
+  return TextoDePartes(vb::Split(proxima));
 }
 
 std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec) {
@@ -43,7 +72,13 @@ std::optional<schedule::Schedule> AgendaDe(const clsRegRecurrencia& rec) {
 
 bool AvanzarRegistros(const ContextoMF& ctx, IDateCalculator& calendario,
                       clsRegMovimientoFrecuente& mov, clsRegRecurrencia& rec, Date* proxima) {
-  const std::optional<schedule::Schedule> agenda = AgendaDe(rec);
+  std::optional<schedule::Schedule> agenda = AgendaDe(rec);
+  return AvanzarRegistros(ctx, calendario, mov, rec, agenda, proxima);
+}
+
+bool AvanzarRegistros(const ContextoMF& ctx, IDateCalculator& calendario,
+                      clsRegMovimientoFrecuente& mov, clsRegRecurrencia& rec,
+                      std::optional<schedule::Schedule>& agenda, Date* proxima) {
   if (!agenda) throw VbError(13);
   const schedule::AfterOccurrence siguiente = schedule::NextOccurrence(*agenda, calendario);
   if (siguiente.ended) {
@@ -51,11 +86,22 @@ bool AvanzarRegistros(const ContextoMF& ctx, IDateCalculator& calendario,
     mov.FechaEstado(ctx.Reloj().Now());
     return true;
   }
-  rec.FechaProxima(TextoProxima(siguiente.due));
+  vb::DateParts partes = vb::Split(siguiente.due);
+  rec.FechaProxima(TextoDePartes(partes));
   rec.NumOcurrencia(siguiente.occurrence);
   rec.Postergado(0.0f);
+  // The text just written read back: its parts without the seconds, for the four-digit years
+  // it always reads back as such; the schedule read again from the text otherwise.
+  if (partes.year >= 1000 && partes.year <= 9999) {
+    partes.second = 0;
+    agenda->due = vb::MakeDate(partes);
+    agenda->occurrence = std::max(rec.NumOcurrencia(), 1);
+  } else {
+    agenda = AgendaDe(rec);
+  }
   if (proxima != nullptr) {
-    *proxima = storage::FechaSegunFormatoBD(vb::CDate(Variant(rec.FechaProxima())), ctx.parametros);
+    *proxima = storage::FechaSegunFormatoBD(
+        agenda ? agenda->due : vb::CDate(Variant(rec.FechaProxima())), ctx.parametros);
   }
   return false;
 }

@@ -60,6 +60,12 @@ std::string TextoProxima(Date proxima);
 // what this leaves; the in-memory run of the main job keeps it.
 bool AvanzarRegistros(const ContextoMF& ctx, IDateCalculator& calendario,
                       clsRegMovimientoFrecuente& mov, clsRegRecurrencia& rec, Date* proxima);
+// The same for a caller that keeps `agenda` = AgendaDe(rec) beside the records, so that the
+// schedule is not read from its texts again on each occurrence: `agenda` then follows `rec`
+// (what AgendaDe would read from it afterwards).
+bool AvanzarRegistros(const ContextoMF& ctx, IDateCalculator& calendario,
+                      clsRegMovimientoFrecuente& mov, clsRegRecurrencia& rec,
+                      std::optional<schedule::Schedule>& agenda, Date* proxima);
 
 class AvanceAgenda {
  public:

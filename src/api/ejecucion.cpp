@@ -80,6 +80,10 @@ struct MonedaDocumento {
 };
 
 double Escala(int decimales) {
+  // The powers a currency uses, exact as literals (and as pow gives them), without calling pow
+  // for each amount.
+  static constexpr double kPotencias[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+  if (decimales >= 0 && decimales < 10) return kPotencias[decimales];
   return std::pow(10.0, decimales);
 }
 
@@ -278,6 +282,8 @@ class Ejecutor {
     clsMFTipo mov;
     std::vector<std::pair<double, double>> importes;  // ImporteMF, ImporteCta as stored
     std::optional<std::vector<MiembroGrupo>> grupo;
+    // Its schedule as AgendaDe reads it from the records, kept in step with them once read.
+    std::optional<std::optional<schedule::Schedule>> agenda;
   };
 
   Leido& Leer(int32_t id) {
@@ -349,7 +355,9 @@ class Ejecutor {
       Leido& leido = Leer(v.id);
       clsMFTipo& mov = leido.mov;
       if (leido.existe) r.nombre = mov.MovFrecuente()->Nombre();
-      r.detalle = Cambio(leido.existe, mov, v.fecha, r.proxima);
+      if (leido.existe && !leido.agenda) leido.agenda = AgendaDe(*mov.Recurrencia());
+      r.detalle =
+          Cambio(leido.existe, mov, v.fecha, r.proxima, leido.agenda ? &*leido.agenda : nullptr);
       if (!r.detalle.empty()) {
         r.estado = EstadoOcurrencia::HechaEnOtraParte;
         return r;
@@ -380,8 +388,8 @@ class Ejecutor {
       // Advanced on the records kept, as the commit would keep them (nothing is changed there
       // before the next date has been worked out, which is what can fail).
       Date proxima{};
-      r.terminada =
-          AvanzarRegistros(ctx_, *calendario_, *mov.MovFrecuente(), *mov.Recurrencia(), &proxima);
+      r.terminada = AvanzarRegistros(ctx_, *calendario_, *mov.MovFrecuente(), *mov.Recurrencia(),
+                                     *leido.agenda, &proxima);
       if (!r.terminada) r.proxima = proxima;
       if (r.terminada) terminados_.insert(v.id);
       // Another occurrence on the same day can only find them through another member of a
@@ -417,7 +425,9 @@ class Ejecutor {
   // What became of the occurrence due on `fecha` when another run or a user got there first;
   // "" when it is still due that day. `proxima`: the due date the schedule holds now, when the
   // movement is still pending with one.
-  static std::string Cambio(bool existe, const clsMFTipo& mov, Date fecha, Date& proxima) {
+  // `agenda`: AgendaDe of the movement's schedule row, when the caller keeps it.
+  static std::string Cambio(bool existe, const clsMFTipo& mov, Date fecha, Date& proxima,
+                            const std::optional<schedule::Schedule>* agenda = nullptr) {
     if (!existe) return "el movimiento ya no existe";
     const int16_t estado = mov.MovFrecuente()->Estado();
     if (estado == ToInt(enuEstadoMF::Realizado)) {
@@ -425,11 +435,16 @@ class Ejecutor {
     }
     if (estado != 0)
       return "el movimiento ya no está en proceso (estado " + std::to_string(estado) + ")";
-    const std::string& texto = mov.Recurrencia()->FechaProxima();
-    if (mov.Recurrencia()->ID() == 0 || !vb::IsDate(Variant(texto))) {
-      return "el movimiento ya no está agendado";
+    std::optional<Date> leida;
+    if (mov.Recurrencia()->ID() != 0) {
+      if (agenda == nullptr) {
+        leida = vb::ParseDate(mov.Recurrencia()->FechaProxima());
+      } else if (*agenda) {
+        leida = (*agenda)->due;
+      }
     }
-    const Date ahora = vb::CDate(Variant(texto));
+    if (!leida) return "el movimiento ya no está agendado";
+    const Date ahora = *leida;
     if (Dia(ahora) == Dia(fecha)) return "";
     proxima = ahora;
     return Dia(ahora) > Dia(fecha)
@@ -511,13 +526,14 @@ class Ejecutor {
       }
       return std::nullopt;
     });
-    clsMFTipo propio(ctx_.servicios.clock);
     if (memoria_ != nullptr && cargado == nullptr) {
       Leido& leido = Leer(m.id);
       if (leido.existe) cargado = &leido.mov;
     }
     if (memoria_ != nullptr && cargado != nullptr) Restituir(*cargado);
-    clsMFTipo& mov = cargado != nullptr ? *cargado : propio;
+    // A record of its own only for a member the occurrence has not read.
+    std::optional<clsMFTipo> propio;
+    clsMFTipo& mov = cargado != nullptr ? *cargado : propio.emplace(ctx_.servicios.clock);
     Date dia = SoloDia(fecha);
     // Prompts are allowed: a movement that needs a typed value cannot run unattended.
     const bool calculado = cargado != nullptr ? calculo.CalcularCargado(mov, false, dia)

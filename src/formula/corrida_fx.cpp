@@ -56,7 +56,8 @@ CorridaFx::CorridaFx(clsFuncionesFx& fx, std::vector<std::shared_ptr<clsRegRengl
   for (auto& r : lineas) {
     Linea l;
     l.formula = vb::Trim(r->Formula());
-    l.piezas = &fx_.Piezas(l.formula);
+    l.dividida = &fx_.Dividida(l.formula);
+    l.piezas = &l.dividida->piezas;
     l.diferencia = TieneReferencia(*l.piezas, kFxDiferencia);
     l.r = std::move(r);
     TrazaLineaFx t;
@@ -220,6 +221,12 @@ std::optional<double> CorridaFx::Evaluar(size_t i) {
 
 std::optional<double> CorridaFx::Formula(size_t i) {
   TrazaLineaFx& tl = traza_.lineas[i];
+  // A formula of plain text is the same expression on every run, worked out once.
+  if (const FormulaDividida::Fija* fija = fx_.Fija(*lineas_[i].dividida)) {
+    tl.expresion = fija->expresion;
+    if (fija->numero_expresion) return fija->numero_expresion;
+    return Resultado(tl, i, fija->expresion, fija->aritmetica.resultado, fija->aritmetica.numero);
+  }
   const std::vector<ElementoFx>& piezas = *lineas_[i].piezas;
   const bool sola = piezas.size() == 1;
   std::string expresion;
@@ -251,14 +258,23 @@ std::optional<double> CorridaFx::Formula(size_t i) {
   }
   expresion = vb::Trim(expresion);
   tl.expresion = expresion;
+  // An arithmetic expression is reduced once per text (and read as a number once).
+  if (const ResultadoAritmetica* kept = fx_.Aritmetica(expresion)) {
+    if (kept->numero_expresion) return kept->numero_expresion;
+    return Resultado(tl, i, expresion, kept->resultado, kept->numero);
+  }
   if (auto n = LeerNumero(expresion)) return n;
   const script::HostResult r = fx_.Evaluar(expresion, false);
+  return Resultado(tl, i, expresion, r, LeerNumero(r.text));
+}
+
+std::optional<double> CorridaFx::Resultado(TrazaLineaFx& tl, size_t i, const std::string& expresion,
+                                           const script::HostResult& r, std::optional<double> v) {
   if (!r.ok) {
     Fallar(i, "la expresión " + expresion + " no se pudo evaluar: " + r.error.description +
                   " (columna " + std::to_string(r.error.column) + ")");
     return std::nullopt;
   }
-  const auto v = LeerNumero(r.text);
   if (!v || !std::isfinite(*v)) {
     Fallar(i, "la expresión " + expresion + " no dio un número: " + r.text);
     return std::nullopt;

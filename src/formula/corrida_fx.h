@@ -98,7 +98,8 @@ class CorridaFx {
   struct Linea {
     std::shared_ptr<clsRegRenglonMF> r;
     std::string formula;                              // trimmed
-    const std::vector<ElementoFx>* piezas = nullptr;  // of `formula`, kept by clsFuncionesFx
+    FormulaDividida* dividida = nullptr;              // of `formula`, kept by clsFuncionesFx
+    const std::vector<ElementoFx>* piezas = nullptr;  // its pieces
     bool diferencia = false;
     Estado estado = Estado::Pendiente;
     double mf = 0;
@@ -108,6 +109,9 @@ class CorridaFx {
   bool PedirTotal();
   std::optional<double> Evaluar(size_t i);
   std::optional<double> Formula(size_t i);
+  // The value of line i's expression from the host's result `r` and its text read as a number.
+  std::optional<double> Resultado(TrazaLineaFx& tl, size_t i, const std::string& expresion,
+                                  const script::HostResult& r, std::optional<double> v);
   TrazaElementoFx Referencia(size_t i, const ElementoFx& e, bool sola);
   TrazaElementoFx ReferenciaLinea(size_t i, const std::vector<std::string>& args,
                                   TrazaElementoFx t);

@@ -111,6 +111,16 @@ int DecimalesFormato(std::string_view formato) {
 
 double RedondearFormato(double v, std::string_view formato) {
   const int dec = DecimalesFormato(formato);
+  if (dec >= 0 && dec < 10 && std::fabs(v) < 1e9) {
+    // A value that already is a whole number of the units (n / 10^dec reads back as v, n well
+    // below 2^51): the shortest decimal that stands for v lies within one unit in the last place
+    // of n / 10^dec, far from any half, so the rounding below would give v back.
+    static constexpr double kPotencias[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+    const double escala = kPotencias[dec];
+    const double x = v * escala;
+    const double n = std::nearbyint(x);
+    if (n == x && std::fabs(n) < 1e15 && n / escala == v) return v == 0 ? 0.0 : v;
+  }
   if (std::isfinite(v) && std::fabs(v) < 1e300) {
     // The rounding Format applies to "0.00…" (the decimal the double stands for, halves away
     // from zero), read back as the nearest double, without writing and reading the text.
@@ -179,9 +189,44 @@ ContextoEmpresaFx clsFuncionesFx::Contexto() const {
 }
 
 const std::vector<ElementoFx>& clsFuncionesFx::Piezas(const std::string& formula) {
+  return Dividida(formula).piezas;
+}
+
+FormulaDividida& clsFuncionesFx::Dividida(const std::string& formula) {
   auto p = piezas_->find(formula);
-  if (p == piezas_->end()) p = piezas_->emplace(formula, DividirFormula(formula)).first;
+  if (p == piezas_->end()) {
+    FormulaDividida nueva;
+    nueva.piezas = DividirFormula(formula);
+    p = piezas_->emplace(formula, std::move(nueva)).first;
+  }
   return p->second;
+}
+
+const FormulaDividida::Fija* clsFuncionesFx::Fija(FormulaDividida& f) const {
+  if (!f.fija_vista) {
+    f.fija_vista = true;
+    std::string expresion;
+    for (const ElementoFx& p : f.piezas) {
+      if (p.tipo != ElementoFx::Tipo::Texto || p.texto.find_first_of("[]") != std::string::npos) {
+        return nullptr;
+      }
+      expresion += p.texto;
+    }
+    f.fija.emplace();
+    f.fija->expresion = vb::Trim(expresion);
+    f.fija->numero_expresion = LeerNumero(f.fija->expresion);
+  }
+  if (!f.fija) return nullptr;
+  if (f.fija->numero_expresion) return &*f.fija;
+  // Reduced by the script host once; an evaluator with an installed evaluator asks it each time.
+  if (evaluador_) return nullptr;
+  if (!f.fija->reducida) {
+    const ResultadoAritmetica* r = Aritmetica(f.fija->expresion);
+    if (r == nullptr) return nullptr;
+    f.fija->aritmetica = *r;
+    f.fija->reducida = true;
+  }
+  return &*f.fija;
 }
 
 bool clsFuncionesFx::CargarEmpresa(int16_t id) {
@@ -200,16 +245,24 @@ Date clsFuncionesFx::Hoy() const {
   return core::RelojOSistema(servicios_.clock.get()).Today();
 }
 
+namespace {
+
+constexpr size_t kMaxAritmetica = 100000;
+
+bool SoloAritmetica(std::string_view expresion) {
+  return !expresion.empty() &&
+         expresion.find_first_not_of("0123456789.+-*/\\^() ") == std::string_view::npos;
+}
+
+}  // namespace
+
 script::HostResult clsFuncionesFx::Evaluar(std::string_view expresion, bool exponer) const {
-  constexpr size_t kMaxAritmetica = 100000;
   try {
     if (evaluador_) return evaluador_(cn_.get(), expresion, exponer);
-    const bool aritmetica =
-        !exponer && !expresion.empty() &&
-        expresion.find_first_not_of("0123456789.+-*/\\^() ") == std::string_view::npos;
+    const bool aritmetica = !exponer && SoloAritmetica(expresion);
     if (aritmetica) {
-      if (const auto r = aritmetica_->find(std::string(expresion)); r != aritmetica_->end()) {
-        return r->second;
+      if (const auto r = aritmetica_->find(expresion); r != aritmetica_->end()) {
+        return r->second.resultado;
       }
     }
     script::HostOptions opciones;
@@ -218,13 +271,34 @@ script::HostResult clsFuncionesFx::Evaluar(std::string_view expresion, bool expo
     script::HostResult r = script::EvaluateScript(cn_.get(), expresion, exponer, opciones);
     if (aritmetica) {
       if (aritmetica_->size() >= kMaxAritmetica) aritmetica_->clear();
-      aritmetica_->emplace(std::string(expresion), r);
+      aritmetica_->emplace(std::string(expresion),
+                           ResultadoAritmetica{r, LeerNumero(expresion), LeerNumero(r.text)});
     }
     return r;
   } catch (const std::exception& e) {
     script::HostResult r;
     r.error.description = e.what();
     return r;
+  }
+}
+
+const ResultadoAritmetica* clsFuncionesFx::Aritmetica(std::string_view expresion) const {
+  if (evaluador_ || !SoloAritmetica(expresion)) return nullptr;
+  if (const auto r = aritmetica_->find(expresion); r != aritmetica_->end()) return &r->second;
+  if (LeerNumero(expresion)) return nullptr;
+  try {
+    script::HostOptions opciones;
+    auto reloj = servicios_.clock;
+    opciones.clock = [reloj] { return core::RelojOSistema(reloj.get()).Now(); };
+    script::HostResult r = script::EvaluateScript(cn_.get(), expresion, false, opciones);
+    if (aritmetica_->size() >= kMaxAritmetica) aritmetica_->clear();
+    const std::optional<double> numero = LeerNumero(r.text);
+    return &aritmetica_
+                ->emplace(std::string(expresion),
+                          ResultadoAritmetica{std::move(r), std::nullopt, numero})
+                .first->second;
+  } catch (const std::exception&) {
+    return nullptr;
   }
 }
 

@@ -103,12 +103,43 @@ std::string FechaCorta(Date d);
 // both reading it (the main job runs one evaluator per member of each occurrence).
 // The pieces (DividirFormula) of the formulas an evaluator has worked out, by formula text: a
 // text always splits alike, so evaluators that share them split each formula once.
-using PiezasFormulas = std::unordered_map<std::string, std::vector<ElementoFx>>;
-
 // The results of expressions made only of number literals, arithmetic operators and
 // parentheses ("1045*1.21"), by text: such a text names nothing and reads no clock, so the
 // script host always gives it the same result, and evaluators that share them reduce each once.
-using ResultadosAritmetica = std::unordered_map<std::string, script::HostResult>;
+// Each keeps what the formulas read from it too: the expression and the result's text as
+// numbers (LeerNumero).
+struct ResultadoAritmetica {
+  script::HostResult resultado;
+  std::optional<double> numero_expresion;  // LeerNumero(the expression)
+  std::optional<double> numero;            // LeerNumero(resultado.text)
+};
+struct HashTexto {
+  using is_transparent = void;
+  size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+};
+using ResultadosAritmetica =
+    std::unordered_map<std::string, ResultadoAritmetica, HashTexto, std::equal_to<>>;
+
+// A formula split into its pieces and, for a formula of plain text pieces alone (no reference,
+// no block), the expression they make once worked out: when it is a number, or an arithmetic
+// expression the script host reduced (ResultadosAritmetica), it never changes.
+struct FormulaDividida {
+  struct Fija {
+    std::string expresion;                   // the pieces joined and trimmed
+    std::optional<double> numero_expresion;  // LeerNumero(expresion)
+    bool reducida = false;                   // whether `aritmetica` was worked out
+    // When it is not a number: the kept result (used only by evaluators without an installed
+    // evaluator, the only ones that reduce it so).
+    ResultadoAritmetica aritmetica;
+  };
+  std::vector<ElementoFx> piezas;
+  bool fija_vista = false;   // whether `fija` was worked out
+  std::optional<Fija> fija;  // nothing for any other formula
+};
+
+// The pieces (DividirFormula) of the formulas an evaluator has worked out, by formula text: a
+// text always splits alike, so evaluators that share them split each formula once.
+using PiezasFormulas = std::unordered_map<std::string, FormulaDividida>;
 
 struct ContextoEmpresaFx {
   clsEmpresa empresa;
@@ -152,11 +183,22 @@ class clsFuncionesFx {
   // The pieces of `formula` (DividirFormula), split once and kept with the context; the
   // reference stays valid while the context's pieces live (they are never dropped).
   const std::vector<ElementoFx>& Piezas(const std::string& formula);
+  // The same with what is kept of it (FormulaDividida); the reference lives as long.
+  FormulaDividida& Dividida(const std::string& formula);
+  // The expression of a formula of plain text pieces, worked out once (FormulaDividida::Fija);
+  // null for any other formula, or when it is an arithmetic expression and this evaluator has
+  // an installed evaluator or the script host could not reduce it.
+  const FormulaDividida::Fija* Fija(FormulaDividida& formula) const;
 
   void Evaluador(EvaluadorExpresion f) { evaluador_ = std::move(f); }
   // Runs the installed evaluator (the script host by default; the result of an expression of
   // number literals and arithmetic alone is kept, see ResultadosAritmetica); never throws.
   script::HostResult Evaluar(std::string_view expresion, bool exponer_conexion) const;
+  // The kept result of `expresion` when it is made of number literals and arithmetic alone and
+  // is not itself a number (LeerNumero), worked out and kept when new, as Evaluar(expresion,
+  // false) gives it; null for any other expression, with an installed evaluator, or when the
+  // host throws. Valid until the next Evaluar or Aritmetica of an evaluator of the context.
+  const ResultadoAritmetica* Aritmetica(std::string_view expresion) const;
 
   // Replaces in a block's text: [pIDMov], [pEmp], [prmBDDateCharSQLs], [prmMonedaContabilidad]
   // and every "[prm" + name + "]" of the company's parameter items (names without regard to

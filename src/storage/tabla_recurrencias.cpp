@@ -42,9 +42,11 @@ std::string SqlRecurrenciaPorID(int32_t id) {
 }
 
 Date FechaSegunFormatoBD(Date d, const ParametrosBD& p) {
-  const std::string formato = vb::LCase(p.formato_fecha);
-  const bool horas = formato.find('h') != std::string::npos;
-  const bool segundos = formato.find('s') != std::string::npos;
+  // Either case: only "H" and "S" lower-case to "h" and "s", and no byte of a longer UTF-8
+  // sequence is ASCII.
+  const std::string& formato = p.formato_fecha;
+  const bool horas = formato.find_first_of("hH") != std::string::npos;
+  const bool segundos = formato.find_first_of("sS") != std::string::npos;
   vb::DateParts partes = vb::Split(d);
   if (!horas) partes.hour = partes.minute = 0;
   if (!segundos) partes.second = 0;
