@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "storage/columnas.h"
+#include "storage/fila.h"
 
 namespace kivmovfrec::api {
 
@@ -66,12 +67,7 @@ std::map<int32_t, GrupoVinculado> GruposEnOrden(Connection& cn,
   std::vector<int32_t> ids;
   for (const auto& [g, grupo] : grupos) ids.push_back(g);
   for (size_t desde = 0; desde < ids.size(); desde += kPorLectura) {
-    std::string lista;
-    DbParams params;
-    for (size_t i = desde; i < std::min(ids.size(), desde + kPorLectura); ++i) {
-      lista += lista.empty() ? "?" : ", ?";
-      params.emplace_back(ids[i]);
-    }
+    auto [lista, params] = storage::ListaDeIds(ids, desde, kPorLectura);
     params.insert(params.end(), params.begin(), params.end());
     auto rs = cn.OpenResultset(
         kColumnas + ("MFrMovVinculado In (" + lista + ") Or MFrID In (" + lista + ")"), params);

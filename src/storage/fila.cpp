@@ -65,4 +65,13 @@ std::vector<DbStatement> SentenciasInsertar(std::string_view tabla,
   return out;
 }
 
+ListaIds ListaDeIds(const std::vector<int32_t>& ids, size_t desde, size_t cuantos) {
+  ListaIds out;
+  for (size_t i = desde; i < std::min(ids.size(), desde + cuantos); ++i) {
+    out.marcadores += out.marcadores.empty() ? "?" : ", ?";
+    out.valores.emplace_back(ids[i]);
+  }
+  return out;
+}
+
 }  // namespace kivmovfrec::storage

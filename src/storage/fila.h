@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -31,5 +32,13 @@ DbStatement SentenciaActualizar(std::string_view tabla, std::string_view clave, 
 // None for no rows; rows whose columns differ from the first's throw std::invalid_argument.
 std::vector<DbStatement> SentenciasInsertar(std::string_view tabla,
                                             const std::vector<ValoresFila>& filas);
+
+// The ids ids[desde .. desde + cuantos) (cut at the end) as the placeholders of an "In (...)"
+// list, "?, ?, ?", and their values in the same order.
+struct ListaIds {
+  std::string marcadores;
+  DbParams valores;
+};
+ListaIds ListaDeIds(const std::vector<int32_t>& ids, size_t desde, size_t cuantos);
 
 }  // namespace kivmovfrec::storage

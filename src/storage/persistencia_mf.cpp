@@ -12,6 +12,7 @@
 
 #include "core/clock.h"
 #include "storage/columnas.h"
+#include "storage/fila.h"
 #include "storage/tabla_movimientos.h"
 #include "storage/tabla_recurrencias.h"
 #include "storage/tabla_renglones.h"
@@ -66,12 +67,7 @@ std::map<int32_t, clsMFTipo> CargarMovimientos(Connection& cn, const std::vector
   constexpr size_t kPorLectura = 500;
   std::map<int32_t, clsMFTipo> out;
   for (size_t desde = 0; desde < ids.size(); desde += kPorLectura) {
-    std::string lista;
-    DbParams params;
-    for (size_t i = desde; i < std::min(ids.size(), desde + kPorLectura); ++i) {
-      lista += lista.empty() ? "?" : ", ?";
-      params.emplace_back(ids[i]);
-    }
+    const auto [lista, params] = ListaDeIds(ids, desde, kPorLectura);
     auto rs = cn.OpenResultset(
         "Select genMovimientosFrecuentes.*, genRecurrencias.* From genMovimientosFrecuentes "
         "LEFT JOIN genRecurrencias ON genMovimientosFrecuentes.MFrRecurrencia = "
