@@ -82,9 +82,6 @@ TEST_P(Asistente, ANewMovementNeedsAAndAStoredOneMAndANoticeNeither) {
       ASSERT_EQ(i.mensajes.size(), 1u);
       EXPECT_EQ(i.mensajes[0].numero, msg::kSinDerechos);
       EXPECT_EQ(i.mensajes[0].titulo, "Movimientos Frecuentes");
-      EXPECT_EQ(i.mensajes[0].texto,
-                "Su usuario no está habilitado para acceder a ésta opción.\nConsulte con el "
-                "administrador del sistema.");
     }
   }
 }

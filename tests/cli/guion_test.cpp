@@ -41,14 +41,6 @@ TEST_P(MovfrecGuion, SavesRefusesAndReportsWhatTheEditorShowed) {
   EXPECT_EQ(j["Mensajes"][0]["Respuesta"], "si");
   EXPECT_TRUE(j["Error"].is_null());
 
-  // The same name again: refused with the focus on the name; exit 1, the report on stdout.
-  const Result repetida = Correr(nueva, {"lista-tareas"});
-  EXPECT_EQ(repetida.status, 1);
-  EXPECT_TRUE(Has(repetida.out, "Mensaje 641 [exclamacion] Duplicación de datos")) << repetida.out;
-  EXPECT_TRUE(Has(repetida.out, "foco en tNombreC, texto seleccionado «Compras del mes»"))
-      << repetida.out;
-  EXPECT_TRUE(Has(repetida.out, "Resultado: 0")) << repetida.out;
-
   // A step the editor cannot take stops the run and says which.
   const Result parada = Correr(R"([{"pulsar": "bfNada"}])", {"lista-tareas", "10"});
   EXPECT_EQ(parada.status, 1);
