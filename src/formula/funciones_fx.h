@@ -120,18 +120,22 @@ struct HashTexto {
 using ResultadosAritmetica =
     std::unordered_map<std::string, ResultadoAritmetica, HashTexto, std::equal_to<>>;
 
+// The worked-out expression of a formula of plain text pieces (FormulaDividida::Fija); a type
+// of its own so that it is complete where std::optional asks whether it can be made empty.
+struct FormulaFija {
+  std::string expresion;                   // the pieces joined and trimmed
+  std::optional<double> numero_expresion;  // LeerNumero(expresion)
+  bool reducida = false;                   // whether `aritmetica` was worked out
+  // When it is not a number: the kept result (used only by evaluators without an installed
+  // evaluator, the only ones that reduce it so).
+  ResultadoAritmetica aritmetica;
+};
+
 // A formula split into its pieces and, for a formula of plain text pieces alone (no reference,
 // no block), the expression they make once worked out: when it is a number, or an arithmetic
 // expression the script host reduced (ResultadosAritmetica), it never changes.
 struct FormulaDividida {
-  struct Fija {
-    std::string expresion;                   // the pieces joined and trimmed
-    std::optional<double> numero_expresion;  // LeerNumero(expresion)
-    bool reducida = false;                   // whether `aritmetica` was worked out
-    // When it is not a number: the kept result (used only by evaluators without an installed
-    // evaluator, the only ones that reduce it so).
-    ResultadoAritmetica aritmetica;
-  };
+  using Fija = FormulaFija;
   std::vector<ElementoFx> piezas;
   bool fija_vista = false;   // whether `fija` was worked out
   std::optional<Fija> fija;  // nothing for any other formula
